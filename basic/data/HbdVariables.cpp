@@ -48,6 +48,26 @@ void HbdVariableInteger::readNumbers(int first, int count, double* numbers) cons
     });
 }
 
+void HbdVariableEnum::append(const HbdAVariable& other)
+{
+    const int first = getCount();
+    HbdTypedVariable::append(other);
+    if (other.getType() != getType())
+        return;
+    const HbdEnumCatalog theirs = static_cast<const HbdVariableEnum&>(other).m_catalog;
+    if (theirs == m_catalog)
+        return;
+
+    // Two catalogues may give one label different codes: translate code by code, once.
+    std::vector<quint16> translated(HbdEnumCatalog::UNDEFINED_CODE + 1);
+    for (std::size_t code = 0; code < translated.size(); ++code)
+        translated[code] = static_cast<quint16>(code);
+    for (const HbdEnumCatalog::Category& category : theirs.getCategories())
+        translated[category.code] = m_catalog.findOrAdd(category.label);
+    for (int rank = first; rank < getCount(); ++rank)
+        set(rank, translated[at(rank)]);
+}
+
 QVariant HbdVariableEnum::getVariant(int rank) const
 {
     const quint16 code = at(rank);

@@ -15,6 +15,9 @@ public:
     ~HbdVariableEnum() override;
     using HbdTypedVariable::append;
 
+    /// Appends categories by label: what another catalogue knows is added to this one's.
+    void append(const HbdAVariable& other) override;
+
     const HbdEnumCatalog& getCatalog() const { return m_catalog; }
     void setCatalog(const HbdEnumCatalog& catalog) { m_catalog = catalog; }
 
