@@ -22,6 +22,11 @@ KudADataTable* KudADataTable::staticEmptyDataTable()
     return &table;
 }
 
+const KudADataTable* KudDataTableModif::dataTable() const
+{
+    return _getObservable();
+}
+
 const KudDataTableHeader& KudADataTable::header() const
 {
     _updateHeader();
@@ -128,11 +133,11 @@ bool KudADataTable::isVariableValid(const KudDatasetVariable& variable,
     if (!containsVariable(variable))
         return false;
     const HbdVariableDetails details = getDetails(variable);
-    return filter.acceptSupport(details.support, variable.support())
-           && filter.acceptType(details.type) && filter.acceptRole(details.role)
-           && filter.acceptTags(details.tags) && filter.acceptTemporary(details.temporary)
-           && filter.acceptCompound(getCompoundType(variable))
-           && (!filter.acceptOnlyCompound() || isCompound(variable));
+    return filter.acceptSupport(details.support, variable.support()) &&
+           filter.acceptType(details.type) && filter.acceptRole(details.role) &&
+           filter.acceptTags(details.tags) && filter.acceptTemporary(details.temporary) &&
+           filter.acceptCompound(getCompoundType(variable)) &&
+           (!filter.acceptOnlyCompound() || isCompound(variable));
 }
 
 HbdVariableDetails KudADataTable::getDetails(const KudDatasetVariable& variable) const

@@ -2,9 +2,9 @@
 
 #include <basic/base/HbbStringFormat.h>
 #include <basic/data/HbdANumericVariable.h>
+#include <basic/data/HbdVarTypeFlags.h>
 #include <basic/data/HbdVariableColor.h>
 #include <basic/data/HbdVariableEnum.h>
-#include <basic/data/HbdVarTypeFlags.h>
 #include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QDateTime>

@@ -70,7 +70,7 @@ public:
     /// \name Variables
     /// @{
     int getVariableCount() const;
-    KudDatasetVariable getVariableAt(int column) const; ///< empty outside of the columns
+    KudDatasetVariable getVariableAt(int column) const;            ///< empty outside of the columns
     int getVariableRank(const KudDatasetVariable& variable) const; ///< its column, or -1
 
     /// The variable of that full name, else the first of that plain name, else an empty one.
@@ -165,7 +165,8 @@ public:
 
     /// Writes the values of a column, or a part of it, over those from `firstRank` on, with one
     /// notice. Refused unless they fit into the table and the kinds of the columns are the same.
-    bool updateColumn(const KudDatasetVariable& variable, int firstRank, const HbdAVariable& values);
+    bool updateColumn(const KudDatasetVariable& variable, int firstRank,
+                      const HbdAVariable& values);
 
     /// The same from plain numbers in the storage unit, into a numeric variable.
     bool updateColumn(const KudDatasetVariable& variable, int firstRank,

@@ -9,7 +9,7 @@ namespace Ku
 enum DatasetFlag {
     DatasetFlag1 = 0x1,
     DatasetFlag2 = 0x2,
-    ReadOnlyValues = 0x4,       ///< no value may be changed
+    ReadOnlyValues = 0x4, ///< no value may be changed
     CanCreateSamples = 0x8,
     CanDeleteSamples = 0x10,
     CanCreateVariables = 0x20,
