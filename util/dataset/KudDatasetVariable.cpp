@@ -21,8 +21,8 @@ QString KudDatasetVariable::getFullVariableName() const
 
 bool KudDatasetVariable::isChild(const KudDatasetVariable& other) const
 {
-    return isVariable() && !other.isVariable() && _isSame(m_variable, other.m_variable)
-           && _isSame(m_support, other.m_support);
+    return isVariable() && !other.isVariable() && _isSame(m_variable, other.m_variable) &&
+           _isSame(m_support, other.m_support);
 }
 
 bool KudDatasetVariable::operator<(const KudDatasetVariable& other) const

@@ -15,8 +15,8 @@ bool assign(Value& field, const Value& value)
 
 bool KudDatasetVariableFilter::acceptSupport(const HbdESupport& support, const QString& name) const
 {
-    return m_authorizedSupports.contains(support)
-           && (m_authorizedSupportNames.isEmpty() || m_authorizedSupportNames.contains(name));
+    return m_authorizedSupports.contains(support) &&
+           (m_authorizedSupportNames.isEmpty() || m_authorizedSupportNames.contains(name));
 }
 
 bool KudDatasetVariableFilter::setAuthorizedSupports(const HbdSupportFlags& supports)

@@ -101,12 +101,10 @@ bool KudDatasetVariableList::contains(const KudDatasetVariable& variable, bool e
         return false;
     }
     const Names* names = _findNames(variable.support(), variable.variable());
-    return names
-           && (names->indices.contains(variable.index())
-               || names->components.contains(variable.component())
-               || indexOf(KudDatasetVariable::createVariable(variable.support(),
-                                                             variable.variable()))
-                      >= 0);
+    return names && (names->indices.contains(variable.index()) ||
+                     names->components.contains(variable.component()) ||
+                     indexOf(KudDatasetVariable::createVariable(variable.support(),
+                                                                variable.variable())) >= 0);
 }
 
 int KudDatasetVariableList::indexOf(const KudDatasetVariable& variable) const
@@ -137,12 +135,12 @@ KudDatasetVariable KudDatasetVariableList::fix(const KudDatasetVariable& variabl
         return parent;
     }
     const auto hasIndex = [&](const KudDatasetVariable& member) {
-        return parent.isChild(member) && variable.isRealization()
-               && member.index() == variable.index();
+        return parent.isChild(member) && variable.isRealization() &&
+               member.index() == variable.index();
     };
     const auto hasComponent = [&](const KudDatasetVariable& member) {
-        return parent.isChild(member) && variable.isComponent()
-               && member.component() == variable.component();
+        return parent.isChild(member) && variable.isComponent() &&
+               member.component() == variable.component();
     };
     const auto found = std::find_if(begin(), end(), hasIndex);
     return found != end() ? *found : *std::find_if(begin(), end(), hasComponent);
@@ -164,9 +162,8 @@ KudDatasetVariable KudDatasetVariableList::_firstOfSupports(const Make& make) co
 
 KudDatasetVariable KudDatasetVariableList::getVariable(const QString& name) const
 {
-    return _firstOfSupports([&](const QString& support) {
-        return KudDatasetVariable::createVariable(support, name);
-    });
+    return _firstOfSupports(
+        [&](const QString& support) { return KudDatasetVariable::createVariable(support, name); });
 }
 
 KudDatasetVariable KudDatasetVariableList::getRealization(const QString& variable,

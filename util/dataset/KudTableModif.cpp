@@ -53,12 +53,12 @@ KudTableModif::Reasons KudTableModif::compareDetails(const HbdVariableDetails& b
     reasons.setFlag(VariableRenamed, before.name != after.name);
     reasons.setFlag(DetailsFacet1, before.type != after.type || before.support != after.support);
     reasons.setFlag(DetailsFacet2, before.role != after.role || !(before.tags == after.tags));
-    reasons.setFlag(DetailsFacet3, before.unit != after.unit
-                                       || before.displayUnit != after.displayUnit);
-    reasons.setFlag(DetailsFacet4, before.colorScaleId != after.colorScaleId
-                                       || before.temporary != after.temporary);
-    reasons.setFlag(VariableFormatChanged, before.format != after.format
-                                               || before.automaticFormat != after.automaticFormat);
+    reasons.setFlag(DetailsFacet3,
+                    before.unit != after.unit || before.displayUnit != after.displayUnit);
+    reasons.setFlag(DetailsFacet4, before.colorScaleId != after.colorScaleId ||
+                                       before.temporary != after.temporary);
+    reasons.setFlag(VariableFormatChanged, before.format != after.format ||
+                                               before.automaticFormat != after.automaticFormat);
     reasons.setFlag(VariableCatalogChanged, before.catalogId != after.catalogId);
     reasons.setFlag(DetailsFacet5,
                     before.precision != after.precision || before.width != after.width);
@@ -178,8 +178,8 @@ bool KudTableModif::hasModifForVariable(const KudDatasetVariable& variable) cons
             return true;
         }
     }
-    return m_details
-           && (m_details->details.contains(variable) || m_details->compounds.contains(variable));
+    return m_details &&
+           (m_details->details.contains(variable) || m_details->compounds.contains(variable));
 }
 
 QMap<KudDatasetVariable, HbiIntervalIntSmallDisjoint> KudTableModif::changedValues() const

@@ -64,8 +64,8 @@ public:
     {
         // The variable differs most often. Copies share their texts, so most equal ones are
         // recognised without reading a character.
-        return _isSame(m_variable, other.m_variable) && _isSame(m_support, other.m_support)
-               && _isSame(m_index, other.m_index) && _isSame(m_component, other.m_component);
+        return _isSame(m_variable, other.m_variable) && _isSame(m_support, other.m_support) &&
+               _isSame(m_index, other.m_index) && _isSame(m_component, other.m_component);
     }
     bool operator!=(const KudDatasetVariable& other) const { return !(*this == other); }
     bool operator<(const KudDatasetVariable& other) const;

@@ -54,7 +54,10 @@ private:
         const Entry* found = std::lower_bound(begin(), end(), key, isBefore);
         return static_cast<int>(found - begin());
     }
-    bool _isAt(int i, const Key& key) const { return i < size() && std::as_const(m_entries)[i].key == key; }
+    bool _isAt(int i, const Key& key) const
+    {
+        return i < size() && std::as_const(m_entries)[i].key == key;
+    }
 
     KudInlineVector<Entry> m_entries;
 };

@@ -31,10 +31,10 @@ public:
         VariableAdded = 0x1,
         VariableRemoved = 0x2,
         VariableRenamed = 0x4,
-        DetailsFacet1 = 0x8,  ///< the type or the support
-        DetailsFacet2 = 0x10, ///< the role or the tags
-        DetailsFacet3 = 0x20, ///< the unit or the display unit
-        DetailsFacet4 = 0x40, ///< the colour scale, or whether the variable is temporary
+        DetailsFacet1 = 0x8,            ///< the type or the support
+        DetailsFacet2 = 0x10,           ///< the role or the tags
+        DetailsFacet3 = 0x20,           ///< the unit or the display unit
+        DetailsFacet4 = 0x40,           ///< the colour scale, or whether the variable is temporary
         VariableFormatChanged = 0x80,   ///< the format, or whether it is automatic
         VariableCatalogChanged = 0x100, ///< the identifier of the catalogue
         DetailsFacet5 = 0x200,          ///< the precision or the width
@@ -109,8 +109,8 @@ private:
 
     HbiIntervalIntSmallDisjoint m_addedSamples;
     HbiIntervalIntSmallDisjoint m_removedSamples;
-    KudInlineVector<KudVariableChange> m_changes; // one per variable and reason, as they came
-    mutable QMultiHash<uint, int> m_positions;    // of m_changes by variable, see _find
+    KudInlineVector<KudVariableChange> m_changes;    // one per variable and reason, as they came
+    mutable QMultiHash<uint, int> m_positions;       // of m_changes by variable, see _find
     std::shared_ptr<KudTableModifDetails> m_details; // null while there are none; shared by copies
     Reasons m_reasons;
 };
