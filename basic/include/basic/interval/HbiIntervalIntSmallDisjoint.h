@@ -3,6 +3,9 @@
 #include <basic/interval/HbiIntervalDisjoint.h>
 #include <basic/interval/HbiIntervalIntSmall.h>
 
+// Exported before its base is named, so that the base is too.
+class KELVANE_BASIC_EXPORT HbiIntervalIntSmallDisjoint;
+
 /// A set of 32-bit ranks; every change notice carries its ranks in one.
 /// See HbiIntervalDisjoint for what it can do and what it costs.
 class HbiIntervalIntSmallDisjoint

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <basic/base/HbbExport.h>
 #include <basic/interval/HbiInterval.h>
 
 /// A closed range of 64-bit ranks, [first, last]; a value. Empty by default and when first > last.
-class HbiIntervalIntSmallO64 : public HbiInterval<HbiIntervalIntSmallO64, qint64>
+class KELVANE_BASIC_EXPORT HbiIntervalIntSmallO64
+    : public HbiInterval<HbiIntervalIntSmallO64, qint64>
 {
 public:
     constexpr HbiIntervalIntSmallO64() = default;

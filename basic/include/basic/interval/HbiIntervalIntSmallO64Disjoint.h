@@ -3,6 +3,9 @@
 #include <basic/interval/HbiIntervalDisjoint.h>
 #include <basic/interval/HbiIntervalIntSmallO64.h>
 
+// Exported before its base is named, so that the base is too.
+class KELVANE_BASIC_EXPORT HbiIntervalIntSmallO64Disjoint;
+
 /// A set of 64-bit ranks, such as the part of a large store that a table shows.
 /// See HbiIntervalDisjoint for what it can do and what it costs.
 class HbiIntervalIntSmallO64Disjoint
