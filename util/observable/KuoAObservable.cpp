@@ -4,7 +4,6 @@
 
 void Kuo::warnSuspiciousRecursion()
 {
-    HbbDebug::printWarning(
-        QStringLiteral("KuoAObservable: suspicious recursion detected.\n"
-                       "Maybe some KuoLock/KuoLockObserver can help you?!?"));
+    HbbDebug::printWarning(QStringLiteral("KuoAObservable: suspicious recursion detected.\n"
+                                          "Maybe some KuoLock/KuoLockObserver can help you?!?"));
 }

@@ -58,8 +58,10 @@ public:
 
 protected:
     /// The name says in the derived class's source what is observed; it is not kept.
-    explicit KuoAObservable(const QString& name) { Q_UNUSED(name) }
-    KuoAObservable(const KuoAObservable&) {}
+    explicit KuoAObservable(const QString& name){
+        Q_UNUSED(name)} KuoAObservable(const KuoAObservable&)
+    {
+    }
     KuoAObservable& operator=(const KuoAObservable&) { return *this; }
     virtual ~KuoAObservable();
 
