@@ -6,13 +6,14 @@
 #include <array>
 #include <vector>
 
-/// Writes lines of delimited text, value by value, into one growing buffer of UTF-8: the hot path of
-/// an export. What it appends for a value is what KueCsv::encodeValue returns, but nothing is
+/// Writes lines of delimited text, value by value, into one growing buffer of UTF-8: the hot path
+/// of an export. What it appends for a value is what KueCsv::encodeValue returns, but nothing is
 /// allocated once the buffer has its size. One thread at a time.
 ///
 ///     KueCsvWriter writer(codec);
 ///     for each row:
-///         writer.appendText(name); writer.appendReal(x, HbbEFormat::E_DECIMAL, 2); writer.endLine();
+///         writer.appendText(name); writer.appendReal(x, HbbEFormat::E_DECIMAL, 2);
+///         writer.endLine();
 ///     file.write(writer.data(), writer.size()); writer.clear();
 ///
 /// Each append after the first in its line puts the separator before the value.

@@ -28,9 +28,9 @@ public:
     KusFileUtils() = delete;
 
     /// Removes a file, a link or a directory and answers whether the path is free now, so that a
-    /// missing path is a success. A directory that is not empty needs `recursive`; it is moved aside
-    /// first, so one that is in use is refused whole. When its removal stops half-way, what is
-    /// left gets its old name back. An empty path is a programming error.
+    /// missing path is a success. A directory that is not empty needs `recursive`; it is moved
+    /// aside first, so one that is in use is refused whole. When its removal stops half-way, what
+    /// is left gets its old name back. An empty path is a programming error.
     static bool removePath(const QString& path, bool recursive = false);
 
     /// Renames a file or a directory; an existing target is refused, never replaced.
@@ -95,4 +95,8 @@ public:
 
     /// True when the volume stores the file compressed, which only NTFS under Windows tells.
     static bool IsFileNtfsCompressed(const QString& path);
+
+private:
+    static bool removeSingle(const QString& path);
+    static bool removeTree(const QString& path);
 };

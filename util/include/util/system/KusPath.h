@@ -99,6 +99,6 @@ public:
 private:
     QString projectDirectory() const;
 
-    QString m_path; // with "/", cleaned, the shortcut in lower case
+    QString m_path; // with "/", cleaned, its shortcut in its own spelling
     QString m_projectId;
 };
