@@ -19,8 +19,8 @@ struct KudADataTable::Data {
     mutable KudTableModel model;
     KudSelector mask{KudTableModif::MaskChanged};
     KudSelector highlight{KudTableModif::HighlightChanged};
-    HbdVarRoleFlags readonlyRoles = HbdVarRoleFlags::IDENTIFIERS | HbdVarRoleFlags::INDICES
-                                    | HbdVarRoleFlags(HbdEVarRole::FILE_LINE_NUMBER);
+    HbdVarRoleFlags readonlyRoles = HbdVarRoleFlags::IDENTIFIERS | HbdVarRoleFlags::INDICES |
+                                    HbdVarRoleFlags(HbdEVarRole::FILE_LINE_NUMBER);
     QStringList readonlyTags;
     HbdVarRoleFlags hiddenRoles;
     HbbTags supportTags;

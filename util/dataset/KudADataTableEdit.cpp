@@ -1,5 +1,6 @@
 #include <util/dataset/KudADataTable.h>
 #include <util/dataset/KudADataTableData.h>
+#include <util/observable/KuoOneNotice.h>
 
 #include <basic/data/HbdDataTable.h>
 
@@ -8,31 +9,7 @@
 
 namespace
 {
-/// Folds the notices of a bulk edit into one, which goes out at the end of the scope.
-class OneNotice
-{
-public:
-    explicit OneNotice(const KudADataTable& table)
-        : m_table(table)
-        , m_wasLocked(table.lock(true))
-    {
-    }
-    OneNotice(const OneNotice&) = delete;
-    OneNotice& operator=(const OneNotice&) = delete;
-    ~OneNotice() { m_table.lock(m_wasLocked); }
-
-    /// Delivers; not in the destructor, because an observer may throw.
-    void send()
-    {
-        m_table.lock(m_wasLocked);
-        if (!m_wasLocked)
-            m_table.commit();
-    }
-
-private:
-    const KudADataTable& m_table;
-    bool m_wasLocked;
-};
+using OneNotice = KuoOneNotice<KudDataTableModif>;
 
 /// Deleting more intervals than this one by one costs views more than being reset.
 constexpr int MANY_INTERVALS = 64;
