@@ -2,11 +2,9 @@
 
 #include <basic/base/HbbGlobal.h>
 
-#include <boost/geometry/algorithms/covered_by.hpp>
-#include <boost/geometry/algorithms/envelope.hpp>
-#include <boost/geometry/geometries/box.hpp>
+#define BOOST_ALLOW_DEPRECATED_HEADERS // Boost 1.74 reads one of its own
+#include <boost/geometry.hpp>
 #include <boost/geometry/geometries/point_xy.hpp>
-#include <boost/geometry/geometries/ring.hpp>
 #include <boost/geometry/index/rtree.hpp>
 #include <boost/iterator/function_output_iterator.hpp>
 

@@ -2,6 +2,7 @@
 
 #include <basic/base/HbbGlobal.h>
 
+#include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStringList>
 

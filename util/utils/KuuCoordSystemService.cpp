@@ -38,25 +38,38 @@ struct PjDeleter {
 };
 using PjPointer = std::unique_ptr<PJ, PjDeleter>;
 
+PjPointer createFromCode(QLatin1String authority, const QString& code)
+{
+    PjPointer crs(proj_create_from_database(context(), authority.data(), code.toUtf8().constData(),
+                                            PJ_CATEGORY_CRS, 0, nullptr));
+    // The database compares codes as numbers where it can: it finds 2154 for " 2154" and "2154.0",
+    // which are no codes.
+    if (crs && code != QString::fromUtf8(proj_get_id_code(crs.get(), 0)))
+        crs.reset();
+    return crs;
+}
+
+PjPointer createFromDefinition(const KueProj4Definition& definition)
+{
+    if (!definition.isValid())
+        return nullptr;
+    // Without the type, PROJ would make an operation of it, not a coordinate system.
+    QString text = definition.getText();
+    if (!definition.hasParameter(QStringLiteral("type")))
+        text += QLatin1String(" +type=crs");
+    return PjPointer(proj_create(context(), text.toUtf8().constData()));
+}
+
 /// `text` is "AUTHORITY:CODE" with one of our authorities, or a PROJ.4 definition. Null when PROJ
 /// does not know it.
 PjPointer createCrs(const QString& text)
 {
     for (const QLatin1String authority : {EPSG, IGNF}) {
-        if (text.startsWith(authority) &&
-            text.midRef(authority.size()).startsWith(QLatin1Char(':'))) {
-            const QByteArray code = text.mid(authority.size() + 1).toUtf8();
-            return PjPointer(proj_create_from_database(
-                context(), authority.data(), code.constData(), PJ_CATEGORY_CRS, 0, nullptr));
-        }
+        const QString prefix = authority + QLatin1Char(':');
+        if (text.startsWith(prefix))
+            return createFromCode(authority, text.mid(prefix.size()));
     }
-    const KueProj4Definition definition(text);
-    if (!definition.isValid())
-        return nullptr;
-    // Without the type, PROJ would make an operation of it, not a coordinate system.
-    const bool hasType = definition.hasParameter(QStringLiteral("type"));
-    const QString crsText = hasType ? text : text + QLatin1String(" +type=crs");
-    return PjPointer(proj_create(context(), crsText.toUtf8().constData()));
+    return createFromDefinition(KueProj4Definition(text));
 }
 
 /// The geographic or projected system in it, or null.
