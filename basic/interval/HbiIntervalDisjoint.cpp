@@ -91,26 +91,6 @@ void HbiIntervalDisjoint<Set, Interval>::clear()
 }
 
 template <class Set, class Interval>
-void HbiIntervalDisjoint<Set, Interval>::add(const Interval& interval)
-{
-    if (interval.isEmpty())
-        return;
-    if (isEmpty()) {
-        m_hull = interval;
-        return;
-    }
-    // A neighbour is computed only where it exists: the ends may be those of the type.
-    const bool apart =
-        (interval.getMin() > m_hull.getMax() && interval.getMin() - 1 != m_hull.getMax()) ||
-        (interval.getMax() < m_hull.getMin() && interval.getMax() + 1 != m_hull.getMin());
-    if (m_store || apart) {
-        _detach();
-        m_store->add(interval);
-    }
-    _extendHull(interval);
-}
-
-template <class Set, class Interval>
 void HbiIntervalDisjoint<Set, Interval>::subtract(const Interval& interval)
 {
     const Interval removed = m_hull.intersected(interval);
@@ -135,29 +115,10 @@ void HbiIntervalDisjoint<Set, Interval>::subtract(const Interval& interval)
 }
 
 template <class Set, class Interval>
-Set& HbiIntervalDisjoint<Set, Interval>::unite(const Set& other)
-{
-    if (isEmpty() || &other == this) {
-        *this = other;
-    } else if (!m_store && other.m_store) {
-        const Interval single = m_hull;
-        *this = other;
-        add(single);
-    } else if (!other.m_store) {
-        add(other.m_hull);
-    } else if (m_store != other.m_store) {
-        _detach();
-        m_store->unite(*other.m_store);
-        _extendHull(other.m_hull);
-    }
-    return _self();
-}
-
-template <class Set, class Interval>
 Set& HbiIntervalDisjoint<Set, Interval>::subtract(const Set& other)
 {
     if (!m_hull.intersects(other.m_hull))
-        return _self();
+        return static_cast<Set&>(*this);
     if (!other.m_store) {
         subtract(other.m_hull);
     } else if (!m_store) {
@@ -172,7 +133,7 @@ Set& HbiIntervalDisjoint<Set, Interval>::subtract(const Set& other)
         else
             _shrinkHull();
     }
-    return _self();
+    return static_cast<Set&>(*this);
 }
 
 template <class Set, class Interval>
@@ -180,7 +141,7 @@ Set& HbiIntervalDisjoint<Set, Interval>::intersect(const Set& other)
 {
     if (m_store != other.m_store || m_hull != other.m_hull)
         *this = intersected(other);
-    return _self();
+    return static_cast<Set&>(*this);
 }
 
 template <class Set, class Interval>
@@ -306,11 +267,39 @@ void HbiIntervalDisjoint<Set, Interval>::_detach()
 template <class Set, class Interval>
 void HbiIntervalDisjoint<Set, Interval>::_addStored(Rank rank)
 {
-    if (m_store && m_store->references.loadAcquire() != 1 && m_store->contains(rank))
-        return; // a shared store stays shared
-    _detach();
+    if (!m_store || m_store->references.loadAcquire() != 1) {
+        if (contains(rank))
+            return; // a shared store stays shared
+        _detach();
+    }
     m_store->add(rank);
     _extendHull(Interval(rank, rank));
+}
+
+template <class Set, class Interval>
+void HbiIntervalDisjoint<Set, Interval>::_addStored(const Interval& interval)
+{
+    if (contains(interval))
+        return; // a shared store stays shared
+    _detach();
+    m_store->add(interval);
+    _extendHull(interval);
+}
+
+template <class Set, class Interval>
+void HbiIntervalDisjoint<Set, Interval>::_uniteStored(const Set& other)
+{
+    if (!other.m_store) {
+        add(other.m_hull);
+    } else if (!m_store) {
+        const Interval single = m_hull;
+        *this = other;
+        add(single);
+    } else if (m_store != other.m_store) {
+        _detach();
+        m_store->unite(*other.m_store);
+        _extendHull(other.m_hull);
+    }
 }
 
 /// After adding `interval`; a set that has become one interval needs no store.
