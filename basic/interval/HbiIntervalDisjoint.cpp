@@ -156,10 +156,22 @@ Set& HbiIntervalDisjoint<Set, Interval>::unite(const Set& other)
 template <class Set, class Interval>
 Set& HbiIntervalDisjoint<Set, Interval>::subtract(const Set& other)
 {
-    const HbiIntervalDisjoint held(other); // in case it is this set
-    auto it = held._begin();
-    for (it.seek(m_hull.getMin()); !it.isEnd() && it->getMin() <= m_hull.getMax(); ++it)
-        subtract(*it);
+    if (!m_hull.intersects(other.m_hull))
+        return _self();
+    if (!other.m_store) {
+        subtract(other.m_hull);
+    } else if (!m_store) {
+        *this = other.complement(m_hull);
+    } else if (m_store == other.m_store) {
+        clear();
+    } else {
+        _detach();
+        m_store->subtract(*other.m_store);
+        if (m_store->getCount() == 0)
+            clear();
+        else
+            _shrinkHull();
+    }
     return _self();
 }
 
@@ -174,6 +186,14 @@ Set& HbiIntervalDisjoint<Set, Interval>::intersect(const Set& other)
 template <class Set, class Interval>
 Set HbiIntervalDisjoint<Set, Interval>::intersected(const Set& other) const
 {
+    const bool alike = getCount() / 16 <= other.getCount() && other.getCount() / 16 <= getCount();
+    if (m_store && other.m_store && alike) {
+        // What is outside the other goes: block by block, as whole sets are subtracted.
+        Set outside(static_cast<const Set&>(*this));
+        Set inside(outside);
+        return inside.subtract(outside.subtract(other));
+    }
+    // Of two sets of unlike sizes, the small one seeks its way through the large one.
     Set result;
     auto a = _begin();
     auto b = other._begin();
