@@ -21,6 +21,13 @@ constexpr std::size_t BLOCK_BYTES = 1 << 20; // between two looks for a cancel
 
 const QFile::Permissions OWNER_ACCESS = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
 
+/// The bits that the entry holds. Qt adds what the present user may do, and would write that as the
+/// owner's bits.
+QFile::Permissions getStoredPermissions(const QFileInfo& info)
+{
+    return info.permissions() & ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser);
+}
+
 QString withFinalSlash(const QString& path)
 {
     return path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
@@ -112,7 +119,7 @@ void KusDirUtils::copyBeside(const QString& partial)
         copyDirectory(done.back(), pending);
     }
     for (auto step = done.rbegin(); step != done.rend(); ++step)
-        QFile::setPermissions(step->target, step->source.permissions());
+        QFile::setPermissions(step->target, getStoredPermissions(step->source));
     m_block = {};
 }
 
@@ -173,7 +180,7 @@ void KusDirUtils::copyFile(const QFileInfo& source, const QString& target)
     if (to.error() != QFile::NoError)
         fail(to.errorString());
     to.setFileTime(source.lastModified(), QFile::FileModificationTime);
-    to.setPermissions(source.permissions());
+    to.setPermissions(getStoredPermissions(source));
     to.close();
     if (to.error() != QFile::NoError)
         fail(to.errorString());
