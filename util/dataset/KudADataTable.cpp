@@ -1,7 +1,8 @@
 #include <util/dataset/KudADataTable.h>
-#include <util/dataset/KudADataTableData.h>
 #include <util/dataset/KudDatasetVariableFilter.h>
 #include <util/dataset/KudEmptyDataTable.h>
+
+#include "KudADataTableData.h"
 
 #include <basic/data/HbdANumericVariable.h>
 #include <basic/data/HbdVariableText.h>

@@ -1,6 +1,7 @@
 #include <util/dataset/KudADataTable.h>
-#include <util/dataset/KudADataTableData.h>
 #include <util/observable/KuoOneNotice.h>
+
+#include "KudADataTableData.h"
 
 #include <basic/data/HbdDataTable.h>
 

@@ -18,6 +18,7 @@
 #include <memory>
 
 class HbdANumericVariable;
+class HbdAVariable;
 class HbdDataTable;
 class HbdVariableText;
 class KudDatasetVariableFilter;
