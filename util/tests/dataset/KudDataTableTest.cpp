@@ -345,6 +345,7 @@ TEST(KudSelector, MapsItsFlagsAndReportsChanges)
     EXPECT_FALSE(unbound.select(0, Ku::Select));
 
     KudMemoryDataTable table("Points");
+    table.createVariable(HbdVariableDetails("v"));
     table.setSampleCount(5);
     Recorder recorder;
     table.addObserver(&recorder);
