@@ -82,24 +82,25 @@ void HbiIntervalStore<Interval>::remove(const Interval& range)
 }
 
 template <class Interval>
-void HbiIntervalStore<Interval>::unite(const HbiIntervalStore& other)
+void HbiIntervalStore<Interval>::_combine(const HbiIntervalStore& other, bool present)
 {
     for (std::size_t block = 0; block < other.m_blocks.size(); ++block) {
         const HbiRankBitmap* theirs = other.m_blocks[block].bitmap.get();
-        const std::size_t k = _findNear(other.m_lower[block]);
-        if (theirs && m_blocks[k].bitmap) {
-            m_count -= m_blocks[k].bitmap->getCount();
-            m_blocks[k].bitmap->unite(*theirs);
-            m_count += m_blocks[k].bitmap->getCount();
+        const std::size_t k = _find(other.m_lower[block]);
+        HbiRankBitmap* ours = m_blocks[k].bitmap.get();
+        if (theirs && ours) {
+            m_count -= ours->getCount();
+            present ? ours->unite(*theirs) : ours->subtract(*theirs);
+            m_count += ours->getCount();
             _settle(k);
+            _dropIfEmpty(k);
             continue;
         }
-        for (std::size_t at = block, index = 0;;) {
-            const Interval piece = other.takePiece(at, index);
-            if (piece.isEmpty() || at != block)
-                break;
-            add(piece);
-        }
+        std::size_t at = block;
+        std::size_t index = 0;
+        Interval piece = other.takePiece(at, index);
+        for (; at == block && !piece.isEmpty(); piece = other.takePiece(at, index))
+            present ? add(piece) : remove(piece);
     }
 }
 
@@ -252,6 +253,7 @@ void HbiIntervalStore<Interval>::_replaceBlocks(std::size_t first, std::size_t e
     m_lower.erase(m_lower.begin() + first + 1, m_lower.begin() + end);
     m_blocks.erase(m_blocks.begin() + first + 1, m_blocks.begin() + end);
     m_blocks[first] = Block();
+    m_found = 0;
     if (!present)
         return;
     m_blocks[first].pieces.push_back(domain);
@@ -332,6 +334,7 @@ void HbiIntervalStore<Interval>::_dropIfEmpty(std::size_t k)
     else
         return;
     m_blocks.erase(m_blocks.begin() + k);
+    m_found = 0;
 }
 
 template class HbiIntervalStore<HbiIntervalIntSmall>;

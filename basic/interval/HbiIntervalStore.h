@@ -32,9 +32,7 @@ public:
     {
         const std::size_t k = _findNear(rank);
         if (HbiRankBitmap* bitmap = m_blocks[k].bitmap.get()) {
-            m_count -= bitmap->getCount();
-            bitmap->set(_offset(k, rank));
-            m_count += bitmap->getCount();
+            m_count += bitmap->set(_offset(k, rank));
             if (bitmap->getCount() != HbiRankBitmap::SIZE)
                 return;
         } else {
@@ -44,7 +42,9 @@ public:
     }
     void add(const Interval& range) { _assign(range, true); }
     void remove(const Interval& range);
-    void unite(const HbiIntervalStore& other);
+    /// Adds or removes all ranks of `other`, bitmap by bitmap where both have one.
+    void unite(const HbiIntervalStore& other) { _combine(other, true); }
+    void subtract(const HbiIntervalStore& other) { _combine(other, false); }
 
     /// The piece at (block, index), which then moves on; empty at the end. (0, 0) is the start.
     Interval takePiece(std::size_t& block, std::size_t& index) const;
@@ -85,13 +85,23 @@ private:
         }
         return std::size_t(base - m_lower.data());
     }
+    bool _isIn(std::size_t k, Rank rank) const
+    {
+        return k < m_lower.size() && m_lower[k] <= rank && rank <= _upper(k);
+    }
+    /// Bitmaps that follow one another are reached by their distance from the block found last.
     std::size_t _findNear(Rank rank)
     {
-        if (m_recent >= m_lower.size() || rank < m_lower[m_recent] || rank > _upper(m_recent))
-            m_recent = _find(rank);
-        return m_recent;
+        const qint64 distance = (qint64(rank) >> 16) - (qint64(m_lower[m_found]) >> 16);
+        const std::size_t guess = m_found + std::size_t(distance);
+        if (_isIn(guess, rank))
+            return guess;
+        if (!_isIn(m_found, rank))
+            m_found = _find(rank);
+        return m_found;
     }
     quint64 _countOf(std::size_t k) const;
+    void _combine(const HbiIntervalStore& other, bool present);
     void _assign(const Interval& range, bool present);
     void _assignInBlock(std::size_t k, const Interval& range, bool present);
     void _addToPieces(std::size_t k, const Interval& range);
@@ -105,5 +115,5 @@ private:
     std::vector<Rank> m_lower; // the lower end of each block; the first is the lowest rank of all
     std::vector<Block> m_blocks;
     quint64 m_count = 0;
-    std::size_t m_recent = 0; // the block changed last
+    std::size_t m_found = 0; // the block that took a search last; always a valid index
 };

@@ -42,6 +42,15 @@ void HbiRankBitmap::unite(const HbiRankBitmap& other)
     }
 }
 
+void HbiRankBitmap::subtract(const HbiRankBitmap& other)
+{
+    m_count = 0;
+    for (quint32 i = 0; i < WORDS; ++i) {
+        m_words[i] &= ~other.m_words[i];
+        m_count += qPopulationCount(m_words[i]);
+    }
+}
+
 quint32 HbiRankBitmap::findSet(quint32 from) const
 {
     if (from >= SIZE)

@@ -14,15 +14,19 @@ public:
     quint32 getCount() const { return m_count; }
 
     bool test(quint32 offset) const { return m_words[offset / 64] >> (offset % 64) & 1; }
-    void set(quint32 offset)
+    /// Answers the number of bits that were clear before, 0 or 1.
+    quint32 set(quint32 offset)
     {
         quint64& word = m_words[offset / 64];
-        m_count += quint32(~word >> (offset % 64) & 1);
+        const quint32 added = quint32(~word >> (offset % 64) & 1);
         word |= quint64(1) << (offset % 64);
+        m_count += added;
+        return added;
     }
     void setRange(quint32 first, quint32 last);
     void clearRange(quint32 first, quint32 last);
     void unite(const HbiRankBitmap& other);
+    void subtract(const HbiRankBitmap& other);
 
     /// The first set or clear bit at or after `from`, the last set bit at or before `from`; SIZE
     /// when there is none. `from` may be SIZE in the first two.
