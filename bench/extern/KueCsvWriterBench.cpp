@@ -2,6 +2,8 @@
 // without any rule: numbers formatted, text copied.
 #include <util/extern/KueCsvWriter.h>
 
+#include "RatioLimits.h"
+
 #include <basic/base/HbbStringFormat.h>
 
 #include <benchmark/benchmark.h>
@@ -89,3 +91,9 @@ BENCHMARK(writeBlock);
 BENCHMARK(encodeRows);
 BENCHMARK(formatOnly);
 } // namespace
+
+int main(int argc, char** argv)
+{
+    return runWithLimits(argc, argv,
+                         {{"writeBlock", "formatOnly", 3}, {"writeBlock", "encodeRows", 0.3}});
+}
