@@ -91,26 +91,6 @@ void HbiIntervalDisjoint<Set, Interval>::clear()
 }
 
 template <class Set, class Interval>
-void HbiIntervalDisjoint<Set, Interval>::add(const Interval& interval)
-{
-    if (interval.isEmpty())
-        return;
-    if (isEmpty()) {
-        m_hull = interval;
-        return;
-    }
-    // A neighbour is computed only where it exists: the ends may be those of the type.
-    const bool apart =
-        (interval.getMin() > m_hull.getMax() && interval.getMin() - 1 != m_hull.getMax()) ||
-        (interval.getMax() < m_hull.getMin() && interval.getMax() + 1 != m_hull.getMin());
-    if (m_store || apart) {
-        _detach();
-        m_store->add(interval);
-    }
-    _extendHull(interval);
-}
-
-template <class Set, class Interval>
 void HbiIntervalDisjoint<Set, Interval>::subtract(const Interval& interval)
 {
     const Interval removed = m_hull.intersected(interval);
@@ -135,29 +115,10 @@ void HbiIntervalDisjoint<Set, Interval>::subtract(const Interval& interval)
 }
 
 template <class Set, class Interval>
-Set& HbiIntervalDisjoint<Set, Interval>::unite(const Set& other)
-{
-    if (isEmpty() || &other == this) {
-        *this = other;
-    } else if (!m_store && other.m_store) {
-        const Interval single = m_hull;
-        *this = other;
-        add(single);
-    } else if (!other.m_store) {
-        add(other.m_hull);
-    } else if (m_store != other.m_store) {
-        _detach();
-        m_store->unite(*other.m_store);
-        _extendHull(other.m_hull);
-    }
-    return _self();
-}
-
-template <class Set, class Interval>
 Set& HbiIntervalDisjoint<Set, Interval>::subtract(const Set& other)
 {
     if (!m_hull.intersects(other.m_hull))
-        return _self();
+        return static_cast<Set&>(*this);
     if (!other.m_store) {
         subtract(other.m_hull);
     } else if (!m_store) {
@@ -172,7 +133,7 @@ Set& HbiIntervalDisjoint<Set, Interval>::subtract(const Set& other)
         else
             _shrinkHull();
     }
-    return _self();
+    return static_cast<Set&>(*this);
 }
 
 template <class Set, class Interval>
@@ -180,7 +141,7 @@ Set& HbiIntervalDisjoint<Set, Interval>::intersect(const Set& other)
 {
     if (m_store != other.m_store || m_hull != other.m_hull)
         *this = intersected(other);
-    return _self();
+    return static_cast<Set&>(*this);
 }
 
 template <class Set, class Interval>
@@ -237,27 +198,28 @@ void HbiIntervalDisjoint<Set, Interval>::insertGap(Rank at, Rank n)
     if (n <= 0 || at > m_hull.getMax())
         return;
     const Rank limit = std::numeric_limits<Rank>::max() - n;
-    Set result;
-    for (auto it = _begin(); !it.isEnd(); ++it) {
-        if (it->getMin() < at)
-            result.add(Interval(it->getMin(), std::min<Rank>(it->getMax(), at - 1)));
-        const Interval moved(std::max(it->getMin(), at), std::min(it->getMax(), limit));
-        if (!moved.isEmpty())
-            result.add(Interval(moved.getMin() + n, moved.getMax() + n));
-    }
+    Set result(static_cast<const Set&>(*this)); // what is below stays as it is
+    result.subtract(Interval(at, m_hull.getMax()));
+    auto it = _begin();
+    for (it.seek(at); !it.isEnd() && it->getMin() <= limit; ++it)
+        result.add(Interval(it->getMin() + n, std::min(it->getMax(), limit) + n));
     *this = std::move(result);
 }
 
 template <class Set, class Interval>
 void HbiIntervalDisjoint<Set, Interval>::removeRanks(const Set& removed)
 {
-    Set result;
+    if (removed.isEmpty() || removed.getMin() > m_hull.getMax())
+        return;
+    Set result(static_cast<const Set&>(*this)); // what is below stays as it is
+    result.subtract(Interval(removed.getMin(), m_hull.getMax()));
     quint64 below = 0; // the number of removed ranks below those in hand, modulo 2^64
     const auto place = [&](Rank first, Rank last) {
         result.add(Interval(Rank(quint64(first) - below), Rank(quint64(last) - below)));
     };
     auto gap = removed._begin();
-    for (auto it = _begin(); !it.isEnd(); ++it) {
+    auto it = _begin();
+    for (it.seek(removed.getMin()); !it.isEnd(); ++it) {
         Rank from = it->getMin();
         bool open = true; // ranks from `from` to the interval's end are still to be placed
         while (open && !gap.isEnd() && gap->getMin() <= it->getMax()) {
@@ -306,11 +268,39 @@ void HbiIntervalDisjoint<Set, Interval>::_detach()
 template <class Set, class Interval>
 void HbiIntervalDisjoint<Set, Interval>::_addStored(Rank rank)
 {
-    if (m_store && m_store->references.loadAcquire() != 1 && m_store->contains(rank))
-        return; // a shared store stays shared
-    _detach();
+    if (!m_store || m_store->references.loadAcquire() != 1) {
+        if (contains(rank))
+            return; // a shared store stays shared
+        _detach();
+    }
     m_store->add(rank);
     _extendHull(Interval(rank, rank));
+}
+
+template <class Set, class Interval>
+void HbiIntervalDisjoint<Set, Interval>::_addStored(const Interval& interval)
+{
+    if (contains(interval))
+        return; // a shared store stays shared
+    _detach();
+    m_store->add(interval);
+    _extendHull(interval);
+}
+
+template <class Set, class Interval>
+void HbiIntervalDisjoint<Set, Interval>::_uniteStored(const Set& other)
+{
+    if (!other.m_store) {
+        add(other.m_hull);
+    } else if (!m_store) {
+        const Interval single = m_hull;
+        *this = other;
+        add(single);
+    } else if (m_store != other.m_store) {
+        _detach();
+        m_store->unite(*other.m_store);
+        _extendHull(other.m_hull);
+    }
 }
 
 /// After adding `interval`; a set that has become one interval needs no store.

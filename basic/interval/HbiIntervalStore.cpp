@@ -253,7 +253,7 @@ void HbiIntervalStore<Interval>::_replaceBlocks(std::size_t first, std::size_t e
     m_lower.erase(m_lower.begin() + first + 1, m_lower.begin() + end);
     m_blocks.erase(m_blocks.begin() + first + 1, m_blocks.begin() + end);
     m_blocks[first] = Block();
-    m_recent = 0;
+    m_found = 0;
     if (!present)
         return;
     m_blocks[first].pieces.push_back(domain);
@@ -334,7 +334,7 @@ void HbiIntervalStore<Interval>::_dropIfEmpty(std::size_t k)
     else
         return;
     m_blocks.erase(m_blocks.begin() + k);
-    m_recent = 0;
+    m_found = 0;
 }
 
 template class HbiIntervalStore<HbiIntervalIntSmall>;

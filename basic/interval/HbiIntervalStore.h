@@ -89,16 +89,16 @@ private:
     {
         return k < m_lower.size() && m_lower[k] <= rank && rank <= _upper(k);
     }
-    /// Bitmaps that follow one another are reached by their distance from the block changed last.
+    /// Bitmaps that follow one another are reached by their distance from the block found last.
     std::size_t _findNear(Rank rank)
     {
-        const qint64 distance = (qint64(rank) >> 16) - (qint64(m_lower[m_recent]) >> 16);
-        const std::size_t guess = m_recent + std::size_t(distance);
+        const qint64 distance = (qint64(rank) >> 16) - (qint64(m_lower[m_found]) >> 16);
+        const std::size_t guess = m_found + std::size_t(distance);
         if (_isIn(guess, rank))
-            m_recent = guess;
-        else if (!_isIn(m_recent, rank))
-            m_recent = _find(rank);
-        return m_recent;
+            return guess;
+        if (!_isIn(m_found, rank))
+            m_found = _find(rank);
+        return m_found;
     }
     quint64 _countOf(std::size_t k) const;
     void _combine(const HbiIntervalStore& other, bool present);
@@ -115,5 +115,5 @@ private:
     std::vector<Rank> m_lower; // the lower end of each block; the first is the lowest rank of all
     std::vector<Block> m_blocks;
     quint64 m_count = 0;
-    std::size_t m_recent = 0; // a block changed lately; always a valid index
+    std::size_t m_found = 0; // the block that took a search last; always a valid index
 };

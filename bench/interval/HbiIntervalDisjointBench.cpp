@@ -142,7 +142,6 @@ BENCHMARK_CAPTURE(addToStdSet, scattered, scattered)->Unit(benchmark::kMicroseco
 BENCHMARK_CAPTURE(combine, unite, [](auto& a, const auto& b) { a.unite(b); });
 BENCHMARK_CAPTURE(combine, intersect, [](auto& a, const auto& b) { a.intersect(b); });
 BENCHMARK_CAPTURE(combine, subtract, [](auto& a, const auto& b) { a.subtract(b); });
-BENCHMARK_CAPTURE(combine, compare, [](auto& a, const auto& b) { a = a == b ? a : b; });
 BENCHMARK_CAPTURE(combine, removeRanks, [](auto& a, const auto& b) { a.removeRanks(b); });
 BENCHMARK(combineBits);
 BENCHMARK(buildNotice);

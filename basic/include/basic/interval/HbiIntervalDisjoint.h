@@ -50,13 +50,22 @@ public:
     void clear();
     void add(Rank rank)
     {
-        if (m_store || !_extendSingle(rank))
+        if (m_store || !_extendSingle(Interval(rank, rank)))
             _addStored(rank);
     }
-    void add(const Interval& interval);
+    void add(const Interval& interval)
+    {
+        if (m_store || !_extendSingle(interval))
+            _addStored(interval);
+    }
     void subtract(const Interval& interval);
 
-    Set& unite(const Set& other);
+    Set& unite(const Set& other)
+    {
+        if (m_store || other.m_store || !_extendSingle(other.m_hull))
+            _uniteStored(other);
+        return static_cast<Set&>(*this);
+    }
     Set& subtract(const Set& other);
     Set& intersect(const Set& other);
 
@@ -165,26 +174,31 @@ private:
 
     HbiIntervalIterator<Interval> _begin() const { return {m_store, m_hull}; }
 
-    /// Adds the rank in place when the set stays one interval.
-    bool _extendSingle(Rank rank)
+    /// Adds the interval in place when the set stays one interval; there must be no store.
+    bool _extendSingle(const Interval& added)
     {
-        if (m_hull.contains(rank))
+        const Interval hull = m_hull;
+        if (added.isEmpty())
             return true;
-        if (m_hull.isEmpty())
-            m_hull = Interval(rank, rank);
-        else if (rank > m_hull.getMax() && rank - 1 == m_hull.getMax())
-            m_hull = Interval(m_hull.getMin(), rank);
-        else if (rank < m_hull.getMin() && rank + 1 == m_hull.getMin())
-            m_hull = Interval(rank, m_hull.getMax());
-        else
+        if (hull.isEmpty()) {
+            m_hull = added;
+            return true;
+        }
+        // A neighbour is computed only where it exists: the ends may be those of the type.
+        if (added.getMin() > hull.getMax() && added.getMin() - 1 != hull.getMax())
             return false;
+        if (added.getMax() < hull.getMin() && added.getMax() + 1 != hull.getMin())
+            return false;
+        m_hull = Interval(added.getMin() < hull.getMin() ? added.getMin() : hull.getMin(),
+                          added.getMax() > hull.getMax() ? added.getMax() : hull.getMax());
         return true;
     }
-    Set& _self() { return static_cast<Set&>(*this); }
     void _share() const noexcept;
     void _release() noexcept;
     void _detach();
     void _addStored(Rank rank);
+    void _addStored(const Interval& interval);
+    void _uniteStored(const Set& other);
     void _extendHull(const Interval& interval);
     void _shrinkHull();
     bool _containsStored(Rank rank) const;
