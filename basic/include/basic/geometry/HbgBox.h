@@ -4,8 +4,6 @@
 #include <basic/geometry/HbgVector2D.h>
 #include <basic/geometry/HbgVector3D.h>
 
-#include <QtCore/QtGlobal>
-
 #include <limits>
 
 /// A box along the axes, closed, made by uniting points: empty by default. Each axis has a range of
@@ -34,8 +32,6 @@ public:
     void unite(const HbgVector2D& point);
     void unite(const HbgVector3D& point);
     void unite(const HbgBox& box);
-    /// Unites `count` coordinates into the range of one axis (0: X, 1: Y, 2: Z).
-    void uniteAxis(int axis, const double* coordinates, qint64 count);
 
     /// A point on the border is inside. The Z range counts when the box has one.
     bool contains(const HbgVector2D& point) const;

@@ -3,12 +3,11 @@
 #include <basic/base/HbbExport.h>
 #include <basic/geometry/HbgBox.h>
 #include <basic/geometry/HbgEDimension.h>
+#include <basic/geometry/HbgSharedCache.h>
 
 #include <QtCore/QPointF>
 #include <QtCore/QRectF>
 #include <QtCore/QVector>
-
-#include <memory>
 
 class HbgPointIndex;
 class HbiIntervalIntSmallDisjoint;
@@ -56,8 +55,9 @@ public:
     /// The nearest point (the lowest rank among equals) within `tolerance` of a place, a distance
     /// >= 0; -1 when there is none.
     int pointToRank(const QPointF& place, double tolerance) const;
-    /// All points within the tolerance, within a rectangle or within a polygon (closed implicitly,
-    /// inside by the even-odd rule); points on the border are in.
+    /// All points within the tolerance, within a rectangle or within a polygon; points on the
+    /// border are in. A polygon is closed implicitly, and one that crosses itself holds all that it
+    /// winds around. A place, tolerance or corner that is no number picks nothing.
     HbiIntervalIntSmallDisjoint pointToRanks(const QPointF& place, double tolerance) const;
     HbiIntervalIntSmallDisjoint rectangleToRanks(const QRectF& rectangle) const;
     HbiIntervalIntSmallDisjoint polygonToRanks(const QVector<QPointF>& polygon) const;
@@ -68,11 +68,10 @@ public:
 
 private:
     std::shared_ptr<const HbgPointIndex> index() const;
-    void dropIndex() { m_index.reset(); }
 
     QVector<double> m_x;
     QVector<double> m_y;
     QVector<double> m_z; // empty in 2D
     bool m_is3D;
-    mutable std::shared_ptr<const HbgPointIndex> m_index; // null until the first pick
+    HbgSharedCache<HbgPointIndex> m_index; // of X and Y
 };

@@ -9,6 +9,8 @@
 
 #include <memory>
 
+struct HbuUnitRow;
+
 /// A unit of measure: an immutable value, cheap to copy; any thread. Units come from the unit
 /// service; a value taken before the service updated or removed its unit keeps what it was.
 ///
@@ -44,6 +46,9 @@ public:
     bool operator!=(const HbuUnit& other) const { return !(*this == other); }
 
 private:
+    friend class HbuUnitService;
+    explicit HbuUnit(const HbuUnitRow& row);
+
     struct Data;
     std::shared_ptr<const Data> m_data; // null for a default unit
 };
