@@ -1,5 +1,7 @@
 #include "HbbDecimalWriter.h"
 
+#include <QtCore/QtEndian>
+
 #include <cstring>
 
 namespace
@@ -8,56 +10,55 @@ __extension__ typedef unsigned __int128 UInt128;
 
 constexpr int MAX_DIGITS = 19; // 10^19 < 2^64
 
-struct Tables {
-    char pairs[200] = {}; // "00" to "99"
-    quint64 powers[MAX_DIGITS + 1] = {};
+constexpr quint64 EIGHT_DIGITS = 100000000;
 
-    constexpr Tables()
+struct PowersOfTen {
+    quint64 values[MAX_DIGITS + 1] = {};
+
+    constexpr PowersOfTen()
     {
-        for (int i = 0; i < 100; ++i) {
-            pairs[2 * i] = static_cast<char>('0' + i / 10);
-            pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-        }
-        powers[0] = 1;
+        values[0] = 1;
         for (int i = 1; i <= MAX_DIGITS; ++i)
-            powers[i] = powers[i - 1] * 10;
+            values[i] = values[i - 1] * 10;
     }
 };
-constexpr Tables TABLES;
+constexpr PowersOfTen POWERS;
 
-inline void putPair(char* out, quint32 pair)
+/// The eight digits of a value below 10^8, one a byte, the first one lowest. All of them are made
+/// at once: halves of four digits are split into pairs, and the pairs into digits, by multiplying
+/// with a rounded-up reciprocal that is exact over the range.
+inline quint64 eightDigits(quint32 value)
 {
-    std::memcpy(out, TABLES.pairs + 2 * pair, 2);
+    const quint64 halves = value / 10000 | static_cast<quint64>(value % 10000) << 32;
+    const quint64 hundreds = (halves * 10486 >> 20) & 0x0000007F0000007Fu;
+    const quint64 pairs = hundreds | (halves - hundreds * 100) << 16;
+    const quint64 tens = (pairs * 103 >> 10) & 0x000F000F000F000Fu;
+    return tens | (pairs - tens * 10) << 8;
 }
 
-/// Exactly `count` digits that end at `end`; 32-bit division is the faster one.
-inline void putDigits32(char* end, quint32 value, int count)
+/// Writes the digits from the one at `from` on; eight bytes at `out` are overwritten.
+inline char* putDigits(char* out, quint64 digits, int from)
 {
-    for (; count >= 2; count -= 2) {
-        end -= 2;
-        putPair(end, value % 100);
-        value /= 100;
+    qToLittleEndian<quint64>((digits | 0x3030303030303030u) >> (8 * from), out);
+    return out + 8 - from;
+}
+
+/// Exactly `count` digits, 1 to 19.
+inline char* putPadded(char* out, quint64 value, int count)
+{
+    if (count > 16) {
+        out =
+            putDigits(out, eightDigits(static_cast<quint32>(value / (EIGHT_DIGITS * EIGHT_DIGITS))),
+                      24 - count);
+        value %= EIGHT_DIGITS * EIGHT_DIGITS;
+        count = 16;
     }
-    if (count == 1)
-        *--end = static_cast<char>('0' + value);
-}
-
-inline void putDigits(char* end, quint64 value, int count)
-{
-    for (; count > 8; count -= 8) {
-        putDigits32(end, static_cast<quint32>(value % 100000000), 8);
-        value /= 100000000;
-        end -= 8;
+    if (count > 8) {
+        out = putDigits(out, eightDigits(static_cast<quint32>(value / EIGHT_DIGITS)), 16 - count);
+        value %= EIGHT_DIGITS;
+        count = 8;
     }
-    putDigits32(end, static_cast<quint32>(value), count);
-}
-
-inline int digitCount(quint64 value)
-{
-    // 1233 / 4096 is log10(2); the estimate is too low by one at most.
-    const int bits = 64 - __builtin_clzll(value | 1);
-    const int estimate = bits * 1233 >> 12;
-    return estimate + (value >= TABLES.powers[estimate] || estimate == 0 ? 1 : 0);
+    return putDigits(out, eightDigits(static_cast<quint32>(value)), 8 - count);
 }
 
 struct Parts {
@@ -70,18 +71,19 @@ inline Parts split(quint64 mantissa, int shift, int precision)
 {
     const quint64 integer = shift < 64 ? mantissa >> shift : 0;
     const quint64 fraction = mantissa - (shift < 64 ? integer << shift : 0);
-    const UInt128 scaled = static_cast<UInt128>(fraction) * TABLES.powers[precision];
+    const UInt128 scaled = static_cast<UInt128>(fraction) * POWERS.values[precision];
     // scaled < 2^117: beyond that shift it is less than one half, and rounds to zero.
     if (shift >= 118)
         return {integer, 0};
-    quint64 decimals = static_cast<quint64>(scaled >> shift);
-    const UInt128 remainder = scaled - (static_cast<UInt128>(decimals) << shift);
-    const UInt128 half = static_cast<UInt128>(1) << (shift - 1);
+    // The bit below the last digit and what lies beneath it decide; whether it is set is a toss-up
+    // that no branch should depend on.
+    const UInt128 twice = scaled >> (shift - 1);
+    const quint64 below = scaled != twice << (shift - 1);
+    quint64 decimals = static_cast<quint64>(twice >> 1);
     // With decimals the last digit's parity is theirs: 10^precision is even.
-    const quint64 odd = (precision == 0 ? integer : decimals) & 1;
-    if (remainder > half || (remainder == half && odd != 0))
-        ++decimals;
-    if (decimals == TABLES.powers[precision])
+    const quint64 odd = precision == 0 ? integer : decimals;
+    decimals += static_cast<quint64>(twice) & (below | odd) & 1;
+    if (decimals == POWERS.values[precision])
         return {integer + 1, 0};
     return {integer, decimals};
 }
@@ -89,9 +91,13 @@ inline Parts split(quint64 mantissa, int shift, int precision)
 
 char* HbbDecimalWriter::writeInteger(char* out, quint64 value)
 {
-    char* const end = out + digitCount(value);
-    putDigits(end, value, static_cast<int>(end - out));
-    return end;
+    if (value >= EIGHT_DIGITS) {
+        out = writeInteger(out, value / EIGHT_DIGITS);
+        return putPadded(out, value % EIGHT_DIGITS, 8);
+    }
+    // Leading zero bytes are leading zeros; the last digit stays.
+    const quint64 digits = eightDigits(static_cast<quint32>(value));
+    return putDigits(out, digits, __builtin_ctzll(digits | quint64(1) << 56) / 8);
 }
 
 char* HbbDecimalWriter::write(char* out, double value, int precision)
@@ -113,7 +119,5 @@ char* HbbDecimalWriter::write(char* out, double value, int precision)
     if (precision == 0)
         return out;
     *out = '.';
-    out += 1 + precision;
-    putDigits(out, parts.decimals, precision);
-    return out;
+    return putPadded(out + 1, parts.decimals, precision);
 }

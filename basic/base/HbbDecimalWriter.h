@@ -7,7 +7,8 @@
 /// A double is m * 2^e with m < 2^53. Its integer part and its fraction f / 2^s are split exactly;
 /// f * 10^precision fits into 128 bits, and a shift by s leaves the decimals and an exact remainder
 /// that decides the rounding, half to even. So the text is that of the exact value, without any
-/// table of powers of two or arithmetic of many words.
+/// table of powers of two or arithmetic of many words. Digits are stored eight at a time, so up to
+/// 7 bytes after the end of the text are overwritten, too.
 class HbbDecimalWriter
 {
 public:

@@ -58,7 +58,7 @@ QByteArray HbbStringFormat::simpleValueToByteArray(double value, const HbbEForma
 
 QByteArray HbbStringFormat::simpleValueToByteArray(qint64 value)
 {
-    char buffer[20];
+    char buffer[INTEGER_CAPACITY];
     const char* end = write(buffer, value);
     return QByteArray(buffer, static_cast<int>(end - buffer));
 }

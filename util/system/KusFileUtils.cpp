@@ -1,5 +1,7 @@
 #include <util/system/KusFileUtils.h>
 
+#include "KusFileEntry.h"
+
 #include <basic/base/HbbDebug.h>
 #include <basic/error/HbeDiskError.h>
 #include <basic/error/HbeProgrammingError.h>
@@ -13,20 +15,17 @@
 #include <QtCore/QTemporaryFile>
 #include <QtCore/QThread>
 
-#include <filesystem>
-
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
 #endif
+
+using namespace KusFileEntry;
 
 namespace
 {
 constexpr int MAX_TRIES = 3;
 constexpr unsigned long RETRY_DELAY_MS = 1000;
 constexpr int MAX_NAME_BYTES = 255; // of one path element, on every usual file system
-
-const QDir::Filters EVERY_ENTRY =
-    QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System;
 
 /// `attempt` returns whether it succeeded and sets its error text; `describe` makes the warning.
 template <class Attempt, class Describe>
@@ -48,32 +47,13 @@ QString toPlainAbsolute(const QString& path)
     return QDir::cleanPath(QFileInfo(path).absoluteFilePath());
 }
 
-bool isLink(const QFileInfo& info)
-{
-    return info.isSymLink() || info.isJunction();
-}
-
-bool existsOrIsLink(const QFileInfo& info)
-{
-    return isLink(info) || info.exists();
-}
-
-std::filesystem::path toNative(const QString& path)
-{
-#ifdef Q_OS_WIN
-    return std::filesystem::path(path.toStdWString());
-#else
-    return std::filesystem::path(QFile::encodeName(path).toStdString());
-#endif
-}
-
 /// A file, a link, or an empty directory.
 bool removeEntry(const QString& path, QString& error)
 {
     std::error_code code;
     std::filesystem::remove(toNative(path), code);
     if (code)
-        error = QString::fromLocal8Bit(code.message().c_str());
+        error = toText(code);
     return !code;
 }
 } // namespace

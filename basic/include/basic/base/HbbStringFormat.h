@@ -30,12 +30,13 @@ public:
 
     /// Enough for every format and precision.
     static constexpr int CAPACITY = 311 + MAX_PRECISION;
+    static constexpr int INTEGER_CAPACITY = 28;
 
     /// Writes the value and returns the end of what it wrote; no zero byte follows. `out` has room
-    /// for getCapacity(precision) bytes.
+    /// for getCapacity(precision) bytes, all of which may be overwritten.
     static char* write(char* out, double value, HbbEFormat::EValue format, int precision);
 
-    /// The same for an integer, in base 10; `out` has room for 20 bytes.
+    /// The same for an integer, in base 10; `out` has room for INTEGER_CAPACITY bytes.
     static char* write(char* out, qint64 value);
 
     static QByteArray simpleValueToByteArray(double value, const HbbEFormat& format, int precision);
