@@ -6,6 +6,7 @@
 #include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QHash>
+#include <QtCore/QLocale>
 #include <QtCore/QPair>
 
 #include <mutex>
@@ -49,7 +50,7 @@ bool isSpeltAsCode(const QString& code)
 
 PjPointer createFromCode(QLatin1String authority, const QString& code)
 {
-    if (!isSpeltAsCode(code))
+    if (!isSpeltAsCode(code) || code.contains(QChar(QChar::Null)))
         return nullptr;
     return PjPointer(proj_create_from_database(
         context(), authority.data(), code.toUtf8().constData(), PJ_CATEGORY_CRS, 0, nullptr));
@@ -113,7 +114,9 @@ HbuUnit axisUnit(const PJ* crs)
         HbuUnitService::getInstance().getUnitFromFactor(HbuEUnitClass::LENGTH, factor);
     if (unit.isValid())
         return unit;
-    const QString text = QString::fromUtf8(name);
+    QString text = QString::fromUtf8(name);
+    if (text == QLatin1String("unknown")) // "+to_meter=0.5"
+        text = QString::number(factor, 'g', QLocale::FloatingPointShortest) + QLatin1String(" m");
     return {text,
             text,
             text,
