@@ -41,7 +41,9 @@ function(kelvane_add_library name)
         SOVERSION ${KELVANE_SOVERSION}
         INSTALL_RPATH $ORIGIN)
     kelvane_compile_options(${target})
-    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    if(NOT KELVANE_SANITIZE) # whose symbols are in the program
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
     if(arg_PRECOMPILE)
         target_precompile_headers(${target} PRIVATE ${arg_PRECOMPILE})
     endif()
@@ -77,8 +79,9 @@ function(kelvane_add_tests name)
     endforeach()
 endfunction()
 
-# Every FOLDER/MODULE/*Bench.cpp is one Google Benchmark program.
+# Every MODULE/*Bench.cpp is one Google Benchmark program; the target `benchmarks` builds them all.
 function(kelvane_add_benchmarks)
+    add_custom_target(benchmarks)
     file(GLOB sources CONFIGURE_DEPENDS */*Bench.cpp)
     foreach(source IN LISTS sources)
         get_filename_component(bench ${source} NAME_WE)
@@ -87,11 +90,14 @@ function(kelvane_add_benchmarks)
         kelvane_compile_options(${bench})
         set_target_properties(${bench} PROPERTIES
             RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+        add_dependencies(benchmarks ${bench})
     endforeach()
 endfunction()
 
-# Every *Fuzz.cpp is one libFuzzer program; its seeds are in corpus/NAME.
+# Every *Fuzz.cpp is one libFuzzer program, its seeds are in corpus/NAME; the target `fuzzers` builds
+# them all.
 function(kelvane_add_fuzzers)
+    add_custom_target(fuzzers)
     file(GLOB sources CONFIGURE_DEPENDS *Fuzz.cpp */*Fuzz.cpp)
     foreach(source IN LISTS sources)
         get_filename_component(fuzzer ${source} NAME_WE)
@@ -102,5 +108,6 @@ function(kelvane_add_fuzzers)
         target_link_options(${fuzzer} PRIVATE -fsanitize=fuzzer)
         set_target_properties(${fuzzer} PROPERTIES
             RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/fuzz)
+        add_dependencies(fuzzers ${fuzzer})
     endforeach()
 endfunction()

@@ -29,6 +29,6 @@ while [ $# -gt 0 ]; do
 done
 
 scripts/install-deps.sh --test
-cmake --preset "$preset" --log-level=WARNING
+cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
 ctest --preset "$preset" -j "$(nproc)" --no-tests=error "${arguments[@]}"
