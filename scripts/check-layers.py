@@ -122,7 +122,9 @@ class Tree:
                 resolved = (path.parent / target).resolve().relative_to(self.root.resolve())
                 yield number, target, resolved
             elif first in self.layers.libraries and "/" in target:
-                yield number, target, pathlib.Path(first, "include", target)
+                private = (self.root / target).is_file()
+                yield number, target, pathlib.Path(target) if private else pathlib.Path(
+                    first, "include", target)
             else:
                 yield number, target, None
 
@@ -210,6 +212,8 @@ SELF_TEST_CASES = [
     ("unit uphill within a folder, by a quoted path",
      {"util/mid/KmA.cpp": '#include "KmZ.h"\n', "util/mid/KmZ.h": ""},
      ["unit mid must not include unit high (mid/KmZ)"]),
+    ("unit uphill, to a private header", {"util/low/KlX.cpp": "#include <util/mid/KmZ.h>\n", "util/mid/KmZ.h": ""},
+     ["unit low must not include unit high (mid/KmZ)"]),
     ("the first pattern that matches decides", {"util/mid/KmZ.cpp": "#include <util/mid/KmBb.h>\n"}, []),
     ("a file of no unit", {"util/low/Other.cpp": ""}, ["'low/Other' belongs to no unit of util"]),
     ("a circle of headers",
