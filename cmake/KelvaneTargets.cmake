@@ -79,14 +79,21 @@ function(kelvane_add_tests name)
     endforeach()
 endfunction()
 
-# Every MODULE/*Bench.cpp is one Google Benchmark program; the target `benchmarks` builds them all.
+# Every MODULE/*Bench.cpp of the current folder is one benchmark program, in the target `benchmarks`. It
+# links the arguments and the library of its module; a module of util and basic both is util's.
 function(kelvane_add_benchmarks)
     add_custom_target(benchmarks)
     file(GLOB sources CONFIGURE_DEPENDS */*Bench.cpp)
     foreach(source IN LISTS sources)
         get_filename_component(bench ${source} NAME_WE)
+        cmake_path(GET source PARENT_PATH folder)
+        cmake_path(GET folder FILENAME module)
+        set(library basic)
+        if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/util/include/util/${module})
+            set(library util)
+        endif()
         add_executable(${bench} ${source})
-        target_link_libraries(${bench} PRIVATE Kelvane::util benchmark::benchmark_main ${ARGN})
+        target_link_libraries(${bench} PRIVATE Kelvane::${library} ${ARGN})
         kelvane_compile_options(${bench})
         set_target_properties(${bench} PROPERTIES
             RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)

@@ -1,0 +1,57 @@
+#include "RatioLimits.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+
+namespace
+{
+/// Prints as usual and remembers the fastest time of each benchmark.
+class TimeKeeper : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run& run : runs) {
+            if (run.error_occurred || run.run_type != Run::RT_Iteration)
+                continue;
+            const double seconds = run.cpu_accumulated_time / double(run.iterations);
+            const auto added = m_seconds.emplace(run.run_name.function_name, seconds).first;
+            added->second = std::min(added->second, seconds);
+        }
+    }
+
+    const double* secondsOf(const std::string& name) const
+    {
+        const auto found = m_seconds.find(name);
+        return found == m_seconds.end() ? nullptr : &found->second;
+    }
+
+private:
+    std::map<std::string, double> m_seconds;
+};
+} // namespace
+
+int runWithLimits(int argc, char** argv, const std::vector<RatioLimit>& limits)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 2;
+    TimeKeeper keeper;
+    benchmark::RunSpecifiedBenchmarks(&keeper);
+    int missed = 0;
+    for (const RatioLimit& limit : limits) {
+        const double* subject = keeper.secondsOf(limit.subject);
+        const double* peer = keeper.secondsOf(limit.peer);
+        if (!subject || !peer)
+            continue;
+        const double ratio = *subject / *peer;
+        std::printf("ratio %-40s %8.2f   limit %8.2f   %s\n", limit.subject.c_str(), ratio,
+                    limit.limit, ratio <= limit.limit ? "ok" : "MISSED");
+        missed += ratio > limit.limit;
+    }
+    return missed ? 1 : 0;
+}
