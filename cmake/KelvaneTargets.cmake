@@ -101,11 +101,11 @@ function(kelvane_add_benchmarks)
     endforeach()
 endfunction()
 
-# Every *Fuzz.cpp is one libFuzzer program, its seeds are in corpus/NAME; the target `fuzzers` builds
+# Every NAMEFuzzer.cpp is one libFuzzer program, its seeds are in corpus/NAME; the target `fuzzers` builds
 # them all.
 function(kelvane_add_fuzzers)
     add_custom_target(fuzzers)
-    file(GLOB sources CONFIGURE_DEPENDS *Fuzz.cpp */*Fuzz.cpp)
+    file(GLOB sources CONFIGURE_DEPENDS *Fuzzer.cpp)
     foreach(source IN LISTS sources)
         get_filename_component(fuzzer ${source} NAME_WE)
         add_executable(${fuzzer} ${source})

@@ -3,8 +3,9 @@
 #
 #   scripts/fuzz.sh [--seconds N] [NAME...]     15 seconds each; all of them without names
 #
-# What a fuzzer finds is left in build/fuzz/findings: mend the fault, then add the input to
-# fuzz/corpus/NAME, so that it stays mended. New inputs of a run stay in build/fuzz/corpus/NAME.
+# NAME is that of fuzz/NAMEFuzzer.cpp and of its seeds, fuzz/corpus/NAME. What a fuzzer finds is left in
+# build/fuzz/findings: mend the fault, then add the input to the seeds, so that it stays mended. New
+# inputs of a run stay in build/fuzz/corpus/NAME.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -30,7 +31,7 @@ cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz --target fuzzers
 
 if [ ${#names[@]} -eq 0 ]; then
-    mapfile -t names < <(find fuzz -name '*Fuzz.cpp' -exec basename {} .cpp \; | sort)
+    mapfile -t names < <(find fuzz -name '*Fuzzer.cpp' -exec basename {} Fuzzer.cpp \; | sort)
 fi
 if [ ${#names[@]} -eq 0 ]; then
     echo "fuzz: there is no fuzzer"
@@ -45,8 +46,9 @@ run_one() {
     mkdir -p "$corpus"
     local seeds=()
     if [ -d "fuzz/corpus/$name" ]; then seeds=("fuzz/corpus/$name"); fi
-    if "build/fuzz/fuzz/$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-        -artifact_prefix="$findings/$name-" "$corpus" "${seeds[@]}" >"$findings/$name.log" 2>&1; then
+    if "build/fuzz/fuzz/${name}Fuzzer" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+        -malloc_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$findings/$name-" \
+        "$corpus" "${seeds[@]}" >"$findings/$name.log" 2>&1; then
         echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' "$findings/$name.log") inputs"
     else
         echo "$name: FAILED" >&2
