@@ -1,0 +1,164 @@
+#include <basic/base/HbbGlobal.h>
+#include <basic/error/HbeProgrammingError.h>
+#include <basic/geometry/HbgGeomPointSet.h>
+#include <basic/interval/HbiIntervalIntSmallDisjoint.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <thread>
+
+namespace
+{
+
+const double NONE = HbbGlobal::D_FFFF;
+
+/// On a lattice of a few places, so that equal points, equal distances and borders are frequent.
+HbgGeomPointSet randomPoints(int count, std::mt19937& random)
+{
+    std::uniform_int_distribution<int> place(-20, 20);
+    HbgGeomPointSet points;
+    for (int i = 0; i < count; ++i) {
+        const bool isNowhere = place(random) == 0;
+        EXPECT_TRUE(
+            points.append(HbgVector2D(isNowhere ? NONE : place(random) / 2., place(random))));
+    }
+    return points;
+}
+
+HbiIntervalIntSmallDisjoint bruteForce(const HbgGeomPointSet& points,
+                                       const std::function<bool(double, double)>& isIn)
+{
+    HbiIntervalIntSmallDisjoint ranks;
+    for (int rank = 0; rank < points.getCount(); ++rank) {
+        const HbgVector3D point = points.getPoint(rank);
+        if (point.x != NONE && point.y != NONE && isIn(point.x, point.y))
+            ranks.add(rank);
+    }
+    return ranks;
+}
+
+} // namespace
+
+TEST(HbgGeomPointSet, picksWhatASearchOfAllPointsFinds)
+{
+    std::mt19937 random(3);
+    std::uniform_int_distribution<int> place(-12, 12);
+    HbgGeomPointSet points = randomPoints(700, random);
+    for (int i = 0; i < 300; ++i) {
+        SCOPED_TRACE(i);
+        const QPointF at(place(random) / 2., place(random));
+        const double tolerance = (place(random) + 12) / 6.;
+        const auto distance = [&at](double x, double y) {
+            return (x - at.x()) * (x - at.x()) + (y - at.y()) * (y - at.y());
+        };
+        const auto isNear = [&](double x, double y) {
+            return distance(x, y) <= tolerance * tolerance;
+        };
+        EXPECT_EQ(points.pointToRanks(at, tolerance), bruteForce(points, isNear));
+
+        int nearest = -1;
+        double best = std::numeric_limits<double>::infinity();
+        for (int rank = 0; rank < points.getCount(); ++rank) {
+            const HbgVector3D point = points.getPoint(rank);
+            if (point.x != NONE && isNear(point.x, point.y) && distance(point.x, point.y) < best) {
+                nearest = rank;
+                best = distance(point.x, point.y);
+            }
+        }
+        EXPECT_EQ(points.pointToRank(at, tolerance), nearest);
+
+        const QRectF area(at, QPointF(place(random), place(random)));
+        const QRectF sorted = area.normalized();
+        EXPECT_EQ(points.rectangleToRanks(area), bruteForce(points, [&sorted](double x, double y) {
+                      return sorted.left() <= x && x <= sorted.right() && sorted.top() <= y &&
+                             y <= sorted.bottom();
+                  }));
+        // A right-angled triangle, border included.
+        const QVector<QPointF> triangle{{-8., -8.}, {8., -8.}, {-8., 8.}};
+        EXPECT_EQ(points.polygonToRanks(triangle), bruteForce(points, [](double x, double y) {
+                      return x >= -8. && y >= -8. && x + y <= 0.;
+                  }));
+        // Edits between the picks: the index must not outlive them.
+        EXPECT_TRUE(points.remove(i % points.getCount()));
+        EXPECT_TRUE(points.update(0, HbgVector2D(place(random), place(random))));
+    }
+}
+
+TEST(HbgGeomPointSet, picksNothingWithoutAPlace)
+{
+    HbgGeomPointSet points;
+    EXPECT_EQ(points.pointToRank({0., 0.}, 1.), -1);
+    points.append(HbgVector2D(0., 0.));
+    const double nan = std::nan("");
+    EXPECT_EQ(points.pointToRank({0., 0.}, 0.), 0);
+    EXPECT_EQ(points.pointToRank({0., 0.}, -1.), -1);
+    EXPECT_EQ(points.pointToRank({0., 0.}, nan), -1);
+    EXPECT_EQ(points.pointToRank({nan, 0.}, 1.), -1);
+    EXPECT_EQ(points.pointToRank({1e9, 0.}, std::numeric_limits<double>::infinity()), 0);
+    EXPECT_TRUE(points.rectangleToRanks(QRectF(nan, 0., 1., 1.)).isEmpty());
+    EXPECT_TRUE(points.polygonToRanks({{-1., 0.}, {1., 0.}}).isEmpty());
+    EXPECT_TRUE(points.polygonToRanks({{-1., -1.}, {1., -1.}, {nan, 1.}}).isEmpty());
+}
+
+TEST(HbgGeomPointSet, refusesWhatIsNoCoordinate)
+{
+    const double nan = std::nan("");
+    HbgGeomPointSet points(HbgEDimension::DIM_3D);
+    EXPECT_FALSE(points.append(HbgVector3D(1., 2., nan)));
+    EXPECT_FALSE(points.append(HbgVector2D(std::numeric_limits<double>::infinity(), 0.)));
+    EXPECT_TRUE(points.append(HbgVector2D(1., 2.)));
+    EXPECT_EQ(points.getPoint(0), HbgVector3D(1., 2., NONE));
+    EXPECT_FALSE(points.update(0, HbgVector2D(nan, 0.)));
+    EXPECT_FALSE(points.update(1, HbgVector2D(0., 0.)));
+    EXPECT_FALSE(points.remove(-1));
+    EXPECT_THROW(points.getPoint(1), HbeProgrammingError);
+
+    points.setCoordinates({1., nan, 5.}, {2., 3., 4.}, {9., 9., NONE});
+    EXPECT_EQ(points.getPoint(1), HbgVector3D(NONE, 3., 9.));
+    EXPECT_EQ(points.getBoundingBox(), HbgBox({1., 2., 9.}, {5., 4., 9.}));
+    EXPECT_THROW(points.setCoordinates({1.}, {1., 2.}), HbeProgrammingError);
+}
+
+TEST(HbgGeomPointSet, sharesItsIndexWithCopiesAndThreads)
+{
+    std::mt19937 random(5);
+    HbgGeomPointSet points = randomPoints(5000, random);
+    const HbgGeomPointSet reference = points;
+    std::vector<std::thread> threads;
+    std::vector<int> counts(4);
+    for (size_t i = 0; i < counts.size(); ++i) {
+        threads.emplace_back([&points, &counts, i] {
+            const HbgGeomPointSet copy = points;
+            counts[i] = static_cast<int>(copy.rectangleToRanks({-5., -5., 10., 10.}).getCount()) +
+                        static_cast<int>(points.rectangleToRanks({-5., -5., 10., 10.}).getCount());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    const int count = static_cast<int>(reference.rectangleToRanks({-5., -5., 10., 10.}).getCount());
+    EXPECT_EQ(counts, std::vector<int>(4, 2 * count));
+    points.clear();
+    EXPECT_EQ(reference.getCount(), 5000);
+    EXPECT_TRUE(points.rectangleToRanks({-5., -5., 10., 10.}).isEmpty());
+}
+
+TEST(HbgBox, ignoresUndefinedCoordinates)
+{
+    HbgBox box;
+    EXPECT_TRUE(box.isEmpty());
+    EXPECT_EQ(box.getXMin(), NONE);
+    box.unite(HbgVector3D(1., NONE, std::nan("")));
+    EXPECT_TRUE(box.isEmpty());
+    box.unite(HbgVector2D(-1., 4.));
+    EXPECT_EQ(box, HbgBox(HbgVector2D(1., 4.), HbgVector2D(-1., 4.)));
+    EXPECT_FALSE(box.is3D());
+    EXPECT_TRUE(box.contains(HbgVector3D(0., 4., 100.)));
+    EXPECT_FALSE(box.intersects(HbgBox()));
+    HbgBox high({0., 0., 5.}, {9., 9., 6.});
+    EXPECT_TRUE(box.intersects(high));
+    high.unite(box);
+    EXPECT_EQ(high.getXMin(), -1.);
+    EXPECT_EQ(high.getZMin(), 5.);
+    EXPECT_FALSE(high.contains(HbgVector3D(0., 4., 7.)));
+}

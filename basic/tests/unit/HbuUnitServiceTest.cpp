@@ -1,0 +1,177 @@
+#include <basic/base/HbbGlobal.h>
+#include <basic/unit/HbuUnitService.h>
+
+#include <QtPrinters.h>
+
+#include <cmath>
+#include <set>
+
+namespace
+{
+
+HbuUnitService& service()
+{
+    return HbuUnitService::getInstance();
+}
+
+double convert(const HbuEUnitClass& unitClass, const char* from, const char* to, double value)
+{
+    const HbuUnit fromUnit = service().getUnit(unitClass, QString::fromUtf8(from));
+    const HbuUnit toUnit = service().getUnit(unitClass, QString::fromUtf8(to));
+    return service().getConversion(fromUnit, toUnit).apply(value);
+}
+
+} // namespace
+
+TEST(HbuUnitService, holdsAWellFormedTable)
+{
+    for (const HbuEUnitClass& unitClass : HbuEUnitClass::createIterator()) {
+        SCOPED_TRACE(unitClass.getKey().toStdString());
+        std::set<QString> keys, names;
+        for (const HbuUnit& unit : service().getUnits(unitClass)) {
+            SCOPED_TRACE(unit.getKey().toStdString());
+            EXPECT_TRUE(unit.isValid());
+            EXPECT_EQ(unit.getUnitClass(), unitClass);
+            EXPECT_TRUE(keys.insert(unit.getKey()).second);
+            EXPECT_TRUE(names.insert(unit.getName()).second);
+            EXPECT_TRUE(service().acceptsAffine(unitClass) || !unit.getTransfo().isAffine());
+            EXPECT_EQ(service().getUnit(unitClass, unit.getKey()), unit);
+            EXPECT_TRUE(service().getConversion(unit, unit).isIdentity());
+        }
+        EXPECT_TRUE(service().getReferenceUnit(unitClass).getTransfo().isIdentity());
+        EXPECT_TRUE(service().getStorageUnit(unitClass).isValid());
+    }
+}
+
+TEST(HbuUnitService, convertsByThePublishedFactors)
+{
+    const struct {
+        HbuEUnitClass unitClass;
+        const char* from;
+        const char* to;
+        double value;
+        double expected;
+        bool isExact;
+    } rows[] = {
+        {HbuEUnitClass::LENGTH, "ft", "m", 1, 0.3048, true},
+        {HbuEUnitClass::LENGTH, "ft", "in", 1, 12, true},
+        {HbuEUnitClass::LENGTH, "mi", "ft", 1, 5280, true},
+        {HbuEUnitClass::LENGTH, "ft-us", "m", 3937, 1200, true},
+        {HbuEUnitClass::LENGTH, "mi-us", "ft-us", 1, 5280, true},
+        {HbuEUnitClass::LENGTH, "mm", "cm", 3, 0.3, true},
+        {HbuEUnitClass::AREA, "acre", "ft2", 1, 43560, true},
+        {HbuEUnitClass::AREA, "ha", "m2", 1, 10000, true},
+        {HbuEUnitClass::AREA, "acre-us", "ft2-us", 1, 43560, true},
+        {HbuEUnitClass::VOLUME, "bbl", "gal-us", 1, 42, true},
+        {HbuEUnitClass::VOLUME, "gal-us", "in3", 1, 231, true},
+        {HbuEUnitClass::VOLUME, "yd3", "ft3", 1, 27, true},
+        {HbuEUnitClass::VOLUME, "gal-uk", "l", 1, 4.54609, true},
+        {HbuEUnitClass::MASS, "lb", "kg", 1, 0.45359237, true},
+        {HbuEUnitClass::MASS, "lb", "oz", 1, 16, true},
+        {HbuEUnitClass::MASS, "lb", "gr", 1, 7000, true},
+        {HbuEUnitClass::MASS, "ozt", "kg", 1, 0.0311034768, true},
+        {HbuEUnitClass::MASS, "ton-uk", "lb", 1, 2240, true},
+        {HbuEUnitClass::DENSITY, "lb/ft3", "kg/m3", 1, 16.018463373960142, true},
+        {HbuEUnitClass::DENSITY, "ton-us/yd3", "lb/ft3", 1, 2000. / 27., true},
+        {HbuEUnitClass::CONCENTRATION, "g/t", "ppm", 1.7, 1.7, true},
+        {HbuEUnitClass::CONCENTRATION, "%", "ppm", 0.25, 2500, true},
+        {HbuEUnitClass::CONCENTRATION, "oz/t", "g/t", 1, 34.285714285714285, true},
+        {HbuEUnitClass::VOLUME_CONCENTRATION, "mg/l", "g/m3", 7, 7, true},
+        {HbuEUnitClass::PERMEABILITY, "D", "m2", 1, 9.869233e-13, false},
+        {HbuEUnitClass::PRESSURE, "atm", "torr", 1, 760, true},
+        {HbuEUnitClass::PRESSURE, "psi", "Pa", 1, 6894.757293168361, true},
+        {HbuEUnitClass::TEMPERATURE, "degC", "K", 20, 293.15, true},
+        {HbuEUnitClass::TEMPERATURE, "degC", "degF", 100, 212, false},
+        {HbuEUnitClass::TEMPERATURE, "degF", "degC", -40, -40, false},
+        {HbuEUnitClass::TIME, "d", "h", 1, 24, true},
+        {HbuEUnitClass::VELOCITY, "mph", "ft/s", 15, 22, true},
+        {HbuEUnitClass::VELOCITY, "km/h", "m/s", 36, 10, true},
+        {HbuEUnitClass::ANGLE, "deg", "gon", 90, 100, true},
+        {HbuEUnitClass::ANGLE, "deg", "arcsec", 1, 3600, true},
+        {HbuEUnitClass::ANGLE, "deg", "rad", 180, 3.14159265358979323846, true},
+        {HbuEUnitClass::LATITUDE, "gon", "deg", 50, 45, true},
+        {HbuEUnitClass::VOLUME_ACTIVITY_CONCENTRATION, "pCi/l", "Bq/m3", 4, 148, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.from) + " -> " + row.to);
+        const double converted = convert(row.unitClass, row.from, row.to, row.value);
+        if (row.isExact)
+            EXPECT_DOUBLE_EQ(converted, row.expected);
+        else
+            EXPECT_NEAR(converted / row.expected, 1., 1e-7);
+    }
+    EXPECT_EQ(convert(HbuEUnitClass::LENGTH, "ft", "in", 1.), 12.); // to the last bit
+}
+
+TEST(HbuUnitService, convertsWithinAClassOnly)
+{
+    const HbuUnit metre = service().getReferenceUnit(HbuEUnitClass::LENGTH);
+    const HbuUnit second = service().getReferenceUnit(HbuEUnitClass::TIME);
+    EXPECT_FALSE(service().getConversion(metre, second).isValid());
+    EXPECT_FALSE(service().getConversion(metre, HbuUnit()).isValid());
+    EXPECT_FALSE(service().getConversion(HbuUnit(), HbuUnit()).isValid());
+    EXPECT_TRUE(service().getConversion(HbuUnit::none(), HbuUnit::none()).isIdentity());
+    EXPECT_FALSE(service().getConversionToStorageUnit(HbuUnit()).isValid());
+    EXPECT_EQ(service().getUnitFromSymbol(HbuEUnitClass::AREA, QStringLiteral("m²")).getKey(),
+              QStringLiteral("m2"));
+    EXPECT_EQ(service().getUnitFromFactor(HbuEUnitClass::LENGTH, 0.304800609601219).getKey(),
+              QStringLiteral("ft-us"));
+}
+
+TEST(HbuUnitService, keepsTheUsersUnitsApart)
+{
+    const QString key = service().getUniqueKey(QStringLiteral("m"));
+    EXPECT_EQ(key, QStringLiteral("m_2"));
+    const auto unit = [&key](const HbuEUnitClass& unitClass, const HbuUnitTransfo& transfo) {
+        return HbuUnit(key, QStringLiteral("Step"), QStringLiteral("st"), unitClass,
+                       HbuEUnitSystem::OTHER, transfo);
+    };
+    const HbuUnit step = unit(HbuEUnitClass::LENGTH, HbuUnitTransfo::linear(0.75));
+    EXPECT_FALSE(service().updateUnit(step));
+    EXPECT_EQ(service().addUnit(step), step);
+    EXPECT_EQ(service().getUserUnits(), QVector<HbuUnit>{step});
+    EXPECT_EQ(service().getUnit(HbuEUnitClass::LENGTH, key), step);
+
+    const HbuUnit refused[] = {
+        step, // its key is taken
+        unit(HbuEUnitClass::AREA, HbuUnitTransfo::linear(0.)),
+        unit(HbuEUnitClass::AREA, HbuUnitTransfo::linear(std::nan(""))),
+        unit(HbuEUnitClass::AREA, HbuUnitTransfo::affine(1., 2.)),
+        unit(HbuEUnitClass::NONE, HbuUnitTransfo()),
+        service().getReferenceUnit(HbuEUnitClass::AREA),
+    };
+    for (const HbuUnit& each : refused)
+        EXPECT_FALSE(service().addUnit(each).getTransfo().isValid());
+    EXPECT_FALSE(service().updateUnit(refused[1]));
+    EXPECT_EQ(service().getUserUnits(), QVector<HbuUnit>{step});
+
+    EXPECT_TRUE(
+        service().updateUnit(unit(HbuEUnitClass::TEMPERATURE, HbuUnitTransfo::affine(1., 2.))));
+    EXPECT_FALSE(service().getUnit(HbuEUnitClass::LENGTH, key).isValid());
+    EXPECT_FALSE(service().removeUnit(QStringLiteral("m")));
+    EXPECT_TRUE(service().removeUnit(key));
+    EXPECT_TRUE(service().getUserUnits().isEmpty());
+}
+
+TEST(HbuUnitTransfo, invertsComposesAndSkipsUndefinedValues)
+{
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> number(-50., 50.);
+    for (int i = 0; i < 1000; ++i) {
+        const HbuUnitTransfo a = HbuUnitTransfo::ratio(number(random), 7., number(random));
+        const HbuUnitTransfo b = HbuUnitTransfo::affine(number(random), number(random));
+        const double x = number(random);
+        EXPECT_TRUE(a.followedBy(a.inverted()).isIdentity());
+        EXPECT_NEAR(a.followedBy(b).apply(x), b.apply(a.apply(x)), 1e-9);
+        EXPECT_NEAR(b.inverted().apply(b.apply(x)), x, 1e-8 / std::abs(b.getFactor()));
+    }
+    double values[] = {1., HbbGlobal::D_FFFF, std::nan(""), -2.};
+    HbuUnitTransfo::linear(1000.).apply(values, 4);
+    EXPECT_EQ(values[0], 1000.);
+    EXPECT_EQ(values[1], HbbGlobal::D_FFFF);
+    EXPECT_TRUE(std::isnan(values[2]));
+    EXPECT_EQ(values[3], -2000.);
+    EXPECT_EQ(HbuUnitTransfo::invalid().apply(3.), 3.);
+    EXPECT_FALSE(HbuUnitTransfo::linear(2.).followedBy(HbuUnitTransfo::linear(0.)).isValid());
+    EXPECT_FALSE(HbuUnitTransfo::affine(1., HbbGlobal::D_FFFF).isValid());
+}

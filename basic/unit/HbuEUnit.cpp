@@ -1,0 +1,5 @@
+#include <basic/unit/HbuEUnitClass.h>
+#include <basic/unit/HbuEUnitSystem.h>
+
+HBB_ENUM_DEFINE(HbuEUnitClass, HBU_E_UNIT_CLASS, NONE, "unit/HbuEUnitClass")
+HBB_ENUM_DEFINE(HbuEUnitSystem, HBU_E_UNIT_SYSTEM, METRIC, "unit/HbuEUnitSystem")

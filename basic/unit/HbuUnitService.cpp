@@ -1,0 +1,205 @@
+#include <basic/unit/HbuUnitService.h>
+
+#include "HbuUnitTable.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <mutex>
+#include <shared_mutex>
+
+struct HbuUnitService::Private {
+    std::map<int, QVector<HbuUnit>> builtIn; // by class value; never changes
+    QVector<HbuUnit> user;
+    mutable std::shared_mutex mutex; // guards `user`
+
+    /// The first unit of the class that is wanted, or an invalid one; the caller holds the lock.
+    template <class Visitor>
+    HbuUnit find(const HbuEUnitClass& unitClass, const Visitor& isWanted) const
+    {
+        const auto units = builtIn.find(unitClass.getValue());
+        if (units != builtIn.end()) {
+            for (const HbuUnit& unit : units->second) {
+                if (isWanted(unit))
+                    return unit;
+            }
+        }
+        for (const HbuUnit& unit : user) {
+            if (unit.getUnitClass() == unitClass && isWanted(unit))
+                return unit;
+        }
+        return {};
+    }
+
+    HbuUnit findKey(const HbuEUnitClass& unitClass, const QString& key) const
+    {
+        return find(unitClass, [&key](const HbuUnit& unit) { return unit.getKey() == key; });
+    }
+    bool isKeyUsed(const QString& key) const;
+};
+
+using ReadLock = std::shared_lock<std::shared_mutex>;
+using WriteLock = std::unique_lock<std::shared_mutex>;
+
+bool HbuUnitService::Private::isKeyUsed(const QString& key) const
+{
+    const auto hasKey = [&key](const HbuUnit& unit) { return unit.getKey() == key; };
+    for (const auto& units : builtIn) {
+        if (std::any_of(units.second.begin(), units.second.end(), hasKey))
+            return true;
+    }
+    return std::any_of(user.begin(), user.end(), hasKey);
+}
+
+HbuUnitService& HbuUnitService::getInstance()
+{
+    static HbuUnitService service;
+    return service;
+}
+
+HbuUnitService::HbuUnitService()
+    : d(std::make_unique<Private>())
+{
+    d->builtIn[HbuEUnitClass::E_NONE].append(HbuUnit::none());
+    for (const HbuUnitRow* row = HbuUnitTable::begin(); row != HbuUnitTable::end(); ++row)
+        d->builtIn[row->unitClass].append(HbuUnit(*row));
+}
+
+HbuUnitService::~HbuUnitService() = default;
+
+QVector<HbuUnit> HbuUnitService::getUnits(const HbuEUnitClass& unitClass) const
+{
+    const ReadLock lock(d->mutex);
+    QVector<HbuUnit> units;
+    d->find(unitClass, [&units](const HbuUnit& unit) {
+        units.append(unit);
+        return false;
+    });
+    return units;
+}
+
+HbuUnit HbuUnitService::getUnit(const HbuEUnitClass& unitClass, const QString& key) const
+{
+    const ReadLock lock(d->mutex);
+    return d->findKey(unitClass, key);
+}
+
+HbuUnit HbuUnitService::getUnitFromSymbol(const HbuEUnitClass& unitClass,
+                                          const QString& symbol) const
+{
+    const ReadLock lock(d->mutex);
+    return d->find(unitClass,
+                   [&symbol](const HbuUnit& unit) { return unit.getSymbol() == symbol; });
+}
+
+HbuUnit HbuUnitService::getUnitFromFactor(const HbuEUnitClass& unitClass, double factor) const
+{
+    const ReadLock lock(d->mutex);
+    return d->find(unitClass, [factor](const HbuUnit& unit) {
+        const HbuUnitTransfo transfo = unit.getTransfo();
+        return !transfo.isAffine() &&
+               std::abs(transfo.getFactor() - factor) <= 1e-12 * std::abs(factor);
+    });
+}
+
+HbuUnit HbuUnitService::getReferenceUnit(const HbuEUnitClass& unitClass) const
+{
+    const auto units = d->builtIn.find(unitClass.getValue());
+    return units == d->builtIn.end() ? HbuUnit() : units->second.first();
+}
+
+HbuUnit HbuUnitService::getStorageUnit(const HbuEUnitClass& unitClass) const
+{
+    switch (unitClass.toEnum()) {
+    case HbuEUnitClass::E_ANGLE:
+        return getUnit(unitClass, QStringLiteral("deg"));
+    case HbuEUnitClass::E_TEMPERATURE:
+        return getUnit(unitClass, QStringLiteral("degC"));
+    case HbuEUnitClass::E_PERMEABILITY:
+        return getUnit(unitClass, QStringLiteral("mD"));
+    default:
+        return getReferenceUnit(unitClass);
+    }
+}
+
+bool HbuUnitService::acceptsAffine(const HbuEUnitClass& unitClass) const
+{
+    return unitClass == HbuEUnitClass::TEMPERATURE;
+}
+
+HbuUnitTransfo HbuUnitService::getConversion(const HbuUnit& from, const HbuUnit& to) const
+{
+    if (!from.isValid() || !to.isValid() || from.getUnitClass() != to.getUnitClass())
+        return HbuUnitTransfo::invalid();
+    return from.getTransfo().followedBy(to.getTransfo().inverted());
+}
+
+HbuUnitTransfo HbuUnitService::getConversionToStorageUnit(const HbuUnit& unit) const
+{
+    return getConversion(unit, getStorageUnit(unit.getUnitClass()));
+}
+
+QString HbuUnitService::getUniqueKey(const QString& name) const
+{
+    const ReadLock lock(d->mutex);
+    const QString base = name.isEmpty() ? QStringLiteral("unit") : name;
+    QString key = base;
+    for (int i = 2; d->isKeyUsed(key); ++i)
+        key = base + QLatin1Char('_') + QString::number(i);
+    return key;
+}
+
+static bool isAcceptable(const HbuUnit& unit)
+{
+    return unit.isValid() && !unit.isNone() &&
+           (!unit.getTransfo().isAffine() ||
+            HbuUnitService::getInstance().acceptsAffine(unit.getUnitClass()));
+}
+
+HbuUnit HbuUnitService::addUnit(const HbuUnit& unit)
+{
+    if (!isAcceptable(unit))
+        return {};
+    const WriteLock lock(d->mutex);
+    if (d->findKey(unit.getUnitClass(), unit.getKey()).isValid())
+        return {};
+    d->user.append(unit);
+    return unit;
+}
+
+bool HbuUnitService::updateUnit(const HbuUnit& unit)
+{
+    if (!isAcceptable(unit))
+        return false;
+    const WriteLock lock(d->mutex);
+    HbuUnit* replaced = nullptr;
+    for (HbuUnit& candidate : d->user) {
+        if (candidate.getKey() != unit.getKey())
+            continue;
+        if (!replaced || candidate.getUnitClass() == unit.getUnitClass())
+            replaced = &candidate;
+    }
+    if (!replaced)
+        return false;
+    const bool changesClass = replaced->getUnitClass() != unit.getUnitClass();
+    if (changesClass && d->findKey(unit.getUnitClass(), unit.getKey()).isValid())
+        return false;
+    *replaced = unit;
+    return true;
+}
+
+bool HbuUnitService::removeUnit(const QString& key)
+{
+    const WriteLock lock(d->mutex);
+    const auto end = std::remove_if(d->user.begin(), d->user.end(),
+                                    [&key](const HbuUnit& unit) { return unit.getKey() == key; });
+    const bool found = end != d->user.end();
+    d->user.erase(end, d->user.end());
+    return found;
+}
+
+QVector<HbuUnit> HbuUnitService::getUserUnits() const
+{
+    const ReadLock lock(d->mutex);
+    return d->user;
+}

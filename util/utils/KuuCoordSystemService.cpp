@@ -1,0 +1,283 @@
+#include <util/utils/KuuCoordSystemService.h>
+
+#include <util/utils/KuuCoordSystem.h>
+
+#include <basic/unit/HbuUnitService.h>
+
+#include <QtCore/QHash>
+#include <QtCore/QPair>
+
+#include <mutex>
+#include <proj.h>
+
+namespace
+{
+
+const QLatin1String EPSG("EPSG");
+const QLatin1String IGNF("IGNF");
+
+/// PROJ's contexts belong to one thread each; its log is silent, as every failure is an answer
+/// here.
+PJ_CONTEXT* context()
+{
+    struct Owner {
+        PJ_CONTEXT* context = proj_context_create();
+        Owner()
+        {
+            proj_log_level(context, PJ_LOG_NONE);
+            proj_context_use_proj4_init_rules(context, 1); // "+init=epsg:…" in old definitions
+        }
+        ~Owner() { proj_context_destroy(context); }
+    };
+    thread_local const Owner owner;
+    return owner.context;
+}
+
+struct PjDeleter {
+    void operator()(PJ* object) const { proj_destroy(object); }
+};
+using PjPointer = std::unique_ptr<PJ, PjDeleter>;
+
+PjPointer createFromCode(QLatin1String authority, const QString& code)
+{
+    PjPointer crs(proj_create_from_database(context(), authority.data(), code.toUtf8().constData(),
+                                            PJ_CATEGORY_CRS, 0, nullptr));
+    // The database compares codes as numbers where it can: it finds 2154 for " 2154" and "2154.0",
+    // which are no codes.
+    if (crs && code != QString::fromUtf8(proj_get_id_code(crs.get(), 0)))
+        crs.reset();
+    return crs;
+}
+
+PjPointer createFromDefinition(const KueProj4Definition& definition)
+{
+    if (!definition.isValid())
+        return nullptr;
+    // Without the type, PROJ would make an operation of it, not a coordinate system.
+    QString text = definition.getText();
+    if (!definition.hasParameter(QStringLiteral("type")))
+        text += QLatin1String(" +type=crs");
+    return PjPointer(proj_create(context(), text.toUtf8().constData()));
+}
+
+/// `text` is "AUTHORITY:CODE" with one of our authorities, or a PROJ.4 definition. Null when PROJ
+/// does not know it.
+PjPointer createCrs(const QString& text)
+{
+    for (const QLatin1String authority : {EPSG, IGNF}) {
+        const QString prefix = authority + QLatin1Char(':');
+        if (text.startsWith(prefix))
+            return createFromCode(authority, text.mid(prefix.size()));
+    }
+    return createFromDefinition(KueProj4Definition(text));
+}
+
+/// The geographic or projected system in it, or null.
+PjPointer horizontalPart(PjPointer crs)
+{
+    while (crs) {
+        switch (proj_get_type(crs.get())) {
+        case PJ_TYPE_GEOGRAPHIC_2D_CRS:
+        case PJ_TYPE_GEOGRAPHIC_3D_CRS:
+        case PJ_TYPE_PROJECTED_CRS:
+            return crs;
+        case PJ_TYPE_COMPOUND_CRS:
+            crs.reset(proj_crs_get_sub_crs(context(), crs.get(), 0));
+            break;
+        case PJ_TYPE_BOUND_CRS:
+            crs.reset(proj_get_source_crs(context(), crs.get()));
+            break;
+        default:
+            return nullptr;
+        }
+    }
+    return nullptr;
+}
+
+/// The unit of the first axis of a projected system; one that our table lacks is made here.
+HbuUnit axisUnit(const PJ* crs)
+{
+    const PjPointer axes(proj_crs_get_coordinate_system(context(), crs));
+    double factor = 0.;
+    const char* name = nullptr;
+    if (!axes || !proj_cs_get_axis_info(context(), axes.get(), 0, nullptr, nullptr, nullptr,
+                                        &factor, &name, nullptr, nullptr))
+        return {};
+    const HbuUnit unit =
+        HbuUnitService::getInstance().getUnitFromFactor(HbuEUnitClass::LENGTH, factor);
+    if (unit.isValid())
+        return unit;
+    const QString text = QString::fromUtf8(name);
+    return {text,
+            text,
+            text,
+            HbuEUnitClass::LENGTH,
+            HbuEUnitSystem::OTHER,
+            HbuUnitTransfo::linear(factor)};
+}
+
+KuuCoordSystemService::Description search(const QString& text)
+{
+    KuuCoordSystemService::Description description;
+    PjPointer crs = createCrs(text);
+    if (!crs)
+        return description;
+    // PROJ's answers live as long as its objects, so that they are copied first.
+    const QString name = QString::fromUtf8(proj_get_name(crs.get()));
+    const char* proj4 = proj_as_proj_string(context(), crs.get(), PJ_PROJ_4, nullptr);
+    const KueProj4Definition definition(QString::fromUtf8(proj4));
+    const PjPointer horizontal = horizontalPart(std::move(crs));
+    if (!horizontal)
+        return description;
+
+    const bool isProjected = proj_get_type(horizontal.get()) == PJ_TYPE_PROJECTED_CRS;
+    description.isKnown = true;
+    description.name = name == QLatin1String("unknown") ? QString() : name;
+    description.definition = definition;
+    description.mode =
+        isProjected ? Ku::CoordSystemMode::PROJECTED : Ku::CoordSystemMode::GEOGRAPHIC;
+    description.unit = isProjected ? axisUnit(horizontal.get())
+                                   : HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE,
+                                                                           QStringLiteral("deg"));
+    return description;
+}
+
+QString codeText(QLatin1String authority, const QString& code)
+{
+    return code.isEmpty() ? QString() : authority + QLatin1Char(':') + code;
+}
+
+/// Answers by question. Nobody asks about more than a few hundred systems; the limit only keeps a
+/// file of nonsense from filling the memory.
+template <class Key, class Value>
+class Cache
+{
+public:
+    template <class Search>
+    Value get(const Key& key, const Search& searchValue)
+    {
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            const auto known = m_values.constFind(key);
+            if (known != m_values.constEnd())
+                return *known;
+        }
+        const Value value = searchValue(); // unlocked: a search may take milliseconds
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_values.size() >= LIMIT)
+            m_values.clear();
+        m_values.insert(key, value);
+        return value;
+    }
+
+private:
+    static constexpr int LIMIT = 20000;
+    std::mutex m_mutex;
+    QHash<Key, Value> m_values;
+};
+
+} // namespace
+
+struct KuuCoordSystemService::Private {
+    Cache<QString, Description> descriptions;
+    Cache<QPair<QString, QString>, bool> equivalences;
+};
+
+KuuCoordSystemService& KuuCoordSystemService::getInstance()
+{
+    static KuuCoordSystemService service;
+    return service;
+}
+
+KuuCoordSystemService::KuuCoordSystemService()
+    : d(std::make_unique<Private>())
+{
+}
+
+KuuCoordSystemService::~KuuCoordSystemService() = default;
+
+bool KuuCoordSystemService::init() const
+{
+    return proj_context_get_database_path(context()) != nullptr;
+}
+
+KuuCoordSystemService::Description KuuCoordSystemService::describe(const QString& projText) const
+{
+    if (projText.isEmpty())
+        return {};
+    return d->descriptions.get(projText, [&projText] { return search(projText); });
+}
+
+KuuCoordSystemService::Description KuuCoordSystemService::describeEpsg(const QString& code) const
+{
+    return describe(codeText(EPSG, code));
+}
+
+KuuCoordSystemService::Description KuuCoordSystemService::describeIgnf(const QString& code) const
+{
+    return describe(codeText(IGNF, code));
+}
+
+KuuCoordSystemService::Description
+KuuCoordSystemService::describeProj4(const KueProj4Definition& definition) const
+{
+    return definition.isValid() ? describe(definition.getText()) : Description();
+}
+
+KueProj4Definition KuuCoordSystemService::epsgDefinition(const QString& code) const
+{
+    return describeEpsg(code).definition;
+}
+
+KueProj4Definition KuuCoordSystemService::ignfDefinition(const QString& code) const
+{
+    return describeIgnf(code).definition;
+}
+
+QString KuuCoordSystemService::extractNameFromEpsg(const QString& code) const
+{
+    return describeEpsg(code).name;
+}
+
+QString KuuCoordSystemService::extractNameFromIgnf(const QString& code) const
+{
+    return describeIgnf(code).name;
+}
+
+HbuUnit KuuCoordSystemService::extractUnit(const KueProj4Definition& definition) const
+{
+    return describeProj4(definition).unit;
+}
+
+Ku::CoordSystemMode
+KuuCoordSystemService::getCoordSystemMode(const KueProj4Definition& definition) const
+{
+    return describeProj4(definition).mode;
+}
+
+QString KuuCoordSystemService::csToProj4String(const KuuCoordSystem& system) const
+{
+    // As validity does, the first reference that PROJ knows decides.
+    if (describeIgnf(system.getIgnfCode()).isKnown)
+        return codeText(IGNF, system.getIgnfCode());
+    if (describeEpsg(system.getEpsgCode()).isKnown)
+        return codeText(EPSG, system.getEpsgCode());
+    if (describeProj4(system.getProj4()).isKnown)
+        return system.getProj4().getText();
+    return QString();
+}
+
+bool KuuCoordSystemService::areEquivalent(const KuuCoordSystem& a, const KuuCoordSystem& b) const
+{
+    const QString textA = csToProj4String(a);
+    const QString textB = csToProj4String(b);
+    if (textA.isEmpty() || textB.isEmpty())
+        return false;
+    return d->equivalences.get({textA, textB}, [&] {
+        const PjPointer crsA = createCrs(textA);
+        const PjPointer crsB = createCrs(textB);
+        return crsA && crsB &&
+               proj_is_equivalent_to_with_ctx(context(), crsA.get(), crsB.get(),
+                                              PJ_COMP_EQUIVALENT_EXCEPT_AXIS_ORDER_GEOGCRS) != 0;
+    });
+}
