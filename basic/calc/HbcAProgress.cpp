@@ -35,10 +35,15 @@ HbcAProgress::~HbcAProgress() = default;
 
 bool HbcAProgress::runInCurrentThread()
 {
-    if (isRunning() || getOutcome() == Outcome::RUNNING)
-        HBE_PROGRAMMING_ERROR("calc/HbcAProgress", tr("The job is running already"));
+    refuseWhileRunning();
     execute();
     return getOutcome() == Outcome::DONE;
+}
+
+void HbcAProgress::refuseWhileRunning() const
+{
+    if (isRunning() || getOutcome() == Outcome::RUNNING)
+        HBE_PROGRAMMING_ERROR("calc/HbcAProgress", tr("The job is running already"));
 }
 
 void HbcAProgress::cancelAndWait()
@@ -271,13 +276,13 @@ void HbcAProgress::sendPendingMessage(bool atEnd)
 
 void HbcAProgress::runSubProgress(HbcAProgress& job, qint64 units)
 {
+    job.refuseWhileRunning();
     const HbcSubProgress part(*this, units);
     initCounter(PART_UNITS);
     job.m_parentJob.store(this);
-    const bool done = job.runInCurrentThread();
+    job.execute();
     job.m_parentJob.store(nullptr);
-    if (!done)
-        job.rethrowError();
+    job.rethrowError();
 }
 
 void HbcAProgress::follow(const HbcAProgress& job)

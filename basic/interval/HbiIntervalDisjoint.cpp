@@ -198,27 +198,28 @@ void HbiIntervalDisjoint<Set, Interval>::insertGap(Rank at, Rank n)
     if (n <= 0 || at > m_hull.getMax())
         return;
     const Rank limit = std::numeric_limits<Rank>::max() - n;
-    Set result;
-    for (auto it = _begin(); !it.isEnd(); ++it) {
-        if (it->getMin() < at)
-            result.add(Interval(it->getMin(), std::min<Rank>(it->getMax(), at - 1)));
-        const Interval moved(std::max(it->getMin(), at), std::min(it->getMax(), limit));
-        if (!moved.isEmpty())
-            result.add(Interval(moved.getMin() + n, moved.getMax() + n));
-    }
+    Set result(static_cast<const Set&>(*this)); // what is below stays as it is
+    result.subtract(Interval(at, m_hull.getMax()));
+    auto it = _begin();
+    for (it.seek(at); !it.isEnd() && it->getMin() <= limit; ++it)
+        result.add(Interval(it->getMin() + n, std::min(it->getMax(), limit) + n));
     *this = std::move(result);
 }
 
 template <class Set, class Interval>
 void HbiIntervalDisjoint<Set, Interval>::removeRanks(const Set& removed)
 {
-    Set result;
+    if (removed.isEmpty() || removed.getMin() > m_hull.getMax())
+        return;
+    Set result(static_cast<const Set&>(*this)); // what is below stays as it is
+    result.subtract(Interval(removed.getMin(), m_hull.getMax()));
     quint64 below = 0; // the number of removed ranks below those in hand, modulo 2^64
     const auto place = [&](Rank first, Rank last) {
         result.add(Interval(Rank(quint64(first) - below), Rank(quint64(last) - below)));
     };
     auto gap = removed._begin();
-    for (auto it = _begin(); !it.isEnd(); ++it) {
+    auto it = _begin();
+    for (it.seek(removed.getMin()); !it.isEnd(); ++it) {
         Rank from = it->getMin();
         bool open = true; // ranks from `from` to the interval's end are still to be placed
         while (open && !gap.isEnd() && gap->getMin() <= it->getMax()) {

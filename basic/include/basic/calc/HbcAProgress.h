@@ -41,7 +41,8 @@ public:
 
     const QString& getTitle() const { return m_title; }
 
-    /// Runs the job here and answers whether it is done; see `getErrorText` and `rethrowError`.
+    /// Runs the job here and answers whether it is done; see `getErrorText` and `rethrowError`. A
+    /// job that is running already is a programming error.
     [[nodiscard]] bool runInCurrentThread();
     /// Requests a cancel and waits until the thread has ended.
     void cancelAndWait();
@@ -117,6 +118,7 @@ private:
 
     void run() final;
     void execute();
+    void refuseWhileRunning() const;
     void keepError(const QString& text);
     bool isCancelRequested() const;
     void pushLevel(Level& level, qint64 units);
