@@ -274,9 +274,8 @@ TEST_F(KuoAObservableTest, RunawayRecursionWarnsAndDrops)
     HbbDebug::setSink(old);
     EXPECT_EQ(a.heard.size(), 101u);
     ASSERT_EQ(warnings.size(), 1u);
-    EXPECT_EQ(warnings[0],
-              QStringLiteral("KuoAObservable: suspicious recursion detected.\n"
-                             "Maybe some KuoLock/KuoLockObserver can help you?!?"));
+    EXPECT_EQ(warnings[0], QStringLiteral("KuoAObservable: suspicious recursion detected.\n"
+                                          "Maybe some KuoLock/KuoLockObserver can help you?!?"));
     EXPECT_FALSE(source->hasNotifications());
     a.onUpdate = nullptr;
     source->send(1);
