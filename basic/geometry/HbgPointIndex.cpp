@@ -1,4 +1,5 @@
 #include "HbgPointIndex.h"
+#include "HbgRingLocator.h"
 
 #include <basic/base/HbbGlobal.h>
 
@@ -14,7 +15,7 @@
 #include <vector>
 
 namespace bg = boost::geometry;
-namespace bgi = boost::geometry::index;
+namespace bgi = bg::index;
 
 using Point = bg::model::d2::point_xy<double>;
 using Box = bg::model::box<Point>;
@@ -142,12 +143,8 @@ HbiIntervalIntSmallDisjoint HbgPointIndex::findWithin(const QVector<QPointF>& po
 {
     if (polygon.size() < 3 || !std::all_of(polygon.begin(), polygon.end(), isPlace))
         return {};
-    bg::model::ring<Point> ring;
-    ring.reserve(static_cast<size_t>(polygon.size()) + 1);
-    for (const QPointF& corner : polygon)
-        ring.emplace_back(corner.x(), corner.y());
-    if (polygon.first() != polygon.last())
-        ring.push_back(ring.front());
-    return d->collect(bg::return_envelope<Box>(ring),
-                      [&ring](const Point& point) { return bg::covered_by(point, ring); });
+    const HbgRingLocator ring(polygon);
+    const HbgBox& box = ring.getBoundingBox();
+    return d->collect(Box(Point(box.getXMin(), box.getYMin()), Point(box.getXMax(), box.getYMax())),
+                      [&ring](const Point& point) { return ring.contains(point.x(), point.y()); });
 }

@@ -1,5 +1,7 @@
 // DECIMAL with six decimals against std::to_chars(fixed, 6), over the kinds of numbers that an
 // export writes; the other formats stand on std::to_chars itself.
+#include "RatioLimits.h"
+
 #include <basic/base/HbbStringFormat.h>
 
 #include <benchmark/benchmark.h>
@@ -27,9 +29,9 @@ std::vector<double> makeValues(Kind kind)
 }
 
 template <class Write>
-void run(benchmark::State& state, Write write)
+void run(benchmark::State& state, Kind kind, Write write)
 {
-    const std::vector<double> values = makeValues(static_cast<Kind>(state.range(0)));
+    const std::vector<double> values = makeValues(kind);
     char buffer[HbbStringFormat::CAPACITY];
     for (auto _ : state) {
         for (const double value : values)
@@ -39,22 +41,34 @@ void run(benchmark::State& state, Write write)
     state.SetItemsProcessed(state.iterations() * static_cast<qint64>(values.size()));
 }
 
-void decimal(benchmark::State& state)
+void decimal(benchmark::State& state, Kind kind)
 {
-    run(state, [](char* out, double value) {
+    run(state, kind, [](char* out, double value) {
         return HbbStringFormat::write(out, value, HbbEFormat::E_DECIMAL, 6);
     });
 }
 
-void toChars(benchmark::State& state)
+void toChars(benchmark::State& state, Kind kind)
 {
-    run(state, [](char* out, double value) {
+    run(state, kind, [](char* out, double value) {
         return std::to_chars(out, out + HbbStringFormat::CAPACITY, value, std::chars_format::fixed,
                              6)
             .ptr;
     });
 }
-
-BENCHMARK(decimal)->Arg(COORDINATES)->Arg(GRADES)->Arg(INTEGERS);
-BENCHMARK(toChars)->Arg(COORDINATES)->Arg(GRADES)->Arg(INTEGERS);
 } // namespace
+
+BENCHMARK_CAPTURE(decimal, coordinates, COORDINATES);
+BENCHMARK_CAPTURE(toChars, coordinates, COORDINATES);
+BENCHMARK_CAPTURE(decimal, grades, GRADES);
+BENCHMARK_CAPTURE(toChars, grades, GRADES);
+BENCHMARK_CAPTURE(decimal, integers, INTEGERS);
+BENCHMARK_CAPTURE(toChars, integers, INTEGERS);
+
+int main(int argc, char** argv)
+{
+    return runWithLimits(argc, argv,
+                         {{"decimal/coordinates", "toChars/coordinates", 0.5},
+                          {"decimal/grades", "toChars/grades", 0.5},
+                          {"decimal/integers", "toChars/integers", 0.6}});
+}

@@ -1,5 +1,7 @@
 // What a row of a job pays for being counted and cancellable: the limit beside it is a plain
 // atomic addition.
+#include "RatioLimits.h"
+
 #include <basic/calc/HbcAProgress.h>
 
 #include <benchmark/benchmark.h>
@@ -61,8 +63,15 @@ void advanceAndCheck(benchmark::State& state)
         job.advance();
     });
 }
+} // namespace
 
 BENCHMARK(atomicAddition);
 BENCHMARK(advance);
 BENCHMARK(advanceAndCheck);
-} // namespace
+
+int main(int argc, char** argv)
+{
+    return runWithLimits(
+        argc, argv,
+        {{"advance", "atomicAddition", 1.5}, {"advanceAndCheck", "atomicAddition", 2.5}});
+}

@@ -97,7 +97,8 @@ int KudSelector::getNSelected() const
 
 HbiIntervalIntSmallDisjoint KudSelector::selectedRows() const
 {
-    return toRanks(getBitArray(), m_bits.size());
+    const QBitArray bits = getBitArray();
+    return toRanks(bits, bits.size());
 }
 
 QBitArray KudSelector::getBitArray() const

@@ -2,9 +2,11 @@
 
 #include <util/utils/KuuCoordSystem.h>
 
+#include <basic/base/HbbGlobal.h>
 #include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QHash>
+#include <QtCore/QLocale>
 #include <QtCore/QPair>
 
 #include <mutex>
@@ -38,15 +40,20 @@ struct PjDeleter {
 };
 using PjPointer = std::unique_ptr<PJ, PjDeleter>;
 
+/// The database compares codes as numbers where it can: it finds 2154 for " 2154", "02154" and
+/// "2154.0", too, which are no codes.
+bool isSpeltAsCode(const QString& code)
+{
+    const double number = HbbGlobal::convertString(code, HbbGlobal::D_FFFF);
+    return HbbGlobal::isUndefined(number) || code == QString::number(number, 'f', 0);
+}
+
 PjPointer createFromCode(QLatin1String authority, const QString& code)
 {
-    PjPointer crs(proj_create_from_database(context(), authority.data(), code.toUtf8().constData(),
-                                            PJ_CATEGORY_CRS, 0, nullptr));
-    // The database compares codes as numbers where it can: it finds 2154 for " 2154" and "2154.0",
-    // which are no codes.
-    if (crs && code != QString::fromUtf8(proj_get_id_code(crs.get(), 0)))
-        crs.reset();
-    return crs;
+    if (!isSpeltAsCode(code) || code.contains(QChar(QChar::Null)))
+        return nullptr;
+    return PjPointer(proj_create_from_database(
+        context(), authority.data(), code.toUtf8().constData(), PJ_CATEGORY_CRS, 0, nullptr));
 }
 
 PjPointer createFromDefinition(const KueProj4Definition& definition)
@@ -107,7 +114,9 @@ HbuUnit axisUnit(const PJ* crs)
         HbuUnitService::getInstance().getUnitFromFactor(HbuEUnitClass::LENGTH, factor);
     if (unit.isValid())
         return unit;
-    const QString text = QString::fromUtf8(name);
+    QString text = QString::fromUtf8(name);
+    if (text == QLatin1String("unknown")) // "+to_meter=0.5"
+        text = QString::number(factor, 'g', QLocale::FloatingPointShortest) + QLatin1String(" m");
     return {text,
             text,
             text,

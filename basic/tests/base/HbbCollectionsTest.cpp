@@ -113,6 +113,6 @@ TEST(HbbHtml, onlyEscapeTakesPlainText)
     EXPECT_EQ(HbbHtml::bold(HbbHtml::escape("a<b> & \"c\"")),
               "<b>a&lt;b&gt; &amp; &quot;c&quot;</b>");
     EXPECT_EQ(HbbHtml::lines({HbbHtml::italic("x"), "y"}), "<i>x</i><br/>y");
-    EXPECT_EQ(HbbHtml::paragraph(HbbHtml::bulletList({"1", "2"})),
-              "<p><ul><li>1</li><li>2</li></ul></p>");
+    EXPECT_EQ(HbbHtml::paragraph("x") + HbbHtml::bulletList({"1", "2"}),
+              "<p>x</p><ul><li>1</li><li>2</li></ul>");
 }

@@ -3,6 +3,8 @@
 #include <basic/geometry/HbgGeomPointSet.h>
 #include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 
+#include <QtGui/QPolygonF>
+
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -82,6 +84,32 @@ TEST(HbgGeomPointSet, picksWhatASearchOfAllPointsFinds)
         // Edits between the picks: the index must not outlive them.
         EXPECT_TRUE(points.remove(i % points.getCount()));
         EXPECT_TRUE(points.update(0, HbgVector2D(place(random), place(random))));
+    }
+}
+
+TEST(HbgGeomPointSet, picksInAnyPolygonAsQtFillsIt)
+{
+    std::mt19937 random(17);
+    std::uniform_real_distribution<double> place(-100., 100.);
+    HbgGeomPointSet points;
+    for (int i = 0; i < 3000; ++i)
+        points.append(HbgVector2D(place(random), place(random)));
+    for (int corners = 3; corners < 200; ++corners) {
+        SCOPED_TRACE(corners);
+        // Rings around the middle, and lassos that cross themselves many times.
+        QVector<QPointF> polygon;
+        for (int i = 0; i < corners; ++i) {
+            const double angle = 6.283185307 * i / corners;
+            const double radius = std::abs(place(random));
+            polygon.append(corners % 2 ? QPointF(radius * std::cos(angle), radius * std::sin(angle))
+                                       : QPointF(place(random), place(random)));
+        }
+        const QPolygonF filled(polygon);
+        EXPECT_EQ(points.polygonToRanks(polygon), bruteForce(points, [&](double x, double y) {
+                      return filled.containsPoint(QPointF(x, y), Qt::WindingFill);
+                  }));
+        polygon.append(polygon.first()); // closed explicitly: the same
+        EXPECT_EQ(points.polygonToRanks(polygon), points.polygonToRanks(filled));
     }
 }
 

@@ -44,6 +44,7 @@ TEST(KuuCoordSystem, readsAndWritesItsTextForm)
         {"EPSG:2154", true, "EPSG:2154"},
         {"IGNF:LAMB93", true, "IGNF:LAMB93"},
         {"PROJ4:+proj=utm +zone=31 +datum=WGS84", true, "PROJ4:+proj=utm +zone=31 +datum=WGS84"},
+        {"PROJ4:+init=epsg:2154", true, "PROJ4:+init=epsg:2154"},
         {"EPSG:99999", false, "EPSG:99999"}, // unknown: kept
         {"EPSG: 2154", false, "EPSG: 2154"}, // no such code: kept
         {"EPSG:2154.0", false, "EPSG:2154.0"},
@@ -117,6 +118,9 @@ TEST(KuuCoordSystem, knowsTheFactsOfPublishedSystems)
     // A unit that our table does not have is made: the Gold Coast foot.
     const HbuUnit foot = KuuCoordSystem::createFromEpsg(QStringLiteral("2136")).getUnit();
     EXPECT_NEAR(foot.getTransfo().getFactor(), 0.304799710181509, 1e-15);
+    const HbuUnit half = fromProj4("+proj=utm +zone=31 +datum=WGS84 +to_meter=0.5").getUnit();
+    EXPECT_EQ(half.getSymbol(), QStringLiteral("0.5 m"));
+    EXPECT_EQ(half.getTransfo(), HbuUnitTransfo::linear(0.5));
 }
 
 TEST(KuuCoordSystem, refusesAnUnknownSystemOfTheUser)

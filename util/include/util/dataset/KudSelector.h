@@ -14,7 +14,7 @@ class QItemSelectionModel;
 
 /// A selection of a table's samples: its mask or its highlight. It is at once a bit for each
 /// sample and a Qt selection model for views; added and deleted samples move it along. A table owns
-/// its selectors.
+/// its selectors. A table without variables shows no cells, so nothing of it can be selected.
 class KELVANE_UTIL_EXPORT KudSelector : public QObject
 {
     Q_OBJECT
