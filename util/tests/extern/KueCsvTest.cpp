@@ -1,0 +1,311 @@
+#include <util/extern/KueCsv.h>
+#include <util/extern/KueCsvWriter.h>
+
+#include <basic/error/HbeProgrammingError.h>
+
+#include "QtPrinters.h"
+
+#include <QtCore/QDate>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtCore/QStandardPaths>
+
+namespace
+{
+const QChar COMMA(',');
+const QChar QUOTE('"');
+const QChar POINT('.');
+
+QString u(const char* text)
+{
+    return QString::fromUtf8(text);
+}
+
+template <class Operation>
+QString messageOf(Operation operation)
+{
+    try {
+        operation();
+    } catch (const HbeProgrammingError& error) {
+        return error.getMessage();
+    }
+    return QStringLiteral("no error");
+}
+
+/// The quoting rule, spelled out with whole byte arrays.
+QByteArray quotedNaively(QByteArray text, const KueCsv& codec)
+{
+    const QByteArray quote = QString(codec.getQuote()).toUtf8();
+    const int before = text.size();
+    if (!codec.getQuote().isNull()) {
+        text.replace(quote, quote + quote);
+        if (text.size() != before || text.contains(QString(codec.getSeparator()).toUtf8()) ||
+            text.contains('\n'))
+            text = quote + text + quote;
+    }
+    return text;
+}
+
+QString randomText(std::mt19937& random, const QString& alphabet, int longest)
+{
+    QString text;
+    for (int count = static_cast<int>(random() % (longest + 1)); count > 0; --count)
+        text += alphabet.at(static_cast<int>(random() % alphabet.size()));
+    return text;
+}
+
+/// The rows of a file: line feeds inside of quotes do not end a row.
+QStringList splitRows(const QString& text)
+{
+    QStringList rows{QString()};
+    bool inQuotes = false;
+    for (const QChar character : text) {
+        inQuotes ^= character == QUOTE;
+        if (character == QLatin1Char('\n') && !inQuotes)
+            rows.append(QString());
+        else
+            rows.last() += character;
+    }
+    rows.removeAll(QString());
+    return rows;
+}
+} // namespace
+
+TEST(KueSeparatorsTest, CharactersFallOnTheSecondItemDeliberately)
+{
+    EXPECT_EQ(KueCsvSeparator(), KueCsvSeparator::COMMA);
+    EXPECT_EQ(KueDecimalSeparator(), KueDecimalSeparator::DOT);
+    EXPECT_EQ(KueCsvSeparator::fromChar(','), KueCsvSeparator::COMMA);
+    EXPECT_EQ(KueCsvSeparator::fromChar('\t'), KueCsvSeparator::SEMICOLON);
+    EXPECT_EQ(KueDecimalSeparator::fromChar('.'), KueDecimalSeparator::DOT);
+    EXPECT_EQ(KueDecimalSeparator::fromChar(','), KueDecimalSeparator::COMMA);
+    EXPECT_EQ(KueDecimalSeparator::fromChar('x'), KueDecimalSeparator::COMMA);
+    EXPECT_EQ(KueCsvSeparator::SEMICOLON.getChar(), ';');
+    EXPECT_EQ(KueDecimalSeparator::COMMA.getChar(), ',');
+}
+
+TEST(KueSeparatorsTest, FailedLookUpsNameTheirSource)
+{
+    EXPECT_EQ(messageOf([] { KueCsvSeparator::fromKey("TAB"); }),
+              "'KueCsvSeparator::fromKey(const QString&)' in file 'extern\\KueCsv' failed:\n\n"
+              "TAB is not valid");
+    EXPECT_EQ(messageOf([] { KueDecimalSeparator::fromValue(7); }),
+              "'KueDecimalSeparator::fromValue(int)' in file 'extern\\KueCsv' failed:\n\n"
+              "7 is not valid");
+}
+
+TEST(KueCsvTest, ANullSeparatorIsAProgrammingError)
+{
+    EXPECT_EQ(messageOf([] { KueCsv(QChar(), true, QUOTE, POINT); }),
+              "'KueCsv::KueCsv(const QChar&, bool, const QChar&, const QChar&)' in file "
+              "'extern\\KueCsv' failed:\n\nEmpty separator");
+}
+
+TEST(KueCsvTest, ParsesRows)
+{
+    const struct {
+        const char* row;
+        QStringList apart;     // each separator counts
+        QStringList collapsed; // runs of separators count as one
+    } rows[] = {
+        {"", {""}, {""}},
+        {" \t ", {""}, {""}},
+        {"a,,b", {"a", "", "b"}, {"a", "b"}},
+        {",a", {"", "a"}, {"", "a"}},
+        {",,a", {"", "", "a"}, {"", "a"}},
+        {"a,,,", {"a", "", "", ""}, {"a", ""}},
+        {"a, ,b", {"a", "", "b"}, {"a", "", "b"}},
+        {"a,\"\",b", {"a", "", "b"}, {"a", "", "b"}},
+        {" a , b c ,d ", {"a", "b c", "d"}, {"a", "b c", "d"}},
+        {"\"a,b\",c", {"a,b", "c"}, {"a,b", "c"}},
+        {" \" a,b \" ,c", {"a,b", "c"}, {"a,b", "c"}},
+        {"\"a \"\"b\"\"\",c", {"a \"b\"", "c"}, {"a \"b\"", "c"}},
+        {"\"a\nb\",c", {"a\nb", "c"}, {"a\nb", "c"}},
+        {"a\"b,c,d", {"a\"b,c,d"}, {"a\"b,c,d"}},
+        {"a\"b,c\"d,e", {"a\"b,c\"d", "e"}, {"a\"b,c\"d", "e"}},
+        {"a\"\"b,c", {"a\"b", "c"}, {"a\"b", "c"}},
+        {"a,\"", {"a", ""}, {"a", ""}},
+        {"\"\"\"\"", {"\""}, {"\""}},
+    };
+    const KueCsv apart(COMMA, false, QUOTE, POINT);
+    const KueCsv collapsing;
+    for (const auto& row : rows) {
+        EXPECT_EQ(apart.parseDelimitedRow(u(row.row)), row.apart) << row.row;
+        EXPECT_EQ(collapsing.parseDelimitedRow(u(row.row)), row.collapsed) << row.row;
+    }
+}
+
+TEST(KueCsvTest, ANullQuoteSwitchesQuotingOff)
+{
+    const KueCsv codec(';', false, QChar(), POINT);
+    EXPECT_EQ(codec.parseDelimitedRow(u("\"a;b\";\"\"c")), (QStringList{"\"a", "b\"", "\"\"c"}));
+    EXPECT_EQ(codec.encodeValue({u("a;\"\n")}), "a;\"\n");
+}
+
+TEST(KueCsvTest, EncodesByType)
+{
+    const struct {
+        QVariant value;
+        QByteArray bytes;
+    } rows[] = {
+        {QVariant(), ""},
+        {QVariant(QVariant::Int), ""},
+        {true, "1"},
+        {false, "0"},
+        {-42, "-42"},
+        {std::numeric_limits<qint64>::min(), "-9223372036854775808"},
+        {QVariant::fromValue<short>(-7), "-7"},
+        {QVariant::fromValue<quint64>(18446744073709551615u), "18446744073709551615"},
+        {1.5, "1,500"},
+        {-0.0625f, "-0,062"},
+        {-1234567.0, "-1234567,000"},
+        {QStringLiteral("1.5"), "1.5"},
+        {QStringLiteral("a;b"), "\"a;b\""},
+        {QStringLiteral("a,b"), "a,b"},
+        {QStringLiteral("a\"b"), "\"a\"\"b\""},
+        {QStringLiteral("\""), "\"\"\"\""},
+        {QStringLiteral("a\nb"), "\"a\nb\""},
+        {QStringLiteral("a\rb"), "a\rb"},
+        {u("é€😀"), "é€😀"},
+        {QByteArray("x;y"), "\"x;y\""},
+        {QDate(2020, 2, 3), "2020-02-03"},
+    };
+    const KueCsv codec(';', false, QUOTE, COMMA);
+    QList<KueFormatedVariant> all;
+    QByteArrayList expected;
+    for (const auto& row : rows) {
+        const KueFormatedVariant cell{row.value, HbbEFormat::DECIMAL, 3};
+        EXPECT_EQ(codec.encodeValue(cell), row.bytes) << row.bytes.constData();
+        all.append(cell);
+        expected.append(row.bytes);
+    }
+    EXPECT_EQ(codec.encodeValues(all), expected.join(';'));
+    EXPECT_EQ(codec.encodeValues({}), "");
+}
+
+TEST(KueCsvWriterTest, AppendsTheBytesOfTheRuleWhateverTheCharacters)
+{
+    std::mt19937 random(7);
+    QString alphabet = u("ab\"\"';,\n\r\t.§€😀€§0");
+    alphabet += QChar(0xD800);
+    alphabet += QChar(0xDC00);
+    alphabet += QChar(0);
+    for (const QChar separator : u(",;§€\"")) {
+        for (const QChar quote : u("\"'€§") + QChar()) {
+            const KueCsv codec(separator, false, quote, QChar(0x20AC));
+            KueCsvWriter writer(codec);
+            QByteArray expected;
+            for (int row = 0; row < 100; ++row) {
+                const QString text = randomText(random, alphabet, 12);
+                const double real = std::ldexp(static_cast<double>(random()), -20);
+                writer.appendText(text);
+                writer.appendReal(real, HbbEFormat::E_DECIMAL, 4);
+                writer.appendUtf8(text.toUtf8().constData(), text.toUtf8().size());
+                writer.appendInteger(-row);
+                writer.appendEmpty();
+                writer.endLine();
+                const QByteArray encoded = quotedNaively(text.toUtf8(), codec);
+                const QByteArrayList cells{
+                    encoded, QByteArray::number(real, 'f', 4).replace(".", u("€").toUtf8()),
+                    encoded, QByteArray::number(-row), QByteArray()};
+                expected += cells.join(QString(separator).toUtf8()) + '\n';
+            }
+            ASSERT_EQ(writer.toByteArray(), expected);
+        }
+    }
+}
+
+TEST(KueCsvWriterTest, KeepsItsMemoryBetweenBlocks)
+{
+    KueCsvWriter writer((KueCsv()));
+    writer.appendText(u("a,b"));
+    const char* const memory = writer.data();
+    writer.clear();
+    EXPECT_EQ(writer.size(), 0);
+    writer.appendBool(true);
+    EXPECT_EQ(writer.toByteArray(), "1");
+    EXPECT_EQ(writer.data(), memory);
+}
+
+// Both ways against an independent codec: it reads what we write, and we read what it writes.
+TEST(KueCsvTest, AgreesWithPython)
+{
+    const QString python = QStandardPaths::findExecutable(QStringLiteral("python3"));
+    if (python.isEmpty())
+        GTEST_SKIP() << "python3 is not there";
+    const char* script = R"(
+import csv, io, json, sys
+data = sys.stdin.buffer.read().decode("utf-8")
+out = []
+for row in csv.reader(io.StringIO(data, newline=""), delimiter=";"):
+    line = io.StringIO(newline="")
+    csv.writer(line, delimiter=";", lineterminator="").writerow(row)
+    out.append({"row": row, "line": line.getvalue()})
+sys.stdout.buffer.write(json.dumps(out).encode("ascii"))
+)";
+    const KueCsv codec(';', false, QUOTE, COMMA);
+    std::mt19937 random(11);
+    QList<QStringList> rows;
+    QByteArray text;
+    for (int i = 0; i < 2000; ++i) {
+        QStringList row;
+        QList<KueFormatedVariant> cells;
+        for (auto count = 2 + random() % 4; count > 0; --count) {
+            row.append(randomText(random, u("ab \"\";,\n'é€\t"), 8));
+            cells.append({row.last()});
+        }
+        rows.append(row);
+        text += codec.encodeValues(cells) + '\n';
+    }
+
+    QProcess process;
+    process.start(python, {QStringLiteral("-c"), QString::fromUtf8(script)});
+    process.write(text);
+    process.closeWriteChannel();
+    ASSERT_TRUE(process.waitForFinished()) << process.readAllStandardError().constData();
+    const QJsonArray read = QJsonDocument::fromJson(process.readAllStandardOutput()).array();
+    ASSERT_EQ(read.size(), rows.size()) << process.readAllStandardError().constData();
+    for (int i = 0; i < rows.size(); ++i) {
+        const QJsonObject object = read.at(i).toObject();
+        EXPECT_EQ(object.value("row").toVariant().toStringList(), rows[i]);
+        // Trimmed by our rule: a row of blanks alone is one field.
+        QStringList trimmed;
+        for (const QString& field : rows[i])
+            trimmed.append(field.trimmed());
+        EXPECT_EQ(codec.parseDelimitedRow(object.value("line").toString()), trimmed)
+            << object.value("line").toString().toStdString();
+    }
+}
+
+TEST(KueCsvTest, ReadsACollectionOfHardFiles)
+{
+    const QDir folder(qEnvironmentVariable("KELVANE_TEST_DATA") + "/edge-csv/csv-spectrum");
+    if (!folder.exists())
+        GTEST_SKIP() << "KELVANE_TEST_DATA holds no edge-csv/csv-spectrum";
+    const KueCsv codec(COMMA, false, QUOTE, POINT);
+    int compared = 0;
+    for (const QString& name : QDir(folder.filePath("csvs")).entryList({"*.csv"})) {
+        QFile csv(folder.filePath("csvs/" + name));
+        QFile json(folder.filePath("json/" + QFileInfo(name).baseName() + ".json"));
+        ASSERT_TRUE(csv.open(QIODevice::ReadOnly) && json.open(QIODevice::ReadOnly));
+        const QJsonDocument document = QJsonDocument::fromJson(
+            json.readAll().replace("\\r\\n", "\\n")); // a checkout may have changed line ends
+        if (!document.isArray())
+            continue; // one of them is no list of rows
+        const QStringList rows = splitRows(QString::fromUtf8(csv.readAll().replace("\r\n", "\n")));
+        const QStringList keys = codec.parseDelimitedRow(rows.first());
+        QJsonArray read;
+        for (int i = 1; i < rows.size(); ++i) {
+            QJsonObject object;
+            const QStringList fields = codec.parseDelimitedRow(rows[i]);
+            for (int k = 0; k < keys.size(); ++k)
+                object.insert(keys[k], fields.value(k));
+            read.append(object);
+        }
+        EXPECT_EQ(QJsonDocument(read).toJson(), document.toJson()) << name.toStdString();
+        ++compared;
+    }
+    EXPECT_GT(compared, 8);
+}
