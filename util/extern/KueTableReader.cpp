@@ -255,6 +255,10 @@ void Reading::explainWidenings(const KueTableRows& rows)
                     .arg(widening.line));
     }
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        if (!m_columns[i].isNumeric() && m_columns[i].hasLargeIntegers())
+            m_result.notes.append(
+                translate("Column '%1' is read as text: it holds whole numbers beyond 64 bits.")
+                    .arg(m_names.at(static_cast<int>(i))));
         if (m_columns[i].isNumeric() && m_columns[i].hasLostDigits())
             m_result.warnings.append(
                 translate("Column '%1': numbers with more digits than a real number keeps are "
