@@ -45,6 +45,8 @@ private:
 
     bool readPass(const KueTableReader::Progress& progress, std::size_t sample);
     void begin();
+    void closeColumns();
+    void tell(const KueTableReader::Progress& progress, qint64 bytes) const;
     void nextBlock(const KueTableReader::Progress& progress);
     Stop readRow();
     Stop readEmptyLine();

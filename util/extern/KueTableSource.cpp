@@ -146,7 +146,10 @@ void KueTableSource::readBlock(qint64 line)
         m_end +=
             static_cast<std::size_t>(readBytes(m_bytes.data() + m_end, static_cast<qint64>(block)));
     }
-    refuseZeroBytes(from, line);
+    constexpr char END_OF_TEXT = '\x1A'; // closes files of old systems
+    if (m_isAtEnd && m_end != 0 && m_bytes[m_end - 1] == END_OF_TEXT)
+        --m_end;
+    refuseZeroBytes(std::min(from, m_end), line);
     if (m_encoding == Encoding::UTF_8)
         validate();
     m_bytes[m_end] = '\n';
