@@ -14,6 +14,8 @@ bool isText(const QVariant& value)
 
 double toReal(const QVariant& value)
 {
+    if (value.userType() == QMetaType::Double)
+        return *static_cast<const double*>(value.constData());
     if (isText(value))
         return HbbGlobal::convertString(value.toString(), HbbGlobal::D_FFFF);
     bool ok = false;
@@ -34,12 +36,17 @@ QVariant Real::toVariant(double value)
     return isUndefined(value) ? QVariant() : QVariant(value);
 }
 
+float Real32::fromNumber(double number)
+{
+    const bool fits =
+        !HbbGlobal::isUndefined(number) &&
+        (std::isinf(number) || std::fabs(number) <= double(std::numeric_limits<float>::max()));
+    return fits ? static_cast<float>(number) : undefined();
+}
+
 float Real32::fromVariant(const QVariant& value)
 {
-    const double number = Real::fromVariant(value);
-    const bool fits =
-        std::isinf(number) || std::fabs(number) <= double(std::numeric_limits<float>::max());
-    return fits ? static_cast<float>(number) : undefined();
+    return fromNumber(Real::fromVariant(value));
 }
 
 QVariant Real32::toVariant(float value)
@@ -47,16 +54,19 @@ QVariant Real32::toVariant(float value)
     return isUndefined(value) ? QVariant() : QVariant(static_cast<double>(value));
 }
 
+qint64 Integer::fromNumber(double number)
+{
+    // Beyond these bounds the conversion to an integer would have no meaning.
+    const bool whole = number == std::floor(number) && std::fabs(number) < 9.2e18;
+    return whole ? static_cast<qint64>(number) : undefined();
+}
+
 qint64 Integer::fromVariant(const QVariant& value)
 {
     if (isText(value))
         return HbbGlobal::convertString(value.toString(), undefined());
-    if (value.type() == QVariant::Double || value.userType() == QMetaType::Float) {
-        const double number = value.toDouble();
-        // Beyond these bounds the conversion would be undefined.
-        const bool whole = number == std::floor(number) && std::fabs(number) < 9.2e18;
-        return whole ? static_cast<qint64>(number) : undefined();
-    }
+    if (value.type() == QVariant::Double || value.userType() == QMetaType::Float)
+        return fromNumber(value.toDouble());
     bool ok = false;
     const qint64 number = value.toLongLong(&ok);
     return ok ? number : undefined();

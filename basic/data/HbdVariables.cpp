@@ -48,13 +48,43 @@ void HbdVariableInteger::readNumbers(int first, int count, double* numbers) cons
     });
 }
 
+void HbdVariableReal::writeNumbers(int first, int count, const double* numbers)
+{
+    std::transform(numbers, numbers + count, editValues().begin() + first, &HbbGlobal::normalized);
+}
+
+void HbdVariableReal32::writeNumbers(int first, int count, const double* numbers)
+{
+    std::transform(numbers, numbers + count, editValues().begin() + first,
+                   &HbdValueTraits::Real32::fromNumber);
+}
+
+void HbdVariableInteger::writeNumbers(int first, int count, const double* numbers)
+{
+    std::transform(numbers, numbers + count, editValues().begin() + first,
+                   &HbdValueTraits::Integer::fromNumber);
+}
+
 void HbdVariableEnum::append(const HbdAVariable& other)
 {
     const int first = getCount();
+    const int count = other.getCount();
     HbdTypedVariable::append(other);
-    if (other.getType() != getType())
-        return;
-    const HbdEnumCatalog theirs = static_cast<const HbdVariableEnum&>(other).m_catalog;
+    if (other.getType() == getType())
+        adoptCodes(static_cast<const HbdVariableEnum&>(other).getCatalog(), first, count);
+}
+
+bool HbdVariableEnum::copyValues(int firstRank, const HbdAVariable& source, int sourceRank,
+                                 int count)
+{
+    if (!HbdTypedVariable::copyValues(firstRank, source, sourceRank, count))
+        return false;
+    adoptCodes(static_cast<const HbdVariableEnum&>(source).getCatalog(), firstRank, count);
+    return true;
+}
+
+void HbdVariableEnum::adoptCodes(const HbdEnumCatalog& theirs, int first, int count)
+{
     if (theirs == m_catalog)
         return;
 
@@ -64,8 +94,18 @@ void HbdVariableEnum::append(const HbdAVariable& other)
         translated[code] = static_cast<quint16>(code);
     for (const HbdEnumCatalog::Category& category : theirs.getCategories())
         translated[category.code] = m_catalog.findOrAdd(category.label);
-    for (int rank = first; rank < getCount(); ++rank)
+    for (int rank = first; rank < first + count; ++rank)
         set(rank, translated[at(rank)]);
+}
+
+quint16 HbdVariableEnum::toCode(const QVariant& value) const
+{
+    if (value.type() == QVariant::String) {
+        const quint16 code = m_catalog.getCode(value.toString());
+        if (code != HbdEnumCatalog::UNDEFINED_CODE)
+            return code;
+    }
+    return HbdValueTraits::Code::fromVariant(value);
 }
 
 QVariant HbdVariableEnum::getVariant(int rank) const
@@ -77,10 +117,13 @@ QVariant HbdVariableEnum::getVariant(int rank) const
 
 void HbdVariableEnum::setVariant(int rank, const QVariant& value)
 {
-    const bool isLabel =
-        value.type() == QVariant::String && m_catalog.containsLabel(value.toString());
-    set(rank,
-        isLabel ? m_catalog.getCode(value.toString()) : HbdValueTraits::Code::fromVariant(value));
+    set(rank, toCode(value));
+}
+
+void HbdVariableEnum::setVariants(int firstRank, const QVariant* const* values, int count)
+{
+    for (int i = 0; i < count; ++i)
+        set(firstRank + i, values[i] ? toCode(*values[i]) : getUndefined());
 }
 
 std::unique_ptr<HbdAVariable> HbdVariableEnum::createEmpty() const

@@ -12,6 +12,10 @@ public:
     /// beyond 2^53 is rounded.
     virtual void readNumbers(int first, int count, double* numbers) const = 0;
 
+    /// Writes `count` values from `first` on. What the kind cannot hold becomes its undefined
+    /// value.
+    virtual void writeNumbers(int first, int count, const double* numbers) = 0;
+
     /// One value as a real, for edges.
     double getNumber(int rank) const;
 

@@ -61,6 +61,15 @@ public:
     /// undefined value; each kind says what it can hold.
     virtual void setVariant(int rank, const QVariant& value) = 0;
 
+    /// Stores a block of cells from `firstRank` on, with one virtual call; a null pointer is an
+    /// invalid variant.
+    virtual void setVariants(int firstRank, const QVariant* const* values, int count) = 0;
+
+    /// Copies `count` values of another column over those from `firstRank` on. False, and nothing
+    /// changes, when the kinds differ. Categories are matched by label.
+    virtual bool copyValues(int firstRank, const HbdAVariable& source, int sourceRank,
+                            int count) = 0;
+
     /// A deep copy, or a column of the same kind and description without values.
     virtual std::unique_ptr<HbdAVariable> clone() const = 0;
     virtual std::unique_ptr<HbdAVariable> createEmpty() const = 0;

@@ -54,6 +54,20 @@ public:
     {
         set(rank, Traits::fromVariant(value));
     }
+    void setVariants(int firstRank, const QVariant* const* values, int count) override
+    {
+        Value* target = m_values.data() + firstRank;
+        for (int i = 0; i < count; ++i)
+            target[i] = values[i] ? Traits::fromVariant(*values[i]) : Traits::undefined();
+    }
+    bool copyValues(int firstRank, const HbdAVariable& source, int sourceRank, int count) override
+    {
+        if (source.getType() != this->getType())
+            return false;
+        const auto values = static_cast<const Self&>(source).getValues().sub(sourceRank, count);
+        std::copy(values.begin(), values.end(), m_values.begin() + firstRank);
+        return true;
+    }
     std::unique_ptr<HbdAVariable> clone() const override
     {
         return std::make_unique<Self>(static_cast<const Self&>(*this));

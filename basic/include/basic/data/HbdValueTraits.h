@@ -44,6 +44,7 @@ struct KELVANE_BASIC_EXPORT Real : BitComparable<double> {
 struct KELVANE_BASIC_EXPORT Real32 : BitComparable<float> {
     static float undefined() { return std::numeric_limits<float>::quiet_NaN(); }
     static bool isUndefined(float value) { return value != value; }
+    static float fromNumber(double number);
     static float fromVariant(const QVariant& value);
     static QVariant toVariant(float value);
 };
@@ -52,6 +53,7 @@ struct KELVANE_BASIC_EXPORT Real32 : BitComparable<float> {
 struct KELVANE_BASIC_EXPORT Integer : Comparable<qint64> {
     static qint64 undefined() { return HbbGlobal::I_FFFF; }
     static bool isUndefined(qint64 value) { return HbbGlobal::isUndefined(value); }
+    static qint64 fromNumber(double number);
     static qint64 fromVariant(const QVariant& value);
     static QVariant toVariant(qint64 value);
 };

@@ -30,11 +30,18 @@ public:
     /// Holds labels of the catalogue and codes.
     void setVariant(int rank, const QVariant& value) override;
 
+    void setVariants(int firstRank, const QVariant* const* values, int count) override;
+
+    bool copyValues(int firstRank, const HbdAVariable& source, int sourceRank, int count) override;
+
     std::unique_ptr<HbdAVariable> createEmpty() const override;
 
 protected:
     bool _hasEqualValues(const HbdAVariable& other) const override;
 
 private:
+    void adoptCodes(const HbdEnumCatalog& theirs, int first, int count);
+    quint16 toCode(const QVariant& value) const;
+
     HbdEnumCatalog m_catalog;
 };

@@ -14,4 +14,5 @@ public:
     using HbdTypedVariable::append;
 
     void readNumbers(int first, int count, double* numbers) const override;
+    void writeNumbers(int first, int count, const double* numbers) override;
 };

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <util/KuExport.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+/// Replaces a file as a whole: whatever happens (a crash, a kill, a full disk, a power cut), a
+/// reader finds either the old content or the new, never a part.
+///
+/// The content goes into a new file beside the target, is flushed to the disk, and is renamed over
+/// the target by `commit`. A symbolic link is followed: its target is replaced, the link stays. A
+/// file that exists keeps its permissions (and its owner, where the system lets us); a new one gets
+/// those that the umask leaves. Without `commit` nothing changes.
+///
+/// The steps are apart so that many files can share the cost of the disk: write all, start the
+/// flush of all, then commit all.
+///
+/// Operations answer false on failure; `getErrorString` says why, in the system's words. One object
+/// is used by one thread; two writers of one target do not disturb each other, the later commit
+/// wins.
+class KELVANE_UTIL_EXPORT KusSafeFile
+{
+public:
+    explicit KusSafeFile(const QString& path);
+    KusSafeFile(KusSafeFile&& other) noexcept;
+    KusSafeFile& operator=(KusSafeFile&&) = delete;
+    /// Discards what was not committed.
+    ~KusSafeFile();
+
+    /// Creates the file beside the target. Fails when the directory is missing or may not be
+    /// written, and when the target is a directory or a file that may not be written.
+    bool open();
+    bool write(const char* data, qint64 size);
+    bool write(const QByteArray& bytes) { return write(bytes.constData(), bytes.size()); }
+    /// Asks the system to start writing to the disk, without waiting.
+    bool startFlush();
+    /// Waits until the content is on the disk.
+    bool flush();
+    /// Closes the new file; for many files at once, so that few descriptors are open. It must be
+    /// flushed by then, or by `flushFileSystem`.
+    bool close();
+    /// Flushes if that is still to be done, and puts the file in place.
+    bool commit();
+    void discard();
+
+    /// Waits until everything written so far to the file system that holds `path` is on the disk,
+    /// for all of the given files, which then count as flushed.
+    static bool flushFileSystem(const QString& path);
+    void markFlushed() { m_flushed = true; }
+
+    const QString& getErrorString() const { return m_error; }
+
+private:
+    bool fail();
+
+    QString m_path;
+    QByteArray m_target;    // with links resolved, in the file system's encoding
+    QByteArray m_temporary; // empty when there is none
+    QString m_error;
+    int m_descriptor = -1;
+    bool m_flushed = false;
+};

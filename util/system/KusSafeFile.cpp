@@ -1,0 +1,201 @@
+#include <util/system/KusSafeFile.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+// The file that a path stands for: links followed to the end, also when the last one points to a
+// file that does not exist yet. A circle of links gives an empty name.
+QByteArray resolvedTarget(const QString& path)
+{
+    QString current = QFileInfo(path).absoluteFilePath();
+    for (int hop = 0; hop < 40; ++hop) {
+        const QFileInfo info(current);
+        if (!info.isSymLink()) {
+            return QFile::encodeName(current);
+        }
+        current = info.symLinkTarget();
+    }
+    return QByteArray();
+}
+
+// Beside the target, so that the rename stays within one file system.
+int createBeside(const QByteArray& target, mode_t mode, QByteArray& name)
+{
+    static std::atomic<unsigned> counter{0};
+    // Room for the suffix even when the target's name is as long as a name may be.
+    const int slash = target.lastIndexOf('/');
+    const QByteArray stem = target.left(slash + 1) + target.mid(slash + 1, 200);
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        name = stem + '.' + QByteArray::number(qint64(getpid())) + '_' +
+               QByteArray::number(counter.fetch_add(1)) + ".part";
+        const int descriptor =
+            ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (descriptor >= 0 || errno != EEXIST) {
+            return descriptor;
+        }
+    }
+    return -1;
+}
+} // namespace
+
+KusSafeFile::KusSafeFile(const QString& path)
+    : m_path(path)
+{
+}
+
+KusSafeFile::KusSafeFile(KusSafeFile&& other) noexcept
+    : m_path(std::move(other.m_path))
+    , m_target(std::move(other.m_target))
+    , m_temporary(std::move(other.m_temporary))
+    , m_error(std::move(other.m_error))
+    , m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_flushed(other.m_flushed)
+{
+    other.m_temporary.clear();
+}
+
+KusSafeFile::~KusSafeFile()
+{
+    discard();
+}
+
+bool KusSafeFile::open()
+{
+    discard();
+    m_target = resolvedTarget(m_path);
+    if (m_target.isEmpty()) {
+        errno = ELOOP;
+        return fail();
+    }
+
+    struct stat existing = {};
+    const bool exists = ::stat(m_target.constData(), &existing) == 0;
+    if (exists && !S_ISREG(existing.st_mode)) {
+        errno = S_ISDIR(existing.st_mode) ? EISDIR : EINVAL;
+        return fail();
+    }
+    // A read-only file says that it is not to be replaced, though its directory would let us.
+    if (exists && ::access(m_target.constData(), W_OK) != 0) {
+        return fail();
+    }
+
+    m_descriptor = createBeside(m_target, exists ? 0600 : 0666, m_temporary);
+    if (m_descriptor < 0) {
+        m_temporary.clear();
+        return fail();
+    }
+    if (exists) {
+        // The owner first, for changing it drops the set-id bits. Only root may; others keep going.
+        if (existing.st_uid != ::geteuid() || existing.st_gid != ::getegid()) {
+            const int ignored = ::fchown(m_descriptor, existing.st_uid, existing.st_gid);
+            Q_UNUSED(ignored)
+        }
+        if (::fchmod(m_descriptor, existing.st_mode & 07777) != 0) {
+            return fail();
+        }
+    }
+    return true;
+}
+
+bool KusSafeFile::write(const char* data, qint64 size)
+{
+    m_flushed = false;
+    while (size > 0) {
+        const ssize_t written = ::write(m_descriptor, data, size_t(size));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written < 0) {
+            return fail();
+        }
+        data += written;
+        size -= written;
+    }
+    return m_descriptor >= 0;
+}
+
+bool KusSafeFile::startFlush()
+{
+#ifdef Q_OS_LINUX
+    return ::sync_file_range(m_descriptor, 0, 0, SYNC_FILE_RANGE_WRITE) == 0 || fail();
+#else
+    return true;
+#endif
+}
+
+bool KusSafeFile::flush()
+{
+    // The size and the blocks must be on the disk before the rename is; times need not be.
+    if (::fdatasync(m_descriptor) != 0) {
+        return fail();
+    }
+    m_flushed = true;
+    return true;
+}
+
+bool KusSafeFile::close()
+{
+    const int descriptor = std::exchange(m_descriptor, -1);
+    return descriptor < 0 || ::close(descriptor) == 0 || fail();
+}
+
+bool KusSafeFile::commit()
+{
+    if (m_temporary.isEmpty() || (!m_flushed && !flush()) || !close()) {
+        discard();
+        return false;
+    }
+    if (::rename(m_temporary.constData(), m_target.constData()) != 0) {
+        fail();
+        discard();
+        return false;
+    }
+    m_temporary.clear();
+    return true;
+}
+
+void KusSafeFile::discard()
+{
+    if (m_descriptor >= 0) {
+        ::close(std::exchange(m_descriptor, -1));
+    }
+    if (!m_temporary.isEmpty()) {
+        ::unlink(m_temporary.constData());
+        m_temporary.clear();
+    }
+    m_flushed = false;
+}
+
+bool KusSafeFile::flushFileSystem(const QString& path)
+{
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+#ifdef Q_OS_LINUX
+    const bool ok = ::syncfs(descriptor) == 0;
+#else
+    ::sync();
+    const bool ok = true;
+#endif
+    ::close(descriptor);
+    return ok;
+}
+
+bool KusSafeFile::fail()
+{
+    m_error = qt_error_string(errno);
+    return false;
+}
