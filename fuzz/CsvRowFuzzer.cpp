@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     QStringList trimmed;
     for (const QString& field : fields)
         trimmed.append(field.trimmed());
-    if (apart.parseDelimitedRow(QString::fromUtf8(encoded)) != trimmed)
+    if (apart.parseDelimitedRow(QString::fromUtf8(encoded.constData(), encoded.size())) != trimmed)
         std::abort();
     return 0;
 }

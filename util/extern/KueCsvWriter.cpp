@@ -9,31 +9,41 @@ namespace
 {
 constexpr std::size_t INTEGER_CAPACITY = 20;
 
-/// Writes UTF-8 and returns the end; at most three bytes a unit. Half a surrogate pair becomes "?",
-/// as QString::toUtf8 has it.
-char* writeUtf8(char* out, QStringView text)
+/// Writes UTF-8 and returns the end. Half a surrogate pair becomes "?", as QString::toUtf8 has it.
+char* writeUtf8(char* out, char32_t code)
 {
-    const qsizetype size = text.size();
-    for (qsizetype i = 0; i < size; ++i) {
-        const char16_t unit = text[i].unicode();
-        if (unit < 0x80) {
-            *out++ = static_cast<char>(unit);
-        } else if (unit < 0x800) {
-            *out++ = static_cast<char>(0xC0 | (unit >> 6));
-            *out++ = static_cast<char>(0x80 | (unit & 0x3F));
-        } else if (!QChar::isSurrogate(unit)) {
-            *out++ = static_cast<char>(0xE0 | (unit >> 12));
-            *out++ = static_cast<char>(0x80 | ((unit >> 6) & 0x3F));
-            *out++ = static_cast<char>(0x80 | (unit & 0x3F));
-        } else if (QChar::isHighSurrogate(unit) && i + 1 < size && text[i + 1].isLowSurrogate()) {
-            const uint code = QChar::surrogateToUcs4(unit, text[++i].unicode());
+    if (code < 0x80) {
+        *out++ = static_cast<char>(code);
+    } else if (code < 0x800) {
+        *out++ = static_cast<char>(0xC0 | (code >> 6));
+        *out++ = static_cast<char>(0x80 | (code & 0x3F));
+    } else if (QChar::isSurrogate(code)) {
+        *out++ = '?';
+    } else {
+        if (code < 0x10000) {
+            *out++ = static_cast<char>(0xE0 | (code >> 12));
+        } else {
             *out++ = static_cast<char>(0xF0 | (code >> 18));
             *out++ = static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-            *out++ = static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-            *out++ = static_cast<char>(0x80 | (code & 0x3F));
-        } else {
-            *out++ = '?';
         }
+        *out++ = static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+        *out++ = static_cast<char>(0x80 | (code & 0x3F));
+    }
+    return out;
+}
+
+/// At most three bytes a unit.
+char* writeUtf8(char* out, QStringView text)
+{
+    const QChar* const end = text.data() + text.size();
+    for (const QChar* at = text.data(); at != end; ++at) {
+        if (at->unicode() < 0x80)
+            *out++ = static_cast<char>(at->unicode());
+        else if (at->isHighSurrogate() && at + 1 != end && at[1].isLowSurrogate()) {
+            out = writeUtf8(out, QChar::surrogateToUcs4(at[0], at[1]));
+            ++at;
+        } else
+            out = writeUtf8(out, char32_t(at->unicode()));
     }
     return out;
 }
@@ -53,56 +63,55 @@ bool endsWith(const char* begin, const char* end, const QByteArray& bytes)
 KueCsvWriter::KueCsvWriter(const KueCsv& codec)
     : m_codec(codec)
     , m_quoting(!codec.m_quote.isNull())
+    , m_separatorSize(static_cast<std::size_t>(codec.m_separatorBytes.size()))
 {
+    std::copy(codec.m_separatorBytes.begin(), codec.m_separatorBytes.end(), m_separator.begin());
     for (const char byte : {codec.m_separatorBytes.front(), codec.m_quoteBytes.front(), '\n'})
         m_special[static_cast<unsigned char>(byte)] = m_quoting;
 }
 
 void KueCsvWriter::appendText(QStringView text)
 {
-    beginValue();
-    const std::size_t begin = m_size;
-    char* const out = reserve(3 * static_cast<std::size_t>(text.size()));
-    m_size += static_cast<std::size_t>(writeUtf8(out, text) - out);
-    quoteFrom(begin);
+    char* const out = beginValue(3 * static_cast<std::size_t>(text.size()));
+    endValue(writeUtf8(out, text));
+    quoteFrom(static_cast<std::size_t>(out - m_buffer.data()));
 }
 
 void KueCsvWriter::appendUtf8(const char* text, qint64 size)
 {
-    beginValue();
-    const std::size_t begin = m_size;
-    appendBytes(text, static_cast<std::size_t>(size));
-    quoteFrom(begin);
+    char* const out = beginValue(static_cast<std::size_t>(size));
+    endValue(std::copy(text, text + size, out));
+    quoteFrom(static_cast<std::size_t>(out - m_buffer.data()));
 }
 
 void KueCsvWriter::appendReal(double value, HbbEFormat::EValue format, int precision)
 {
-    beginValue();
     const QByteArray& decimal = m_codec.m_decimalBytes;
-    char* const out = reserve(std::size_t(HbbStringFormat::CAPACITY + decimal.size()));
+    char* const out = beginValue(std::size_t(HbbStringFormat::CAPACITY + decimal.size()));
     char* end = HbbStringFormat::write(out, value, format, precision);
     if (m_codec.m_decimal != QLatin1Char('.')) {
         char* const point = std::find(out, end, '.'); // a number has one at most
-        if (point != end) {
+        if (point != end && decimal.size() == 1) {
+            *point = decimal.front();
+        } else if (point != end) {
             std::memmove(point + decimal.size(), point + 1, std::size_t(end - point - 1));
             std::memcpy(point, decimal.constData(), std::size_t(decimal.size()));
             end += decimal.size() - 1;
         }
     }
-    m_size += static_cast<std::size_t>(end - out);
+    endValue(end);
 }
 
 void KueCsvWriter::appendInteger(qint64 value)
 {
-    beginValue();
-    char* const out = reserve(INTEGER_CAPACITY);
-    m_size += static_cast<std::size_t>(HbbStringFormat::write(out, value) - out);
+    endValue(HbbStringFormat::write(beginValue(INTEGER_CAPACITY), value));
 }
 
 void KueCsvWriter::appendBool(bool value)
 {
-    beginValue();
-    appendBytes(value ? "1" : "0", 1);
+    char* const out = beginValue(1);
+    *out = value ? '1' : '0';
+    endValue(out + 1);
 }
 
 void KueCsvWriter::appendValue(const KueFormatedVariant& cell)
@@ -133,7 +142,10 @@ void KueCsvWriter::appendValue(const KueFormatedVariant& cell)
 
 void KueCsvWriter::endLine()
 {
-    appendBytes("\n", 1);
+    m_lineBegun = false; // no separator before the line feed
+    char* const out = beginValue(1);
+    *out = '\n';
+    endValue(out + 1);
     m_lineBegun = false;
 }
 
@@ -148,26 +160,20 @@ QByteArray KueCsvWriter::toByteArray() const
     return QByteArray(data(), static_cast<int>(m_size));
 }
 
-void KueCsvWriter::beginValue()
+/// Puts the separator where one is due and returns the place of the value, with room for so many
+/// bytes.
+char* KueCsvWriter::beginValue(std::size_t bytes)
 {
-    if (m_lineBegun)
-        appendBytes(m_codec.m_separatorBytes.constData(),
-                    std::size_t(m_codec.m_separatorBytes.size()));
-    m_lineBegun = true;
-}
-
-/// Room for so many bytes at the end of what is written.
-char* KueCsvWriter::reserve(std::size_t bytes)
-{
-    if (m_buffer.size() < m_size + bytes)
-        m_buffer.resize(std::max(m_size + bytes, 2 * m_buffer.size()));
-    return m_buffer.data() + m_size;
-}
-
-void KueCsvWriter::appendBytes(const char* bytes, std::size_t count)
-{
-    std::copy(bytes, bytes + count, reserve(count));
-    m_size += count;
+    const std::size_t needed = m_size + m_separator.size() + bytes;
+    if (m_buffer.size() < needed)
+        m_buffer.resize(std::max(needed, 2 * m_buffer.size()));
+    char* const out = m_buffer.data() + m_size;
+    if (!m_lineBegun) {
+        m_lineBegun = true;
+        return out;
+    }
+    std::memcpy(out, m_separator.data(), m_separator.size());
+    return out + m_separatorSize;
 }
 
 /// Doubles the quotes of the text that begins there, and wraps it where the rule asks for it.
@@ -192,10 +198,12 @@ void KueCsvWriter::quoteFrom(std::size_t begin)
         return;
 
     // From the back, so that nothing is overwritten before it has moved.
-    reserve((quotes + 2) * quoteSize);
-    char* const first = m_buffer.data() + begin;
-    const char* source = m_buffer.data() + m_size;
+    const std::size_t oldSize = m_size;
     m_size += (quotes + 2) * quoteSize;
+    if (m_buffer.size() < m_size)
+        m_buffer.resize(std::max(m_size, 2 * m_buffer.size()));
+    char* const first = m_buffer.data() + begin;
+    const char* source = m_buffer.data() + oldSize;
     char* target = m_buffer.data() + m_size;
     const auto putQuote = [&] {
         target -= quoteSize;

@@ -22,7 +22,7 @@ class KELVANE_UTIL_EXPORT KueCsvWriter
 public:
     explicit KueCsvWriter(const KueCsv& codec);
 
-    void appendEmpty() { beginValue(); }
+    void appendEmpty() { endValue(beginValue(0)); }
     void appendText(QStringView text);
     void appendUtf8(const char* text, qint64 size);
     void appendReal(double value, HbbEFormat::EValue format, int precision);
@@ -43,15 +43,16 @@ public:
     QByteArray toByteArray() const;
 
 private:
-    void beginValue();
-    char* reserve(std::size_t bytes);
-    void appendBytes(const char* bytes, std::size_t count);
+    char* beginValue(std::size_t bytes);
+    void endValue(const char* end) { m_size = static_cast<std::size_t>(end - m_buffer.data()); }
     void quoteFrom(std::size_t begin);
 
     KueCsv m_codec;
     bool m_quoting;                    // the quote is not null
     std::array<bool, 256> m_special{}; // a byte that may call for quotes
-    std::vector<char> m_buffer;        // its size is the capacity in use
+    std::array<char, 4> m_separator{}; // of a fixed size, which copies faster
+    std::size_t m_separatorSize;
+    std::vector<char> m_buffer; // its size is the capacity in use
     std::size_t m_size = 0;
     bool m_lineBegun = false;
 };

@@ -24,17 +24,17 @@ class KELVANE_UTIL_EXPORT KusPath
     Q_DECLARE_TR_FUNCTIONS(KusPath)
 
 public:
-    static constexpr QLatin1String shortcutPublic{"%public%"};
-    static constexpr QLatin1String shortcutReport{"%report%"};
-    static constexpr QLatin1String shortcutBatch{"%batch%"};
-    static constexpr QLatin1String shortcutPreview{"%preview%"};
-    static constexpr QLatin1String shortcutDatabase{"%database%"};
+    static constexpr QLatin1String shortcutPublic{"%public%", 8};
+    static constexpr QLatin1String shortcutReport{"%report%", 8};
+    static constexpr QLatin1String shortcutBatch{"%batch%", 7};
+    static constexpr QLatin1String shortcutPreview{"%preview%", 9};
+    static constexpr QLatin1String shortcutDatabase{"%database%", 10};
 
-    static constexpr QLatin1String dirPublic{"public"};
-    static constexpr QLatin1String dirReport{"report"};
-    static constexpr QLatin1String dirBatch{"batch"};
-    static constexpr QLatin1String dirPreview{"preview"};
-    static constexpr QLatin1String dirDatabase{"database"};
+    static constexpr QLatin1String dirPublic{"public", 6};
+    static constexpr QLatin1String dirReport{"report", 6};
+    static constexpr QLatin1String dirBatch{"batch", 5};
+    static constexpr QLatin1String dirPreview{"preview", 7};
+    static constexpr QLatin1String dirDatabase{"database", 8};
 
     static constexpr Qt::CaseSensitivity compareCaseSensitivity = Qt::CaseInsensitive;
 
