@@ -1,0 +1,3 @@
+#include <basic/base/HbbEFormat.h>
+
+HBB_ENUM_DEFINE(HbbEFormat, HBB_E_FORMAT, DECIMAL, "base/HbbEFormat")
