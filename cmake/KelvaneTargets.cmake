@@ -1,6 +1,22 @@
 # How a library, its tests, a benchmark and a fuzzer are declared. Sources are found by folder:
 # LIB/MODULE/*.cpp, LIB/include/LIB/MODULE/*.h, LIB/tests/MODULE/*Test.cpp.
 
+# Before 1.0 every minor version may change the binary interface, so it is part of the soname.
+set(KELVANE_SOVERSION ${PROJECT_VERSION_MAJOR})
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    set(KELVANE_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+endif()
+
+# The environment of every test. Sanitizers stop at the first fault; the leaks that are known and not
+# ours are listed in testing/lsan.supp.
+set(KELVANE_TEST_ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+if(KELVANE_SANITIZE)
+    list(APPEND KELVANE_TEST_ENVIRONMENT
+        ASAN_OPTIONS=strict_string_checks=1:detect_stack_use_after_return=1
+        LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_SOURCE_DIR}/testing/lsan.supp:print_suppressions=0
+        UBSAN_OPTIONS=print_stacktrace=1)
+endif()
+
 # kelvane_add_library(basic DEPENDS Qt5::Core ...)
 function(kelvane_add_library name)
     cmake_parse_arguments(arg "" "PRECOMPILE" "DEPENDS;PRIVATE_DEPENDS" ${ARGN})
@@ -22,7 +38,8 @@ function(kelvane_add_library name)
         AUTOMOC ON
         EXPORT_NAME ${name}
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR})
+        SOVERSION ${KELVANE_SOVERSION}
+        INSTALL_RPATH $ORIGIN)
     kelvane_compile_options(${target})
     target_link_options(${target} PRIVATE -Wl,--no-undefined)
     if(arg_PRECOMPILE)
@@ -56,6 +73,34 @@ function(kelvane_add_tests name)
         endif()
         add_test(NAME ${test} COMMAND ${test})
         set_tests_properties(${test} PROPERTIES LABELS ${label} TIMEOUT 600
-            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;KELVANE_TOOL=$<TARGET_FILE:kelvane>;KELVANE_TEST_DATA=${CMAKE_SOURCE_DIR}/../shared/data")
+            ENVIRONMENT "${KELVANE_TEST_ENVIRONMENT};KELVANE_TOOL=$<TARGET_FILE:kelvane>;KELVANE_TEST_DATA=${CMAKE_SOURCE_DIR}/../shared/data")
+    endforeach()
+endfunction()
+
+# Every FOLDER/MODULE/*Bench.cpp is one Google Benchmark program.
+function(kelvane_add_benchmarks)
+    file(GLOB sources CONFIGURE_DEPENDS */*Bench.cpp)
+    foreach(source IN LISTS sources)
+        get_filename_component(bench ${source} NAME_WE)
+        add_executable(${bench} ${source})
+        target_link_libraries(${bench} PRIVATE Kelvane::util benchmark::benchmark_main ${ARGN})
+        kelvane_compile_options(${bench})
+        set_target_properties(${bench} PROPERTIES
+            RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+    endforeach()
+endfunction()
+
+# Every *Fuzz.cpp is one libFuzzer program; its seeds are in corpus/NAME.
+function(kelvane_add_fuzzers)
+    file(GLOB sources CONFIGURE_DEPENDS *Fuzz.cpp */*Fuzz.cpp)
+    foreach(source IN LISTS sources)
+        get_filename_component(fuzzer ${source} NAME_WE)
+        add_executable(${fuzzer} ${source})
+        target_link_libraries(${fuzzer} PRIVATE Kelvane::util)
+        kelvane_compile_options(${fuzzer})
+        target_compile_options(${fuzzer} PRIVATE -fsanitize=fuzzer)
+        target_link_options(${fuzzer} PRIVATE -fsanitize=fuzzer)
+        set_target_properties(${fuzzer} PROPERTIES
+            RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/fuzz)
     endforeach()
 endfunction()
