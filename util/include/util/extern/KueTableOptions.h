@@ -2,15 +2,11 @@
 
 #include <util/KuExport.h>
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
 
 /// How KueTableReader reads a table of text. A plain value; the defaults read what most programs
 /// write.
 struct KELVANE_UTIL_EXPORT KueTableOptions {
-    Q_DECLARE_TR_FUNCTIONS(KueTableOptions)
-
-public:
     /// AUTO is decided by the first lines. SPACE means runs of spaces and tabs.
     enum class Separator { AUTO, COMMA, SEMICOLON, TAB, SPACE };
     /// AUTO is decided by the numbers of the first block.
