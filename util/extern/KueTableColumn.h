@@ -21,10 +21,15 @@ class KueTableSource;
 
 /// What all columns of a file have in common.
 struct KueTableRules {
+    explicit KueTableRules(const KueTableMissing& missingTexts)
+        : missing(missingTexts)
+    {
+    }
+
     KueTableNumber::Style style;
     char unquotedDecimal = '.'; ///< the decimal sign outside quotes; 0 when it is the separator
     double undefinedAbove = std::numeric_limits<double>::infinity(); ///< numbers above: undefined
-    KueTableMissing missing;
+    const KueTableMissing& missing;                                  ///< borrowed
     int maxCategories = 0;
     double maxCategoryShare = 0;
     const KueTableSource* source = nullptr; ///< borrowed; decodes texts

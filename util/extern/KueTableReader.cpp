@@ -66,21 +66,29 @@ private:
     KueTableResult m_result;
 };
 
+KueTableRules makeRules(const KueTableLayout& layout, const KueTableOptions& options,
+                        const KueTableSource& source, const KueTableMissing& missing)
+{
+    KueTableRules rules(missing);
+    rules.style.decimal = layout.decimal;
+    rules.unquotedDecimal = layout.decimal == layout.separator ? '\0' : layout.decimal;
+    rules.maxCategories = options.maxCategories;
+    rules.maxCategoryShare = options.maxCategoryShare;
+    rules.source = &source;
+    if (layout.form == KueTableResult::Form::GEO_EAS) {
+        rules.undefinedAbove = 1e30;
+        rules.style.leadingZeros = true; // it holds numbers by its form
+    }
+    return rules;
+}
+
 Reading::Reading(const QString& path, const KueTableOptions& options)
     : m_options(options)
     , m_missing(options.missingTexts)
     , m_source(path)
     , m_layout(KueTableSniffer(m_source, options, m_missing).sniff())
-    , m_rules{{m_layout.decimal, false}, m_layout.decimal,         {},       m_missing,
-              options.maxCategories,     options.maxCategoryShare, &m_source}
+    , m_rules(makeRules(m_layout, options, m_source, m_missing))
 {
-    m_rules.undefinedAbove = std::numeric_limits<double>::infinity();
-    if (m_layout.form == KueTableResult::Form::GEO_EAS) {
-        m_rules.undefinedAbove = 1e30;
-        m_rules.style.leadingZeros = true; // a table of numbers by its form
-    }
-    if (m_layout.decimal == m_layout.separator)
-        m_rules.unquotedDecimal = 0;
 }
 
 KueTableResult Reading::run(const KueTableReader::Progress& progress)

@@ -30,8 +30,6 @@
 /// threads may read with one reader as long as the progress function allows it.
 class KELVANE_UTIL_EXPORT KueTableReader
 {
-    Q_DECLARE_TR_FUNCTIONS(KueTableReader)
-
 public:
     /// Told how much of the work is done, in bytes, every few megabytes; false cancels.
     using Progress = std::function<bool(qint64 bytesDone, qint64 bytesTotal)>;
