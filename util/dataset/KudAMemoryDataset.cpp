@@ -1,8 +1,44 @@
 #include <util/dataset/KudAMemoryDataset.h>
 #include <util/dataset/KudTableMemento.h>
 
+#include "KudUnitCodec.h"
+
 #include <basic/data/HbdANumericVariable.h>
 #include <basic/data/HbdVariableText.h>
+
+namespace
+{
+// The single text of a coordinate system says neither that it is local nor how it was named.
+void saveCoordSystem(const KuuCoordSystem& coordSystem, KuuMemento& memento)
+{
+    memento.setField(QStringLiteral("coordSystem"), coordSystem.serialize());
+    memento.setField(QStringLiteral("coordSystemName"), coordSystem.getName());
+    if (coordSystem.hasIgnfCode() && coordSystem.hasEpsgCode())
+        memento.setField(QStringLiteral("coordSystemEpsg"), coordSystem.getEpsgCode());
+    if (coordSystem.isLocal()) {
+        memento.setField(QStringLiteral("coordSystemLocalUnit"),
+                         KuuMementoCodec<HbuUnit>::encode(coordSystem.getUnit()));
+    }
+}
+
+KuuCoordSystem readCoordSystem(const KuuMemento& memento)
+{
+    const auto field = [&memento](const char* key) { return memento.getField(QLatin1String(key)); };
+    KuuCoordSystem coordSystem = KuuCoordSystem::unserialize(field("coordSystem").toString());
+    HbuUnit localUnit;
+    if (field("coordSystemLocalUnit").isValid() &&
+        KuuMementoCodec<HbuUnit>::decode(field("coordSystemLocalUnit"), localUnit))
+        coordSystem = KuuCoordSystem::createLocal(localUnit);
+    if (field("coordSystemEpsg").isValid()) {
+        coordSystem = KuuCoordSystem::createFromFields(
+            coordSystem.getName(), field("coordSystemEpsg").toString(), coordSystem.getIgnfCode(),
+            coordSystem.getProj4());
+    }
+    if (field("coordSystemName").isValid())
+        coordSystem.changeName(field("coordSystemName").toString());
+    return coordSystem;
+}
+} // namespace
 
 KudAMemoryDataset::KudAMemoryDataset(const QString& name, const QString& tableName,
                                      const HbdESupport& support)
@@ -153,7 +189,7 @@ void KudAMemoryDataset::clearAll()
 void KudAMemoryDataset::_updateMemento(KuuMemento& memento) const
 {
     memento.setField(QStringLiteral("name"), m_name);
-    memento.setField(QStringLiteral("coordSystem"), getCoordSystem().serialize());
+    saveCoordSystem(getCoordSystem(), memento);
     memento.setField(QStringLiteral("table"), KudTableMemento::toMap(m_table->getDataTable()));
     _saveGeometry(memento);
 }
@@ -165,8 +201,7 @@ void KudAMemoryDataset::_setFromMemento(const KuuMemento& memento)
     _restoreGeometry(memento, table);
 
     m_name = memento.getField(QStringLiteral("name")).toString();
-    m_table->setCoordSystem(
-        KuuCoordSystem::unserialize(memento.getField(QStringLiteral("coordSystem")).toString()));
+    m_table->setCoordSystem(readCoordSystem(memento));
     m_table->setDataTable(std::move(table));
 }
 

@@ -2,44 +2,13 @@
 #include <util/utils/KuuMementoFields.h>
 
 #include "KudColumnBytes.h"
+#include "KudUnitCodec.h"
 
 #include <basic/data/HbdDataTable.h>
 #include <basic/data/HbdVariableEnum.h>
 #include <basic/error/HbeUserError.h>
-#include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QCoreApplication>
-
-/// Units by class and key; the service knows the rest.
-template <>
-struct KuuMementoCodec<HbuUnit> {
-    static QVariant encode(const HbuUnit& unit)
-    {
-        return unit.isValid() ? unit.getUnitClass().getKey() + QLatin1Char(':') + unit.getKey()
-                              : QString();
-    }
-    static bool decode(const QVariant& variant, HbuUnit& unit)
-    {
-        const QString text = variant.toString();
-        if (text.isEmpty()) {
-            unit = HbuUnit();
-            return true;
-        }
-        const QString unitClass = text.section(QLatin1Char(':'), 0, 0);
-        const QString key = text.section(QLatin1Char(':'), 1);
-        if (unitClass == HbuUnit::none().getUnitClass().getKey()) {
-            unit = HbuUnit::none();
-            return true;
-        }
-        if (!HbuEUnitClass::existsKey(unitClass))
-            return false;
-        const HbuUnit found =
-            HbuUnitService::getInstance().getUnit(HbuEUnitClass::fromKey(unitClass), key);
-        if (found.isValid())
-            unit = found;
-        return found.isValid();
-    }
-};
 
 template <>
 struct KuuMementoCodec<HbbTags> {

@@ -25,7 +25,10 @@ const QLatin1String INVALID("@invalid");
 
 QString realText(double value)
 {
-    QString text = QString::number(value, 'g', QLocale::FloatingPointShortest);
+    if (value == 0.0) {
+        return std::signbit(value) ? QStringLiteral("-0.0") : QStringLiteral("0.0");
+    }
+    const QString text = QString::number(value, 'g', QLocale::FloatingPointShortest);
     const bool whole = std::isfinite(value) && !text.contains(QLatin1Char('.')) &&
                        !text.contains(QLatin1Char('e'));
     return whole ? text + QLatin1String(".0") : text;

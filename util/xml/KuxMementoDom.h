@@ -28,11 +28,16 @@ public:
     }
     void text(const QString& text, const QString& key);
     void ascii(const QByteArray& text) { appendText(QString::fromLatin1(text)); }
-    void close() { m_current = m_current.parentNode(); }
+    void close()
+    {
+        m_current = m_current.parentNode();
+        --m_depth;
+    }
 
 private:
     void openElement(const QString& name)
     {
+        KuxMementoXmlRules::checkDepth(m_depth++);
         m_current = m_current.appendChild(m_document.createElement(name));
     }
     void appendText(const QString& text)
@@ -44,6 +49,7 @@ private:
 
     QDomDocument m_document;
     QDomNode m_current;
+    size_t m_depth = 1; // the element that the caller made
 };
 
 inline void KuxMementoDomSink::text(const QString& text, const QString& key)

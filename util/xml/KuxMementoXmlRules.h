@@ -7,7 +7,6 @@
 #include <util/xml/KuxXmlLimits.h>
 
 #include <QtCore/QLine>
-#include <QtCore/QLocale>
 #include <QtCore/QObject>
 #include <QtCore/QRect>
 #include <QtCore/QVector>
@@ -71,6 +70,14 @@ inline QByteArray toAscii(int value)
 inline QByteArray toAscii(double value)
 {
     return QByteArray::number(value, 'g', REAL_DIGITS);
+}
+
+/// A sink calls this when it opens an element: what is nested deeper could not be read back.
+inline void checkDepth(size_t openElements)
+{
+    if (openElements >= size_t(KuxXmlLimits::DEPTH)) {
+        HBE_PROGRAMMING_ERROR(SOURCE_PATH, QObject::tr("Memento is nested too deep."));
+    }
 }
 
 template <class Sink, class Number>
@@ -164,9 +171,7 @@ void writeValue(Sink& sink, const QVariant& value, const QString& key)
     case QMetaType::Int:
         return sink.ascii(value.isNull() ? QByteArray() : QByteArray::number(value.toInt()));
     case QMetaType::Double:
-        return sink.ascii(value.isNull() ? QByteArray()
-                                         : QByteArray::number(value.toDouble(), 'g',
-                                                              QLocale::FloatingPointShortest));
+        return sink.ascii(value.isNull() ? QByteArray() : KuxXmlText::toShortest(value.toDouble()));
     case QMetaType::QVariantMap:
         return writeMap(sink, *static_cast<const QVariantMap*>(value.constData()));
     case QMetaType::QVariantList: {

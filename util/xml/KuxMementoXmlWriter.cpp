@@ -61,10 +61,7 @@ void KuxMementoXmlWriter::indent()
 
 void KuxMementoXmlWriter::beginElement()
 {
-    if (m_open.size() >= size_t(KuxXmlLimits::DEPTH)) {
-        HBE_PROGRAMMING_ERROR(KuxMementoXmlRules::SOURCE_PATH,
-                              QObject::tr("Memento is nested too deep."));
-    }
+    KuxMementoXmlRules::checkDepth(m_open.size());
     if (!m_open.empty() && !m_open.back().hasElements) {
         m_open.back().hasElements = true;
         append(">\n", 2);

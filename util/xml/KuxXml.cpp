@@ -9,7 +9,6 @@
 #include <util/utils/KuuMementoCodec.h>
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QLocale>
 #include <QtCore/QTextStream>
 #include <QtXml/QDomDocument>
 
@@ -154,7 +153,7 @@ bool KuxXml::decodeBool(const QDomElement& element, const QString& attribute, bo
 
 QString KuxXml::encodeDouble(double value)
 {
-    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+    return QString::fromLatin1(KuxXmlText::toShortest(value));
 }
 
 double KuxXml::decodeDouble(const QString& text, double defaultValue)

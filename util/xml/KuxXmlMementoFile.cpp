@@ -64,9 +64,10 @@ QDomDocument KuxXmlMementoFile::mementoToXml(const KuuMemento& memento)
 {
     checkValid(memento);
     QDomDocument document;
-    KuxMementoDomSink sink(document, document);
-    sink.open(memento.getId().getRelation());
-    writeBody(sink, memento);
+    const QString name = KuxXmlText::encodeName(memento.getId().getRelation());
+    QDomElement root = document.createElement(name);
+    document.appendChild(root);
+    saveMementoIntoDocument(document, root, memento);
     return document;
 }
 

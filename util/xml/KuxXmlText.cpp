@@ -3,6 +3,9 @@
 #include <basic/base/HbbDebug.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QLocale>
+
+#include <cmath>
 
 namespace
 {
@@ -68,6 +71,13 @@ QString KuxXmlText::toXmlText(const QString& text, const QString& key)
         warnReplaced(key);
     }
     return result;
+}
+
+QByteArray KuxXmlText::toShortest(double value)
+{
+    return value == 0.0 && std::signbit(value)
+               ? QByteArray("-0")
+               : QByteArray::number(value, 'g', QLocale::FloatingPointShortest);
 }
 
 bool KuxXmlText::isBlank(const QString& text)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QByteArray>
 #include <QtCore/QString>
 
 /// What texts and names must become to stand in an XML 1.0 file, and back.
@@ -21,6 +22,9 @@ inline bool isForbidden(ushort c)
 QString toXmlText(const QString& text, const QString& key);
 /// Warns that a text was changed.
 void warnReplaced(const QString& key);
+
+/// The shortest text that reads back as exactly `value`; unlike Qt's, it keeps the sign of zero.
+QByteArray toShortest(double value);
 
 /// White space only (Unicode's, as far as XML holds it): a DOM reader drops it unless it stands in
 /// a CDATA section.

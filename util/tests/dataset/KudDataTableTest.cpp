@@ -76,39 +76,70 @@ TEST_F(KudDataTable, GuardsEveryOperationByItsFlag)
         std::function<bool(KudMemoryDataTable&)> run; // whether it was accepted
         std::vector<int> notices;
     } rows[] = {
-        {"updateValue", Ku::ReadOnlyValues, false,
+        {"updateValue",
+         Ku::ReadOnlyValues,
+         false,
          [this](auto& d) { return d.updateValue(x, 1, 9.0); },
          {KudTableModif::ValuesChanged}},
-        {"updateColumn", Ku::ReadOnlyValues, false,
+        {"updateColumn",
+         Ku::ReadOnlyValues,
+         false,
          [this](auto& d) {
              const double numbers[] = {7, 8};
              return d.updateColumn(x, 2, HbdSpan<const double>(numbers, 2));
          },
          {KudTableModif::ValuesChanged}},
-        {"createSample by name", Ku::CanCreateSamples, true,
-         [this](auto& d) { return d.createSample({{x, 5.0}, {t, "e"}}) == 4; },
+        {"createSample by name",
+         Ku::CanCreateSamples,
+         true,
+         [this](auto& d) {
+             return d.createSample({{x, 5.0}, {t, "e"}}) == 4;
+         },
          {KudTableModif::ValuesChanged, KudTableModif::SamplesAdded}},
-        {"createSample by position", Ku::CanCreateSamples, true,
-         [](auto& d) { return d.createSample(QVector<QVariant>{5.0, 50}) == 4; },
+        {"createSample by position",
+         Ku::CanCreateSamples,
+         true,
+         [](auto& d) {
+             return d.createSample(QVector<QVariant>{5.0, 50}) == 4;
+         },
          {KudTableModif::ValuesChanged, KudTableModif::SamplesAdded}},
-        {"createSamples", Ku::CanCreateSamples, true,
-         [](auto& d) { return d.createSamples({{5.0, 50, "e"}, {6.0}}) == 4; },
+        {"createSamples",
+         Ku::CanCreateSamples,
+         true,
+         [](auto& d) {
+             return d.createSamples({{5.0, 50, "e"}, {6.0}}) == 4;
+         },
          {VALUES_AND_SAMPLES}},
-        {"deleteSample", Ku::CanDeleteSamples, true, [](auto& d) { return d.deleteSample(3); },
+        {"deleteSample",
+         Ku::CanDeleteSamples,
+         true,
+         [](auto& d) { return d.deleteSample(3); },
          {KudTableModif::SamplesRemoved}},
-        {"deleteSamples", Ku::CanDeleteSamples, true,
-         [](auto& d) { return d.deleteSamples({Range(0, 0), Range(2, 3)}); },
+        {"deleteSamples",
+         Ku::CanDeleteSamples,
+         true,
+         [](auto& d) {
+             return d.deleteSamples({Range(0, 0), Range(2, 3)});
+         },
          {KudTableModif::SamplesRemoved}},
-        {"deleteAllSamples", Ku::CanDeleteSamples, true,
+        {"deleteAllSamples",
+         Ku::CanDeleteSamples,
+         true,
          [](auto& d) { return d.deleteAllSamples(); },
          {KudTableModif::SamplesRemoved}},
-        {"createVariable", Ku::CanCreateVariables, true,
+        {"createVariable",
+         Ku::CanCreateVariables,
+         true,
          [](auto& d) { return d.createVariable(HbdVariableDetails("new")).isValid(); },
          {KudTableModif::VariableAdded}},
-        {"addVariable", Ku::CanCreateVariables, true,
+        {"addVariable",
+         Ku::CanCreateVariables,
+         true,
          [&](auto& d) { return d.addVariable(wanted.clone()).isValid(); },
          {KudTableModif::VariableAdded}},
-        {"deleteVariable", Ku::CanDeleteVariables, true,
+        {"deleteVariable",
+         Ku::CanDeleteVariables,
+         true,
          [this](auto& d) { return d.deleteVariable(n); },
          {KudTableModif::VariableRemoved}},
     };
@@ -197,8 +228,8 @@ TEST_F(KudDataTable, RenamesWithOneNoticeThatCarriesTheNewDetails)
     details.catalogId = "rocks";
     EXPECT_TRUE(table.setDetails(n, details));
     EXPECT_EQ(recorder.notices.back().reasons(),
-              KudTableModif::Reasons(KudTableModif::DetailsFacet5
-                                     | KudTableModif::VariableCatalogChanged));
+              KudTableModif::Reasons(KudTableModif::DetailsFacet5 |
+                                     KudTableModif::VariableCatalogChanged));
     EXPECT_EQ(table.getDetails(n).precision, 3);
 }
 
@@ -267,8 +298,8 @@ TEST_F(KudDataTable, ModelAndSelectionsFollowRandomEdits)
 {
     QAbstractItemModelTester tester(table.getModel(),
                                     QAbstractItemModelTester::FailureReportingMode::Fatal);
-    const KudDatasetVariable key
-        = table.createVariable(HbdVariableDetails("key", HbdEVarType::INTEGER));
+    const KudDatasetVariable key =
+        table.createVariable(HbdVariableDetails("key", HbdEVarType::INTEGER));
     std::mt19937 random(3);
     std::set<qint64> masked;
     qint64 next = 0;

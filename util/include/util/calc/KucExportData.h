@@ -73,6 +73,8 @@ public:
 protected:
     void _checkSetup() const override;
     int _countInputs(const HgcInputRule& rule) const override;
+    /// Coordinate systems that differ are an error, too.
+    QString _checkInputs() const override;
     void _compute() override;
 
 private:
@@ -80,7 +82,6 @@ private:
 
     bool isGridExport() const { return !m_sorting.isEmpty(); }
     bool isLonLat(const HbdAVariable& variable) const;
-    void refuseReprojection() const;
     void checkSorting(const HgdDataSetGrid& grid) const;
     KucExportColumn createColumn(const HbdAVariable& variable) const;
     QStringList getIndexNames() const;
@@ -88,7 +89,7 @@ private:
     void exportSamples();
     void exportPoints(KucExportBlock& block);
     void exportGrid(KucExportBlock& block);
-    void exportSlab(KucExportBlock& block, const KucGridOrder& order, int first, int end);
+    void exportCells(KucExportBlock& block, const KucGridOrder& order, int first, int end);
 
     std::unique_ptr<HgdADataSet> m_dataset;
     KuuCoordSystem m_inputSystem;

@@ -1,0 +1,386 @@
+#include <util/xml/KuxXmlMementoFile.h>
+
+#include "QtPrinters.h"
+
+#include <basic/base/HbbDebug.h>
+#include <basic/error/HbeProgrammingError.h>
+#include <basic/error/HbeUserError.h>
+#include <util/xml/KuxXml.h>
+
+#include <QtCore/QLine>
+#include <QtCore/QRect>
+#include <QtCore/QTextStream>
+#include <QtGui/QColor>
+#include <QtXml/QDomDocument>
+
+namespace
+{
+using namespace KuxXmlMementoFile;
+
+const QString RELATION = QStringLiteral("Thing");
+
+class KuxXmlMementoFileTest : public testing::Test
+{
+protected:
+    KuxXmlMementoFileTest()
+    {
+        m_former = HbbDebug::setSink(
+            [this](HbbDebug::Level, const QString& message) { m_warnings.append(message); });
+    }
+    ~KuxXmlMementoFileTest() override { HbbDebug::setSink(m_former); }
+
+    QStringList m_warnings;
+    QTemporaryDir m_folder;
+    QDir m_directory{m_folder.path()};
+
+private:
+    HbbDebug::Sink m_former;
+};
+
+KuuMemento mementoWith(const QVariant& value, const QString& key = QStringLiteral("f"))
+{
+    KuuMemento memento(KuuId::generate(RELATION));
+    memento.setField(key, value);
+    return memento;
+}
+
+QByteArray savedByDom(const KuuMemento& memento)
+{
+    QByteArray bytes;
+    QTextStream stream(&bytes);
+    stream.setCodec("UTF-8");
+    mementoToXml(memento).save(stream, 4, QDomNode::EncodingFromTextStream);
+    stream.flush();
+    return bytes;
+}
+
+KuuMemento readByDom(const QByteArray& bytes)
+{
+    QDomDocument document;
+    KuxXml::readXml(bytes, QStringLiteral("bytes"), document);
+    return xmlToMemento(document);
+}
+
+QVariant reread(const QVariant& value)
+{
+    const QByteArray bytes = mementoToBytes(mementoWith(value));
+    return bytesToMemento(bytes, QStringLiteral("bytes")).getField(QStringLiteral("f"));
+}
+
+template <class Error, class Action>
+QString messageOf(Action action)
+{
+    try {
+        action();
+    } catch (const Error& error) {
+        return error.getMessage();
+    }
+    return QStringLiteral("no error");
+}
+
+// Random mementos from everything that has ever been hard to write or to read.
+class Generator
+{
+public:
+    explicit Generator(unsigned seed)
+        : m_random(seed)
+    {
+    }
+
+    KuuMemento memento(int depth)
+    {
+        KuuMemento result(KuuId::generate(key()));
+        result.setVersion(below(300) - 5);
+        result.setFields(map(depth));
+        for (int i = below(depth + 1); i > 0; --i) {
+            result.setAssociation(below(10) == 0 ? KuuMemento() : memento(depth - 1), false);
+        }
+        return result;
+    }
+
+private:
+    int below(int n) { return int(m_random() % unsigned(n)); }
+
+    QString text()
+    {
+        static const char* const PARTS[] = {"abc", "<", ">", "&", "]]>", "]]", "\r", "\n", "\t",
+                                            " ", "\"", "'", "\xC3\xA9", "\xE2\x82\xAC",
+                                            "\xF0\x9F\x98\x80", "\xC2\xA0", "\x01", "\xEF\xBF\xBF",
+                                            "&amp;", "<![CDATA[", "&#13;",
+                                            "a long stretch of plain text, longer than a block"};
+        QString result;
+        for (int i = below(5); i > 0; --i) {
+            result += QString::fromUtf8(PARTS[below(int(std::size(PARTS)))]);
+        }
+        return below(20) == 0 ? result + QChar(0xD801) : result;
+    }
+
+    QString key()
+    {
+        static const char* const KEYS[] = {"name", "x", "Cu total", "1st", "a:b", "_x0020_",
+                                           "_x0041", "\xC3\xA9t\xC3\xA9", "id", "fields", "a<b>",
+                                           "xml", "-", "z\xF0\x9F\x98\x80", "a\x01", "\xE6\x98\x8E"};
+        const QString base = QString::fromUtf8(KEYS[below(int(std::size(KEYS)))]);
+        return below(3) == 0 ? base + QString::fromUtf8(KEYS[below(int(std::size(KEYS)))]) : base;
+    }
+
+    QVariantMap map(int depth)
+    {
+        QVariantMap result;
+        for (int i = below(6); i > 0; --i) {
+            result.insert(key(), value(depth - 1));
+        }
+        return result;
+    }
+
+    QVariant value(int depth)
+    {
+        switch (below(depth > 0 ? 14 : 11)) {
+        case 0:
+            return QVariant();
+        case 1:
+            return below(1000) / 7.0;
+        case 2:
+            return below(2) == 0;
+        case 3:
+            return QStringList{text(), text()};
+        case 4:
+            return QRectF(below(100) / 3.0, -1e20, 0, 1e-20);
+        case 5:
+            return QColor::fromHsv(below(360), below(256), below(256), below(256));
+        case 6:
+            return QLine(below(9), -below(9), 3, 4);
+        case 7:
+            return QPoint();
+        case 8:
+            return QSizeF(0.1, 2);
+        case 11:
+            return map(depth);
+        case 12:
+            return QVariantList{value(depth - 1), QVariant(), value(depth - 1)};
+        default:
+            return text();
+        }
+    }
+
+    std::mt19937 m_random;
+};
+
+TEST_F(KuxXmlMementoFileTest, StreamAndDomAgreeOnRandomMementos)
+{
+    for (unsigned seed = 0; seed < 3000; ++seed) {
+        SCOPED_TRACE(seed);
+        const KuuMemento memento = Generator(seed).memento(3);
+        const QByteArray bytes = mementoToBytes(memento);
+        ASSERT_EQ(bytes, savedByDom(memento));
+        const KuuMemento back = bytesToMemento(bytes, QStringLiteral("bytes"));
+        ASSERT_TRUE(back == readByDom(bytes)) << bytes.toStdString();
+        // What came back is what is written again: nothing drifts.
+        ASSERT_EQ(mementoToBytes(back), bytes);
+        ASSERT_EQ(back.getId(), memento.getId());
+        ASSERT_EQ(back.getFields().keys(), memento.getFields().keys());
+    }
+}
+
+TEST_F(KuxXmlMementoFileTest, TheFormIsTheDocumentedOne)
+{
+    KuuMemento memento(KuuId(RELATION, QStringLiteral("6f0f9b52-9a5b-4a1e-9c3f-0a4f6b1c2d3e")));
+    memento.setVersion(102);
+    memento.setField(QStringLiteral("a"), 5);
+    memento.setField(QStringLiteral("b"), QVariantList{true, QVariant(), "x<y"});
+    memento.setField(QStringLiteral("c d"), QPointF(0.123456789, 2));
+    memento.setField(QString(), QStringLiteral("not written"));
+    memento.setAssociation(KuuMemento(KuuId(QStringLiteral("Part"), QStringLiteral("none"))), true);
+    memento.setAssociation(KuuMemento(KuuId(QStringLiteral("Part"), memento.getId().getUuid())),
+                           false);
+    EXPECT_EQ(mementoToBytes(memento), QByteArray(R"(<?xml version="1.0" encoding="UTF-8"?>
+<Thing>
+    <id>6f0f9b52-9a5b-4a1e-9c3f-0a4f6b1c2d3e</id>
+    <version>102</version>
+    <fields type="QMap">
+        <a>5</a>
+        <b type="QVariantList">
+            <QVariant>true</QVariant>
+            <QVariant/>
+            <QVariant>x&lt;y</QVariant>
+        </b>
+        <c_x0020_d type="QPointF">
+            <x>0.123457</x>
+            <y>2</y>
+        </c_x0020_d>
+    </fields>
+    <Part>
+        <id>6f0f9b52-9a5b-4a1e-9c3f-0a4f6b1c2d3e</id>
+        <version>100</version>
+        <fields type="QMap"/>
+    </Part>
+</Thing>
+)"));
+}
+
+TEST_F(KuxXmlMementoFileTest, ValuesComeBackByTheirRules)
+{
+    const std::pair<QVariant, QVariant> rows[] = {
+        {5, "5"},
+        {0.1 + 0.2, "0.30000000000000004"},
+        {-0.0, "-0"},
+        {false, "false"},
+        {QByteArray("bytes"), "bytes"},
+        {QVariant(), ""},
+        {QVariantList{QVariant(), 1}, QVariantList{"", "1"}},
+        {QStringList{"", "a"}, QStringList{"", "a"}},
+        {QStringList(), QStringList()},
+        {QVariantMap{{"k y", 1}, {"m", QVariantMap()}}, QVariantMap{{"k y", "1"}, {"m", QVariantMap()}}},
+        {QRectF(0.123456789, 0, 1, 1), QRectF(0.123457, 0, 1, 1)},
+        {QRect(), QRect()},
+        {QPoint(), QPoint()},
+        {QSize(3, 4), QSize(3, 4)},
+        {QLineF(1, 2, 3, 4.5), QLineF(1, 2, 3, 4.5)},
+        {QColor(1, 2, 3, 4), QColor(1, 2, 3, 4)},
+        {" ", " "},
+        {"\r", "\r"},
+        {" \r\n ", " \r\n "},
+        {"a\r\nb\rc\n", "a\r\nb\rc\n"},
+        {QString(QChar(0xA0)), QString(QChar(0xA0))},
+        {"]]>", "]]>"},
+        {QString::fromUtf8("\xF0\x9F\x98\x80"), QString::fromUtf8("\xF0\x9F\x98\x80")}};
+    for (const auto& [value, expected] : rows) {
+        const QVariant back = reread(value);
+        EXPECT_EQ(back, expected) << value.toString().toStdString();
+        EXPECT_EQ(back.userType(), expected.userType()) << value.toString().toStdString();
+    }
+    EXPECT_TRUE(m_warnings.isEmpty());
+}
+
+TEST_F(KuxXmlMementoFileTest, WhatXmlCannotHoldIsReplacedAndTheKeyNamed)
+{
+    const QString text = QStringLiteral("a\x01") + QChar(0xDC00) + QChar(0xFFFE) + QLatin1Char('b');
+    const QString replaced = QStringLiteral("a\uFFFD\uFFFD\uFFFDb");
+    const KuuMemento memento = mementoWith(text, QStringLiteral("the key"));
+    const KuuMemento back = bytesToMemento(mementoToBytes(memento), QString());
+    EXPECT_EQ(back.getField(QStringLiteral("the key")), replaced);
+    ASSERT_EQ(m_warnings.size(), 1);
+    EXPECT_TRUE(m_warnings.at(0).contains(QStringLiteral("'the key'")));
+}
+
+TEST_F(KuxXmlMementoFileTest, ForeignFormsAreReadByTheSameRules)
+{
+    const std::pair<const char*, QVariant> rows[] = {
+        {"<f type='QColor'><red>1</red><red>9</red></f>", QColor(1, 0, 0, 0)},
+        {"<f type='QByteArray'>\xC3\xA9</f>", QByteArray("\xC3\xA9")},
+        {"<f type='QMap'><a>1</a><a>2</a></f>", QVariantMap{{"a", "2"}}},
+        {"<f type='Unknown'><a>1</a></f>", QVariant()},
+        {"<f type='QPoint'><y>7</y></f>", QPoint(0, 7)},
+        {"<f>a<!-- note -->b<![CDATA[<c>]]></f>", "ab<c>"},
+        {"<f other='1'>x</f>", "x"},
+        {"<f>&#x1F600;&#65;</f>", QString::fromUtf8("\xF0\x9F\x98\x80" "A")},
+        {"<f>&#32;</f>", " "},
+        {"<f>a\r\nb</f>", "a\nb"},
+        {"<f type='QVariantList'><!-- none --><QVariant>1</QVariant></f>", QVariantList{"1"}}};
+    for (const auto& [element, expected] : rows) {
+        for (const bool plain : {false, true}) {
+            QByteArray bytes = QByteArray("<Thing><fields type=\"QMap\">") + element +
+                               "</fields></Thing>";
+            if (plain) {
+                bytes.replace('\'', '"');
+            }
+            const QVariant value =
+                bytesToMemento(bytes, QString()).getField(QStringLiteral("f"));
+            EXPECT_EQ(value, expected) << element;
+            EXPECT_EQ(value.userType(), expected.userType()) << element;
+            EXPECT_TRUE(bytesToMemento(bytes, QString()) == readByDom(bytes)) << element;
+        }
+    }
+    EXPECT_EQ(bytesToMemento("<T><version>x</version></T>", QString()).getVersion(), 100);
+}
+
+TEST_F(KuxXmlMementoFileTest, DamagedFilesFailAlikeOnBothRoads)
+{
+    const QByteArray good = mementoToBytes(Generator(7).memento(3));
+    std::mt19937 random(1);
+    for (int round = 0; round < 3000; ++round) {
+        QByteArray bytes = good;
+        const int at = int(random() % unsigned(bytes.size()));
+        if (round % 3 == 0) {
+            bytes.truncate(at);
+        } else {
+            bytes[at] = round % 3 == 1 ? char(random()) : "<>&/\"]"[random() % 6];
+        }
+        KuuMemento streamed;
+        KuuMemento fromDom;
+        const QString streamError = messageOf<HbeProgrammingError>(
+            [&] { streamed = bytesToMemento(bytes, QStringLiteral("bytes")); });
+        const QString domError =
+            messageOf<HbeProgrammingError>([&] { fromDom = readByDom(bytes); });
+        // The one differs from the other in the name of the function only.
+        const auto tail = [](const QString& text) { return text.mid(text.indexOf(QLatin1String(":\n\n"))); };
+        ASSERT_EQ(tail(streamError), tail(domError)) << bytes.toStdString();
+        ASSERT_TRUE(streamed == fromDom) << bytes.toStdString();
+    }
+}
+
+TEST_F(KuxXmlMementoFileTest, RefusalsNameTheirReason)
+{
+    EXPECT_TRUE(messageOf<HbeProgrammingError>([&] { save(m_directory, KuuMemento()); })
+                    .endsWith(QStringLiteral("Memento is not valid.")));
+    const KuuMemento hash = mementoWith(QVariantHash());
+    const QString unsupported =
+        QStringLiteral("Unsupported value type 'QVariantHash' to insert in memento XML file.");
+    EXPECT_TRUE(messageOf<HbeProgrammingError>([&] { save(m_directory, hash); })
+                    .endsWith(unsupported));
+    EXPECT_TRUE(messageOf<HbeProgrammingError>([&] { mementoToXml(hash); }).endsWith(unsupported));
+    EXPECT_TRUE(m_directory.entryList(QDir::Files).isEmpty());
+
+    const KuuId id = KuuId::generate(RELATION);
+    const QString path = m_directory.filePath(getFileName(id));
+    EXPECT_EQ(messageOf<HbeUserError>([&] { read(m_directory, id); }),
+              QStringLiteral("Cannot find XML file '%1'.").arg(path));
+    save(path, KuuMemento(KuuId(QStringLiteral("thinG"), id.getUuid())));
+    EXPECT_EQ(messageOf<HbeUserError>([&] { read(m_directory, id); }),
+              QStringLiteral("XML file '%1' is not valid.\nIts memento relation is 'thinG'.")
+                  .arg(path));
+    EXPECT_EQ(messageOf<HbeError>([&] { save(QStringLiteral("/nowhere/a.xml"), mementoWith(1)); }),
+              QStringLiteral("Cannot create or open for writing the XML file '/nowhere/a.xml'."));
+
+    QVariant deep = 1;
+    for (int i = 0; i < 1100; ++i) {
+        deep = QVariantList{deep};
+    }
+    EXPECT_THROW(mementoToBytes(mementoWith(deep)), HbeProgrammingError);
+}
+
+TEST_F(KuxXmlMementoFileTest, FilesAreFoundByRelationAndId)
+{
+    const KuuMemento first = mementoWith(1);
+    const KuuMemento second(KuuId::generate(RELATION), first);
+    const KuuMemento other(KuuId::generate(QStringLiteral("Thing_part")), first);
+    save(m_directory, QList<KuuMemento>{first, other});
+    save(m_directory, second);
+    QFile(m_directory.filePath(QStringLiteral("thing_1234.xml"))).open(QIODevice::WriteOnly);
+    QFile(m_directory.filePath(QStringLiteral("thing") + first.getId().getUuid() + ".xml"))
+        .open(QIODevice::WriteOnly);
+
+    EXPECT_TRUE(QFile::exists(m_directory.filePath(
+        QStringLiteral("thing_%1.xml").arg(first.getId().getUuid()))));
+    QList<KuuId> ids = getIdList(m_directory, RELATION);
+    EXPECT_THAT(ids, testing::UnorderedElementsAre(first.getId(), second.getId()));
+    EXPECT_EQ(read(m_directory, other.getId()).getField(QStringLiteral("f")), "1");
+
+    EXPECT_TRUE(exists(m_directory, first.getId()));
+    destroy(m_directory, first.getId());
+    EXPECT_FALSE(exists(m_directory, first.getId()));
+    EXPECT_EQ(getIdList(m_directory, RELATION).size(), 1);
+}
+
+TEST_F(KuxXmlMementoFileTest, ABatchWithAFaultLeavesEveryFileAsItWas)
+{
+    const KuuMemento good = mementoWith(1);
+    save(m_directory, good);
+    KuuMemento changed = good;
+    changed.setField(QStringLiteral("f"), 2);
+    EXPECT_THROW(save(m_directory, QList<KuuMemento>{changed, mementoWith(QVariantHash())}),
+                 HbeProgrammingError);
+    EXPECT_EQ(read(m_directory, good.getId()).getField(QStringLiteral("f")), "1");
+    EXPECT_EQ(m_directory.entryList(QDir::Files | QDir::Hidden).size(), 1);
+}
+} // namespace
