@@ -75,7 +75,7 @@ function(kelvane_add_tests name)
         endif()
         add_test(NAME ${test} COMMAND ${test})
         set_tests_properties(${test} PROPERTIES LABELS ${label} TIMEOUT 600
-            ENVIRONMENT "${KELVANE_TEST_ENVIRONMENT};KELVANE_TOOL=$<TARGET_FILE:kelvane>;KELVANE_TEST_DATA=${CMAKE_SOURCE_DIR}/../shared/data")
+            ENVIRONMENT "${KELVANE_TEST_ENVIRONMENT};KELVANE_TOOL=$<TARGET_FILE:kelvane>;KELVANE_TEST_DATA=${CMAKE_SOURCE_DIR}/../shared/data;KELVANE_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
     endforeach()
 endfunction()
 

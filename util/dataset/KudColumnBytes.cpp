@@ -20,7 +20,7 @@ static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "columns are copied to disk as th
 
 namespace
 {
-constexpr int COMPRESSION_LEVEL = 1; // measured: a quarter faster than 3, and as small
+constexpr int COMPRESSION_LEVEL = ZSTD_CLEVEL_DEFAULT; // 1 is faster, but a seventh larger
 
 QString tr(const char* text)
 {

@@ -95,7 +95,7 @@ KudTableModif::KudTableModif(const KudDatasetVariableList& variables,
     m_reasons = ValuesChanged;
     m_changes.reserve(variables.count());
     for (const KudDatasetVariable& variable : variables) {
-        m_changes.append(KudVariableChange{variable, ValuesChanged, ranks});
+        _append(variable, ValuesChanged, ranks);
     }
 }
 
@@ -103,7 +103,11 @@ void KudTableModif::addChangedValues(const KudDatasetVariable& variable,
                                      const HbiIntervalIntSmallDisjoint& ranks)
 {
     m_reasons |= ValuesChanged;
-    _record(variable, ValuesChanged, ranks);
+    if (m_isAscending && _isBehindAll(variable)) {
+        m_changes.append(KudVariableChange{variable, ValuesChanged, ranks});
+    } else {
+        _record(variable, ValuesChanged, ranks);
+    }
 }
 
 void KudTableModif::merge(const KudTableModif& other)
@@ -114,6 +118,7 @@ void KudTableModif::merge(const KudTableModif& other)
     if (m_changes.isEmpty()) {
         m_changes = other.m_changes;
         m_positions = other.m_positions;
+        m_isAscending = other.m_isAscending;
     } else {
         for (const KudVariableChange& change : other.m_changes) {
             _record(change.variable, static_cast<Reason>(change.reason), change.ranks);
@@ -236,10 +241,22 @@ void KudTableModif::_record(const KudDatasetVariable& variable, Reason reason,
 {
     const int position = _find(variable, reason);
     if (position < 0) {
-        m_changes.append(KudVariableChange{variable, reason, ranks});
+        _append(variable, reason, ranks);
     } else if (reason == ValuesChanged) {
         uniteRanks(m_changes[position].ranks, ranks);
     }
+}
+
+void KudTableModif::_append(const KudDatasetVariable& variable, Reason reason,
+                            const HbiIntervalIntSmallDisjoint& ranks)
+{
+    m_isAscending = m_isAscending && _isBehindAll(variable);
+    m_changes.append(KudVariableChange{variable, reason, ranks});
+}
+
+bool KudTableModif::_isBehindAll(const KudDatasetVariable& variable) const
+{
+    return m_changes.isEmpty() || m_changes[m_changes.size() - 1].variable < variable;
 }
 
 int KudTableModif::_find(const KudDatasetVariable& variable, Reason reason) const
@@ -250,6 +267,15 @@ int KudTableModif::_find(const KudDatasetVariable& variable, Reason reason) cons
     if (m_changes.size() <= MAX_WALKED) {
         const auto found = std::find_if(m_changes.begin(), m_changes.end(), isMeant);
         return found == m_changes.end() ? -1 : static_cast<int>(found - m_changes.begin());
+    }
+    if (m_isAscending) {
+        const auto isBefore = [](const KudVariableChange& change, const KudDatasetVariable& v) {
+            return change.variable < v;
+        };
+        const auto found = std::lower_bound(m_changes.begin(), m_changes.end(), variable, isBefore);
+        return found != m_changes.end() && isMeant(*found)
+                   ? static_cast<int>(found - m_changes.begin())
+                   : -1;
     }
     // The index follows the changes when it is needed, not when they come: a notice of a whole
     // wide row is built and read without one.

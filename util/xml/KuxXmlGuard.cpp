@@ -126,12 +126,10 @@ QString KuxXmlGuard::getText()
 
 void KuxXmlGuard::raise(const QString& name, qint64 line, qint64 column, const QString& fault)
 {
-    HBE_PROGRAMMING_ERROR(
-        "xml/KuxXml", QObject::tr("Error while parsing XML file '%1' at line %2/column %3: '%4'.")
-                          .arg(name)
-                          .arg(line)
-                          .arg(column)
-                          .arg(fault));
+    HbeProgrammingError::raise(
+        "void KuxXml::readXml(const QString&, QDomDocument&)", "xml/KuxXml",
+        QObject::tr("Error while parsing XML file '%1' at line %2/column %3: '%4'.")
+            .arg(name, QString::number(line), QString::number(column), fault));
 }
 
 void KuxXmlGuard::fail(const char* where, const QString& fault) const

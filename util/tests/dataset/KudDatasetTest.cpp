@@ -18,6 +18,7 @@
 #include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QProcess>
+#include <QtCore/QProcessEnvironment>
 #include <QtCore/QStandardPaths>
 
 #include <limits>
@@ -326,4 +327,57 @@ TEST(KudEDatasetType, KnowsItsItems)
     EXPECT_EQ(KudEDatasetType::GRID.getLabel(), "Project grid");
     EXPECT_EQ(KudEDatasetType::count(), 12);
     EXPECT_EQ(KudEDatasetType(), KudEDatasetType::NONE);
+}
+
+/// The documented form, read by a program that knows nothing of ours: the one in the documentation.
+TEST(KudADataset, IsReadByTheDocumentedPythonProgram)
+{
+    const QString python = QStandardPaths::findExecutable("python3");
+    QFile document(qEnvironmentVariable("KELVANE_SOURCE_DIR") + "/docs/formats/dataset-memento.md");
+    if (python.isEmpty() || QStandardPaths::findExecutable("zstd").isEmpty() ||
+        !document.open(QFile::ReadOnly))
+        GTEST_SKIP() << "needs python3, zstd and the source tree";
+    const QString text = QString::fromUtf8(document.readAll());
+    const QString program = text.section("```python\n", 1).section("```", 0, 0);
+
+    KudMemoryDatasetPoint dataset("Campaign");
+    KudMemoryDataTable& table = *dataset.getPointTable();
+    const struct {
+        HbdEVarType type;
+        QVariant value;
+        const char* printed;
+    } columns[] = {
+        {HbdEVarType::REAL, 0.1, "0.1"},
+        {HbdEVarType::REAL, QVariant(), "1e+300"},
+        {HbdEVarType::REAL_32, 0.5, "0.5"},
+        {HbdEVarType::INTEGER, qint64(-9007199254740993), "-9007199254740993"},
+        {HbdEVarType::TEXT, QString::fromUtf8("grès, 地質"), "grès, 地質"},
+        {HbdEVarType::TEXT, QVariant(), "None"},
+        {HbdEVarType::CATEGORY, 12, "12"},
+        {HbdEVarType::DATE, "1970-01-01T00:00:01", "1000"},
+        {HbdEVarType::SELECTION, 1, "1"},
+    };
+    QStringList expected;
+    QVector<QVariant> row;
+    for (const auto& column : columns) {
+        const QString name = QString("v%1").arg(row.size());
+        table.createVariable(HbdVariableDetails(name, column.type));
+        row.append(column.value);
+        expected << name + '\t' + QString::fromUtf8(column.printed);
+    }
+    table.createSamples({row, row});
+
+    QTemporaryDir directory;
+    const QString path = directory.filePath("dataset.xml");
+    KuxXmlMementoFile::save(path, dataset.getMemento());
+    QProcess process;
+    process.setProcessEnvironment([] {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("PYTHONIOENCODING", "utf-8");
+        return environment;
+    }());
+    process.start(python, {"-c", program, path});
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.readAllStandardError(), "");
+    EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()).trimmed().split('\n'), expected);
 }

@@ -1,4 +1,3 @@
-#include <util/observable/KuoAGuarded.h>
 #include <util/observable/KuoLockObserver.h>
 
 #include <basic/base/HbbDebug.h>
@@ -91,8 +90,8 @@ protected:
             source->addObserver(listener);
         }
     }
-    std::unique_ptr<Source> source = std::make_unique<Source>();
     Listener a, b, c;
+    std::unique_ptr<Source> source = std::make_unique<Source>(); // dies first
 };
 
 TEST_F(KuoAObservableTest, DeliversOnceToEachAndNamesTheSender)
@@ -191,9 +190,9 @@ TEST_F(KuoAObservableTest, CopiesHaveNoObserversLocksOrPendingNotice)
 {
     source->lock(true);
     source->lockObservable(true);
+    Listener own;
     Source copy(*source);
     EXPECT_FALSE(copy.isLocked());
-    Listener own;
     copy.addObserver(&own);
     copy = *source;
     copy.send(1);
@@ -274,9 +273,8 @@ TEST_F(KuoAObservableTest, RunawayRecursionWarnsAndDrops)
     HbbDebug::setSink(old);
     EXPECT_EQ(a.heard.size(), 101u);
     ASSERT_EQ(warnings.size(), 1u);
-    EXPECT_EQ(warnings[0],
-              QStringLiteral("KuoAObservable: suspicious recursion detected.\n"
-                             "Maybe some KuoLock/KuoLockObserver can help you?!?"));
+    EXPECT_EQ(warnings[0], QStringLiteral("KuoAObservable: suspicious recursion detected.\n"
+                                          "Maybe some KuoLock/KuoLockObserver can help you?!?"));
     EXPECT_FALSE(source->hasNotifications());
     a.onUpdate = nullptr;
     source->send(1);
@@ -347,31 +345,5 @@ TEST_F(KuoAObservableTest, LockGuardHoldsForItsLifetime)
     const KuoLockObserver<Notice> outlives(&a, source.get());
     const KuoLockObserver<Notice> nowhere(&a, static_cast<Source*>(nullptr));
     source.reset();
-}
-
-TEST(KuoAGuarded, DestroysItsGuardsLastFirst)
-{
-    struct Guard : KuoIGuard {
-        Guard(int number, std::vector<int>& log)
-            : m_number(number)
-            , m_log(log)
-        {
-        }
-        ~Guard() override { m_log.push_back(m_number); }
-        int m_number;
-        std::vector<int>& m_log;
-    };
-    struct Guarded : KuoAGuarded {
-    };
-    std::vector<int> log;
-    {
-        Guarded guarded;
-        KuoIGuard* first = std::make_unique<Guard>(1, log).release();
-        guarded.addGuard(first);
-        guarded.addGuard(first);
-        guarded.addGuard(nullptr);
-        guarded.addGuard(std::make_unique<Guard>(2, log).release());
-    }
-    EXPECT_EQ(log, std::vector<int>({2, 1}));
 }
 } // namespace

@@ -20,19 +20,29 @@ namespace
 {
 TEST(KusSerializerTest, CommonValuesReadPlainly)
 {
-    const std::pair<QVariant, const char*> rows[] = {
-        {"Zinc", "Zinc"},          {"", ""},
-        {"two words ", "two words "}, {"007", "007"},
-        {"1e5", "1e5"},            {"12", "@text:12"},
-        {"5.0", "@text:5.0"},      {"true", "@text:true"},
-        {"@x", "@text:@x"},        {" \n", "@text: \n"},
-        {true, "true"},            {false, "false"},
-        {12, "12"},                {-2147483647, "-2147483647"},
-        {5.0, "5.0"},              {0.1, "0.1"},
-        {1e300, "1e+300"},         {-0.0, "-0.0"},
-        {12u, "@uint:12"},         {12LL, "@int64:12"},
-        {12ULL, "@uint64:12"},     {0.1f, "@float:0.10000000149011612"},
-        {QVariant(), "@invalid"}};
+    const std::pair<QVariant, const char*> rows[] = {{"Zinc", "Zinc"},
+                                                     {"", ""},
+                                                     {"two words ", "two words "},
+                                                     {"007", "007"},
+                                                     {"1e5", "1e5"},
+                                                     {"12", "@text:12"},
+                                                     {"5.0", "@text:5.0"},
+                                                     {"true", "@text:true"},
+                                                     {"@x", "@text:@x"},
+                                                     {" \n", "@text: \n"},
+                                                     {true, "true"},
+                                                     {false, "false"},
+                                                     {12, "12"},
+                                                     {-2147483647, "-2147483647"},
+                                                     {5.0, "5.0"},
+                                                     {0.1, "0.1"},
+                                                     {1e300, "1e+300"},
+                                                     {-0.0, "-0.0"},
+                                                     {12u, "@uint:12"},
+                                                     {12LL, "@int64:12"},
+                                                     {12ULL, "@uint64:12"},
+                                                     {0.1f, "@float:0.10000000149011612"},
+                                                     {QVariant(), "@invalid"}};
     for (const auto& [value, text] : rows) {
         EXPECT_EQ(KusSerializer::serialize(value), QString::fromUtf8(text));
         const QVariant back = KusSerializer::unserialize(QString::fromUtf8(text));

@@ -223,13 +223,23 @@ TEST_F(KuuMementoTest, EveryFieldRestoresFromItsTextAsFromItsValue)
 
 TEST_F(KuuMementoTest, AFieldThatDoesNotDecodeKeepsItsValueAndWarns)
 {
-    const std::pair<const char*, QVariant> refused[] = {
-        {"visible", "abc"},       {"visible", "1"},           {"size", "3.7"},
-        {"size", 3.7},            {"size", "2147483648"},     {"size", ""},
-        {"size", "0x10"},         {"size", 2147483648LL},     {"count", "9223372036854775808"},
-        {"ratio", "abc"},         {"ratio", "1,5"},           {"ratio", QVariant()},
-        {"shape", "HEXAGON"},     {"tags", "a"},              {"color", "no colour"},
-        {"name", QVariantList()}, {"bounds", QVariantList{"1", "x"}}};
+    const std::pair<const char*, QVariant> refused[] = {{"visible", "abc"},
+                                                        {"visible", "1"},
+                                                        {"size", "3.7"},
+                                                        {"size", 3.7},
+                                                        {"size", "2147483648"},
+                                                        {"size", ""},
+                                                        {"size", "0x10"},
+                                                        {"size", 2147483648LL},
+                                                        {"count", "9223372036854775808"},
+                                                        {"ratio", "abc"},
+                                                        {"ratio", "1,5"},
+                                                        {"ratio", QVariant()},
+                                                        {"shape", "HEXAGON"},
+                                                        {"tags", "a"},
+                                                        {"color", "no colour"},
+                                                        {"name", QVariantList()},
+                                                        {"bounds", QVariantList{"1", "x"}}};
     for (const auto& [key, value] : refused) {
         SCOPED_TRACE(key);
         Marker marker;

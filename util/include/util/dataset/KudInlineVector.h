@@ -45,22 +45,36 @@ public:
             m_many.reserve(count);
         }
     }
-    void append(T value) { insert(size(), std::move(value)); }
-    void insert(int i, T value)
+    void append(T value)
     {
-        if (!m_one && m_many.capacity() == 0) {
+        if (_isRoomInPlace()) {
             m_one.emplace(std::move(value));
             return;
         }
-        if (m_one) {
-            m_many.append(std::move(*m_one));
-            m_one.reset();
+        _leavePlace();
+        m_many.append(std::move(value));
+    }
+    void insert(int i, T value)
+    {
+        if (_isRoomInPlace()) {
+            m_one.emplace(std::move(value));
+            return;
         }
+        _leavePlace();
         m_many.insert(i, std::move(value));
     }
     void clear() { *this = KudInlineVector(); }
 
 private:
+    bool _isRoomInPlace() const { return !m_one && m_many.capacity() == 0; }
+    void _leavePlace()
+    {
+        if (m_one) {
+            m_many.append(std::move(*m_one));
+            m_one.reset();
+        }
+    }
+
     std::optional<T> m_one;
     QVector<T> m_many; // empty while m_one holds the element
 };

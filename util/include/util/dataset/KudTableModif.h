@@ -65,7 +65,8 @@ public:
     KudTableModif(const KudDatasetVariableList& variables,
                   const HbiIntervalIntSmallDisjoint& ranks);
 
-    /// Adds ValuesChanged of one more variable, or of more ranks of a variable.
+    /// Adds ValuesChanged of one more variable, or of more ranks of a variable. Cheapest when the
+    /// variables come in their order, as from a map.
     void addChangedValues(const KudDatasetVariable& variable,
                           const HbiIntervalIntSmallDisjoint& ranks);
     /// Spares growth when `count` variables are going to be added to an empty notice.
@@ -103,6 +104,9 @@ public:
 private:
     void _record(const KudDatasetVariable& variable, Reason reason,
                  const HbiIntervalIntSmallDisjoint& ranks);
+    void _append(const KudDatasetVariable& variable, Reason reason,
+                 const HbiIntervalIntSmallDisjoint& ranks);
+    bool _isBehindAll(const KudDatasetVariable& variable) const;
     int _find(const KudDatasetVariable& variable, Reason reason) const;
     void _mergeIf(KudDatasetVariableList& list, Reasons requested, Reason reason) const;
     KudTableModifDetails& _editDetails();
@@ -113,5 +117,6 @@ private:
     mutable QMultiHash<uint, int> m_positions;       // of m_changes by variable, see _find
     std::shared_ptr<KudTableModifDetails> m_details; // null while there are none; shared by copies
     Reasons m_reasons;
+    bool m_isAscending = true; // the variables of m_changes, each behind the one before
 };
 Q_DECLARE_OPERATORS_FOR_FLAGS(KudTableModif::Reasons)
