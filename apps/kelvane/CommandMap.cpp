@@ -28,7 +28,7 @@ constexpr double PI = 3.14159265358979323846;
 
 bool isDrawable(const HbdVariableDetails& details)
 {
-    return HbdVarTypeFlags::NUMERIC_ENUM.testFlag(details.type);
+    return HbdVarTypeFlags::NUMERIC_ENUM.contains(details.type);
 }
 
 /// The variable that is asked for, else the first one that says more than where a sample lies.

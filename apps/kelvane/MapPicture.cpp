@@ -15,10 +15,10 @@
 
 namespace
 {
-constexpr int WIDTH = 1400;
-constexpr int HEIGHT = 1050;
-constexpr QRectF PLOT(115, 115, 1020, 840);
-constexpr double LEGEND_X = 1190;
+constexpr QRectF PLOT(125, 115, 1020, 840); // the room for the frame
+constexpr int LEGEND_WIDTH = 250;
+constexpr int AXIS_HEIGHT = 80;
+constexpr int LEAST_HEIGHT = 760; // so that the legend has room
 constexpr double BAR_WIDTH = 26;
 constexpr double BAR_HEIGHT = 420;
 constexpr double ROW_HEIGHT = 28;
@@ -105,7 +105,8 @@ void MapPicture::chooseView()
     const double scale =
         std::min(PLOT.width() / m_view.width(), PLOT.height() / (m_view.height() * yScale));
     const QSizeF size(m_view.width() * scale, m_view.height() * yScale * scale);
-    m_frame = QRectF(QPointF(PLOT.left() + (PLOT.width() - size.width()) / 2, PLOT.top()), size);
+    m_frame = QRectF(PLOT.topLeft(), size);
+    m_legendX = m_frame.right() + 45;
 }
 
 double MapPicture::toPixelX(double x) const
@@ -209,7 +210,7 @@ void MapPicture::drawTitle(QPainter& painter) const
 
 void MapPicture::drawRamp(QPainter& painter) const
 {
-    const QRectF bar(LEGEND_X, PLOT.top() + 44, BAR_WIDTH, BAR_HEIGHT);
+    const QRectF bar(m_legendX, PLOT.top() + 44, BAR_WIDTH, BAR_HEIGHT);
     for (int row = 0; row < static_cast<int>(BAR_HEIGHT); ++row) {
         const double share = 1.0 - row / (BAR_HEIGHT - 1);
         painter.fillRect(QRectF(bar.left(), bar.top() + row, BAR_WIDTH, 1.5),
@@ -254,14 +255,14 @@ void MapPicture::drawCategories(QPainter& painter) const
         const double y = PLOT.top() + 48 + i * ROW_HEIGHT;
         painter.setPen(QPen(categories.at(i).color.darker(135), 0.7));
         painter.setBrush(categories.at(i).color);
-        painter.drawEllipse(QPointF(LEGEND_X + 8, y), 7, 7);
+        painter.drawEllipse(QPointF(m_legendX + 8, y), 7, 7);
         painter.setPen(INK);
         drawText(
-            painter, QRectF(LEGEND_X + 26, y - 10, 170, 20), Qt::AlignLeft | Qt::AlignVCenter,
+            painter, QRectF(m_legendX + 26, y - 10, 170, 20), Qt::AlignLeft | Qt::AlignVCenter,
             QFontMetricsF(painter.font()).elidedText(categories.at(i).label, Qt::ElideRight, 170));
     }
     if (shown < categories.size())
-        drawText(painter, QRectF(LEGEND_X, PLOT.top() + 40 + shown * ROW_HEIGHT, 190, 20),
+        drawText(painter, QRectF(m_legendX, PLOT.top() + 40 + shown * ROW_HEIGHT, 190, 20),
                  Qt::AlignLeft, Tool::tr("and %1 more").arg(categories.size() - shown));
 }
 
@@ -269,10 +270,10 @@ void MapPicture::drawUndefinedKey(QPainter& painter, double y) const
 {
     painter.setPen(QPen(UNDEFINED, 1.2));
     painter.setBrush(Qt::NoBrush);
-    painter.drawEllipse(QPointF(LEGEND_X + 8, y), 7, 7);
+    painter.drawEllipse(QPointF(m_legendX + 8, y), 7, 7);
     painter.setPen(INK);
     painter.setFont(fontOf(15));
-    drawText(painter, QRectF(LEGEND_X + 26, y - 10, 170, 20), Qt::AlignLeft | Qt::AlignVCenter,
+    drawText(painter, QRectF(m_legendX + 26, y - 10, 170, 20), Qt::AlignLeft | Qt::AlignVCenter,
              Tool::tr("undefined (%1)").arg(m_undefined));
 }
 
@@ -281,7 +282,9 @@ QImage MapPicture::draw()
     chooseRamp();
     chooseView();
 
-    QImage image(WIDTH, HEIGHT, QImage::Format_RGB32);
+    QImage image(static_cast<int>(m_legendX) + LEGEND_WIDTH,
+                 std::max(static_cast<int>(m_frame.bottom()) + AXIS_HEIGHT, LEAST_HEIGHT),
+                 QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -292,7 +295,7 @@ QImage MapPicture::draw()
 
     painter.setPen(INK);
     painter.setFont(fontOf(17, true));
-    drawText(painter, QRectF(LEGEND_X, PLOT.top() - 8, 200, 24), Qt::AlignLeft, legendTitle);
+    drawText(painter, QRectF(m_legendX, PLOT.top() - 8, 200, 24), Qt::AlignLeft, legendTitle);
     const int rows = std::min(categories.size(), MAX_LEGEND_ROWS + 1);
     if (categories.isEmpty())
         drawRamp(painter);

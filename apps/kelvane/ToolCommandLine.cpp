@@ -67,7 +67,7 @@ QString ToolCommandLine::getHint(const QString& word, const QStringList& known)
 void ToolCommandLine::parse(const ToolCommand& command, const QStringList& arguments,
                             QCommandLineParser& line)
 {
-    line.addOption(QCommandLineOption({QStringLiteral("h"), QStringLiteral("help")}));
+    line.addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}));
     for (const ToolOption& option : command.options)
         line.addOption(QCommandLineOption(option.name, option.text, option.value));
 

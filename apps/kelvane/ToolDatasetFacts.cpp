@@ -136,8 +136,9 @@ void ToolDatasetFacts::write(ToolJson& json, const KudADataset& dataset)
 
 QString ToolDatasetFacts::toText(const KudADataset& dataset)
 {
-    QString text = Tool::tr("%1: %2, %n sample(s)", nullptr, dataset.getObjectCount())
-                       .arg(dataset.getName(), dataset.getDatasetType().getLabel().toLower());
+    QString text = Tool::tr("%1: %2, %3 samples")
+                       .arg(dataset.getName(), dataset.getDatasetType().getLabel().toLower())
+                       .arg(dataset.getObjectCount());
     text += Tool::tr("\n  coordinates        %1").arg(boxText(dataset.getBoundingBox()));
     text +=
         Tool::tr("\n  coordinate system  %1\n\n").arg(coordSystemText(dataset.getCoordSystem()));

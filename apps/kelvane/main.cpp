@@ -37,6 +37,13 @@ QString generalHelp(const std::vector<ToolCommand>& commands)
     return help;
 }
 
+/// Qt's own remarks (on a missing runtime directory, say) are nothing for the user of a tool.
+void keepQtQuiet(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        ToolOutput::printError(message);
+}
+
 /// The application that a command needs: drawing takes fonts, and no display.
 std::unique_ptr<QCoreApplication> createApplication(int& argc, char** argv, bool draws)
 {
@@ -112,6 +119,7 @@ int guard(const std::vector<ToolCommand>& commands, const QStringList& arguments
 
 int main(int argc, char** argv)
 {
+    qInstallMessageHandler(&keepQtQuiet);
     const std::vector<ToolCommand> commands = createCommands();
     bool draws = false;
     for (const ToolCommand& command : commands)
