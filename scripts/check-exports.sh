@@ -7,11 +7,11 @@
 set -euo pipefail
 
 ours='^((vtable|VTT|typeinfo|typeinfo name|guard variable|construction vtable) for |(non-virtual|virtual|covariant return) thunk to )?'
-ours+='((H[bg]|Ku|Grdecl|Ecl|ecl_)[A-Za-z0-9_]*(<.*>)?|operator(==|!=|<=?|>=?|<<|>>|[-+*/|&^])|qHash|qt_metacall)(::|\(|\[|<|$|-in-)'
+ours+='(([Hh][bg]|[Kk]u|Grdecl|Ecl|ecl_)[A-Za-z0-9_]*(<.*>)?|operator(==|!=|<=?|>=?|<<|>>|[-+*/|&^])|qHash|qt_metacall)(::|\(|\[|<|$|-in-)'
 failed=0
 for library in "$@"; do
     strangers=$(nm -DC --defined-only "$library" | grep -E '^[0-9a-f]+ [TDBRSG] ' |
-        cut -d' ' -f3- | grep -vE "$ours" || true)
+        cut -d' ' -f3- | grep -vxE '__bss_start|_edata|_end|_init|_fini' | grep -vE "$ours" || true)
     if [ -n "$strangers" ]; then
         failed=1
         printf '%s exports what is not ours:\n%s\n' "$library" "$strangers" >&2

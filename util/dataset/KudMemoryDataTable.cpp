@@ -157,6 +157,7 @@ KudDatasetVariable KudMemoryDataTable::nameOf(const HbdAVariable& variable) cons
 KudDataTableHeader KudMemoryDataTable::_rebuildHeader() const
 {
     KudDataTableHeader header;
+    QVector<KudDatasetVariable> row;
     m_columns.clear();
     for (int i = 0; i < m_table.getVariableCount(); ++i) {
         const HbdAVariable& column = *m_table.getVariableAt(i);
@@ -169,7 +170,9 @@ KudDataTableHeader KudMemoryDataTable::_rebuildHeader() const
         if (const auto* categories = dynamic_cast<const HbdVariableEnum*>(&column))
             header.setCatalog(variable, categories->getCatalog());
         m_columns.push_back(const_cast<HbdAVariable*>(&column));
+        row.append(variable);
     }
+    m_row = std::make_shared<const QVector<KudDatasetVariable>>(std::move(row));
     header.setValid(true);
     return header;
 }

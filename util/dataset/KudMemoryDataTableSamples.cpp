@@ -75,23 +75,37 @@ int KudMemoryDataTable::_createSample(const SampleValues& values)
 int KudMemoryDataTable::_createSampleRow(const SampleRow& row)
 {
     const int rank = getSampleCount();
+    const HbiIntervalIntSmallDisjoint ranks(rank);
     {
         const AppendScope scope(getModel(), rank, 1);
         m_table.setSampleCount(rank + 1);
-        KudTableModif modif;
-        const int count = std::min(row.size(), static_cast<int>(m_columns.size()));
-        modif.reserve(count);
+        const int columnCount = static_cast<int>(m_columns.size());
+        const int count = std::min(row.size(), columnCount);
+        int written = 0;
         for (int i = 0; i < count; ++i) {
-            if (!row.at(i).isValid())
-                continue;
-            m_columns[static_cast<std::size_t>(i)]->setVariant(rank, row.at(i));
-            modif.addChangedValues(getVariableAt(i), HbiIntervalIntSmallDisjoint(rank));
+            if (row.at(i).isValid()) {
+                m_columns[static_cast<std::size_t>(i)]->setVariant(rank, row.at(i));
+                ++written;
+            }
         }
-        if (!modif.isEmpty())
-            notify(KudDataTableModif(std::move(modif)));
+        if (written > 0)
+            notify(KudDataTableModif(written == columnCount ? KudTableModif(m_row, ranks)
+                                                            : modifOfCells(row, count, ranks)));
     }
-    notifySampleAdded(HbiIntervalIntSmallDisjoint(rank));
+    notifySampleAdded(ranks);
     return rank;
+}
+
+KudTableModif KudMemoryDataTable::modifOfCells(const SampleRow& row, int count,
+                                               const HbiIntervalIntSmallDisjoint& ranks) const
+{
+    KudTableModif modif;
+    modif.reserve(count);
+    for (int i = 0; i < count; ++i) {
+        if (row.at(i).isValid())
+            modif.addChangedValues(m_row->at(i), ranks);
+    }
+    return modif;
 }
 
 int KudMemoryDataTable::_createSamples(const QList<SampleValues>& samples)
@@ -120,11 +134,8 @@ int KudMemoryDataTable::_createSampleRows(const QList<SampleRow>& rows,
         m_table.setSampleCount(first + rows.size());
         fillRows(rows, defaults, first);
     }
-    KudDatasetVariableList variables;
-    for (int i = 0; i < getVariableCount(); ++i)
-        variables.append(getVariableAt(i));
-    if (!variables.isEmpty())
-        notify(KudDataTableModif(KudTableModif(variables, ranks)));
+    if (!m_row->isEmpty())
+        notify(KudDataTableModif(KudTableModif(m_row, ranks)));
     notifySampleAdded(ranks);
     return first;
 }

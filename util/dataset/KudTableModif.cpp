@@ -99,9 +99,31 @@ KudTableModif::KudTableModif(const KudDatasetVariableList& variables,
     }
 }
 
+KudTableModif::KudTableModif(const Row& row, const HbiIntervalIntSmallDisjoint& ranks)
+    : m_row(row)
+    , m_rowRanks(ranks)
+    , m_reasons(ValuesChanged)
+{
+}
+
+void KudTableModif::_unfoldRow() const
+{
+    if (!m_row) {
+        return;
+    }
+    auto* self = const_cast<KudTableModif*>(this); // the same content in another form
+    const Row row = std::move(m_row);
+    m_row.reset();
+    self->m_changes.reserve(row->size());
+    for (const KudDatasetVariable& variable : *row) {
+        self->_append(variable, ValuesChanged, m_rowRanks);
+    }
+}
+
 void KudTableModif::addChangedValues(const KudDatasetVariable& variable,
                                      const HbiIntervalIntSmallDisjoint& ranks)
 {
+    _unfoldRow();
     m_reasons |= ValuesChanged;
     if (m_isAscending && _isBehindAll(variable)) {
         m_changes.append(KudVariableChange{variable, ValuesChanged, ranks});
@@ -115,11 +137,18 @@ void KudTableModif::merge(const KudTableModif& other)
     m_reasons |= other.m_reasons;
     uniteRanks(m_addedSamples, other.m_addedSamples);
     uniteRanks(m_removedSamples, other.m_removedSamples);
-    if (m_changes.isEmpty()) {
+    const bool isSameRow = m_row && m_row == other.m_row;
+    if (isSameRow) {
+        uniteRanks(m_rowRanks, other.m_rowRanks);
+    } else if (!m_row && m_changes.isEmpty()) {
+        m_row = other.m_row;
+        m_rowRanks = other.m_rowRanks;
         m_changes = other.m_changes;
         m_positions = other.m_positions;
         m_isAscending = other.m_isAscending;
     } else {
+        _unfoldRow();
+        other._unfoldRow();
         for (const KudVariableChange& change : other.m_changes) {
             _record(change.variable, static_cast<Reason>(change.reason), change.ranks);
         }
@@ -145,7 +174,9 @@ int KudTableModif::getNumberOfModif() const
     }
     int count = (m_addedSamples.isEmpty() ? 0 : 1) + (m_removedSamples.isEmpty() ? 0 : 1);
     count += static_cast<int>(qPopulationCount(static_cast<quint32>(m_reasons & LISTED_REASONS)));
-    if (m_reasons & ValuesChanged) {
+    if (m_row) {
+        count += m_row->size();
+    } else if (m_reasons & ValuesChanged) {
         const auto hasValues = [](const KudVariableChange& c) { return c.reason == ValuesChanged; };
         count += static_cast<int>(std::count_if(m_changes.begin(), m_changes.end(), hasValues));
     }
@@ -157,6 +188,7 @@ int KudTableModif::getNumberOfModif() const
 
 KudDatasetVariableList KudTableModif::variables(Reasons requested) const
 {
+    _unfoldRow();
     KudDatasetVariableList list;
     for (int reason = VariableAdded; reason <= ValuesChanged; reason <<= 1) {
         _mergeIf(list, requested, static_cast<Reason>(reason));
@@ -189,6 +221,7 @@ bool KudTableModif::hasModifForVariable(const KudDatasetVariable& variable) cons
 
 QMap<KudDatasetVariable, HbiIntervalIntSmallDisjoint> KudTableModif::changedValues() const
 {
+    _unfoldRow();
     QMap<KudDatasetVariable, HbiIntervalIntSmallDisjoint> values;
     for (const KudVariableChange& change : m_changes) {
         if (change.reason == ValuesChanged) {
@@ -261,6 +294,7 @@ bool KudTableModif::_isBehindAll(const KudDatasetVariable& variable) const
 
 int KudTableModif::_find(const KudDatasetVariable& variable, Reason reason) const
 {
+    _unfoldRow();
     const auto isMeant = [&](const KudVariableChange& change) {
         return change.reason == reason && change.variable == variable;
     };

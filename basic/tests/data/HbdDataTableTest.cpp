@@ -107,7 +107,8 @@ TEST(HbdVariable, DeletesScatteredRanksAsRemovingThemOneByOne)
 TEST(HbdVariable, NumbersOfEveryKindReadAndWriteUndefinedAlike)
 {
     const double numbers[] = {1.0, HbbGlobal::D_FFFF, -2.0, std::nan("")};
-    for (const HbdEVarType& type : {HbdEVarType::REAL, HbdEVarType::REAL_32, HbdEVarType::INTEGER}) {
+    for (const HbdEVarType& type :
+         {HbdEVarType::REAL, HbdEVarType::REAL_32, HbdEVarType::INTEGER}) {
         SCOPED_TRACE(type.getKey().toStdString());
         const auto column = makeColumn(type);
         column->resize(4);

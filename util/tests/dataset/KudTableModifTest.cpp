@@ -181,6 +181,11 @@ std::set<int> ranksOf(const Ranks& ranks)
 void expectSame(const Modif& modif, const Model& model)
 {
     ASSERT_EQ(int(modif.reasons()), model.reasons);
+    ASSERT_EQ(modif.getNumberOfModif(),
+              model.reasons == Modif::Reset
+                  ? 1
+                  : int(!model.added.empty()) + int(!model.removed.empty()) +
+                        int(model.changed.size()) + int(model.lists.size()));
     ASSERT_EQ(ranksOf(modif.addedSamples()), model.added);
     ASSERT_EQ(ranksOf(modif.removedSamples()), model.removed);
     const auto changed = modif.changedValues();
@@ -199,11 +204,6 @@ void expectSame(const Modif& modif, const Model& model)
         all.append(expected);
     }
     ASSERT_EQ(modif.variables(Modif::Reasons(0xFFFF)), all);
-    ASSERT_EQ(modif.getNumberOfModif(),
-              model.reasons == Modif::Reset
-                  ? 1
-                  : int(!model.added.empty()) + int(!model.removed.empty()) +
-                        int(model.changed.size()) + int(model.lists.size()));
 }
 
 /// Random notices merged in random nesting agree with the model; copies taken on the way stay.
@@ -211,6 +211,8 @@ TEST(KudTableModif, MergingAgreesWithAPlainModel)
 {
     std::mt19937 random(11);
     const auto pick = [&](int count) { return static_cast<int>(random() % unsigned(count)); };
+    const auto wholeRow = std::make_shared<const QVector<KudDatasetVariable>>(
+        QVector<KudDatasetVariable>{named("3"), named("1"), named("70")});
     const auto randomNotice = [&](int variables) {
         std::pair<Modif, Model> notice;
         const int first = pick(60), last = first + pick(3);
@@ -218,6 +220,13 @@ TEST(KudTableModif, MergingAgreesWithAPlainModel)
         const std::set<int> set = ranksOf(ranks);
         const auto variable = [&] { return named(QString::number(pick(variables))); };
         const auto reason = static_cast<Modif::Reason>(1 << pick(16));
+        if (pick(4) == 0) {
+            notice.first = Modif(wholeRow, ranks);
+            for (const KudDatasetVariable& each : *wholeRow) {
+                notice.second.record(Modif::ValuesChanged, each, set);
+            }
+            return notice;
+        }
         if (pick(3) == 0) {
             KudDatasetVariableList row;
             for (int i = pick(30); i >= 0; --i) {

@@ -90,6 +90,8 @@ private:
     bool isFiltered(const HbdAVariable& variable) const;
     bool renameColumns(const KudDatasetVariable& variable, const QString& name);
     KudTableModif writeCells(int rank, const SampleValues& values);
+    KudTableModif modifOfCells(const SampleRow& row, int count,
+                               const HbiIntervalIntSmallDisjoint& ranks) const;
     void fillRows(const QList<SampleRow>& rows, const SampleValues& defaults, int first);
     void columnChanged(const KudDatasetVariable& variable, int firstRank, int count);
 
@@ -100,4 +102,5 @@ private:
     HbdVarRoleFlags m_filteredRoles;
     QStringList m_filteredTags;
     mutable std::vector<HbdAVariable*> m_columns; // of m_table, in the order of the header
+    mutable KudTableModif::Row m_row;             // the header's variables, for the notices
 };

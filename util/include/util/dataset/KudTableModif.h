@@ -65,6 +65,10 @@ public:
     KudTableModif(const KudDatasetVariableList& variables,
                   const HbiIntervalIntSmallDisjoint& ranks);
 
+    /// The same for a whole row, whose variables many notices share: nothing is copied for it.
+    using Row = std::shared_ptr<const QVector<KudDatasetVariable>>;
+    KudTableModif(const Row& row, const HbiIntervalIntSmallDisjoint& ranks);
+
     /// Adds ValuesChanged of one more variable, or of more ranks of a variable. Cheapest when the
     /// variables come in their order, as from a map.
     void addChangedValues(const KudDatasetVariable& variable,
@@ -110,9 +114,14 @@ private:
     int _find(const KudDatasetVariable& variable, Reason reason) const;
     void _mergeIf(KudDatasetVariableList& list, Reasons requested, Reason reason) const;
     KudTableModifDetails& _editDetails();
+    void _unfoldRow() const;
 
     HbiIntervalIntSmallDisjoint m_addedSamples;
     HbiIntervalIntSmallDisjoint m_removedSamples;
+    // Values that changed in a whole row; while it is there, m_changes is empty. Whoever asks for
+    // more than its size unfolds it.
+    mutable Row m_row;
+    HbiIntervalIntSmallDisjoint m_rowRanks;
     KudInlineVector<KudVariableChange> m_changes;    // one per variable and reason, as they came
     mutable QMultiHash<uint, int> m_positions;       // of m_changes by variable, see _find
     std::shared_ptr<KudTableModifDetails> m_details; // null while there are none; shared by copies
