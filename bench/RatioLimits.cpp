@@ -12,6 +12,11 @@ namespace
 class TimeKeeper : public benchmark::ConsoleReporter
 {
 public:
+    TimeKeeper()
+        : ConsoleReporter(OO_Tabular) // without colours: the output is read by scripts as well
+    {
+    }
+
     void ReportRuns(const std::vector<Run>& runs) override
     {
         ConsoleReporter::ReportRuns(runs);

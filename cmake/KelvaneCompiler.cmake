@@ -24,4 +24,7 @@ function(kelvane_compile_options target)
             -fno-sanitize-recover=all -fno-omit-frame-pointer)
         target_link_options(${target} PRIVATE -fsanitize=${KELVANE_SANITIZE})
     endif()
+    if(KELVANE_BUILD_FUZZERS) # the fuzzer is led by what the libraries cover
+        target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+    endif()
 endfunction()

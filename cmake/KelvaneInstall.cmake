@@ -1,4 +1,4 @@
-# find_package(Kelvane) for an installed copy.
+# find_package(Kelvane) for an installed copy, and the test that one works.
 include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Kelvane)
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/KelvaneConfig.cmake.in
@@ -8,3 +8,22 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/KelvaneConfigVersion.cmake
 install(FILES ${CMAKE_BINARY_DIR}/KelvaneConfig.cmake ${CMAKE_BINARY_DIR}/KelvaneConfigVersion.cmake
     DESTINATION ${package_dir})
 install(EXPORT KelvaneTargets NAMESPACE Kelvane:: DESTINATION ${package_dir})
+install(FILES ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+if(KELVANE_BUILD_TESTS)
+    # Installs into a staging prefix and builds the examples against it, as a user's project would.
+    # A sanitized library needs a sanitized program, so there the other tests must do.
+    if(KELVANE_BUILD_EXAMPLES AND NOT KELVANE_SANITIZE)
+        add_test(NAME InstalledPackage
+            COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-install.sh ${CMAKE_BINARY_DIR})
+        set_tests_properties(InstalledPackage PROPERTIES LABELS "slow;house" TIMEOUT 600
+            ENVIRONMENT "${KELVANE_TEST_ENVIRONMENT}")
+        add_test(NAME ExportedSymbols
+            COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-exports.sh
+                $<TARGET_FILE:kelvane_basic> $<TARGET_FILE:kelvane_geos> $<TARGET_FILE:kelvane_util>)
+        set_tests_properties(ExportedSymbols PROPERTIES LABELS "unit;house")
+    endif()
+    add_test(NAME Layers COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-layers.py)
+    add_test(NAME LayersSelfTest COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-layers.py --self-test)
+    set_tests_properties(Layers LayersSelfTest PROPERTIES LABELS "unit;house")
+endif()

@@ -1,6 +1,22 @@
 # How a library, its tests, a benchmark and a fuzzer are declared. Sources are found by folder:
 # LIB/MODULE/*.cpp, LIB/include/LIB/MODULE/*.h, LIB/tests/MODULE/*Test.cpp.
 
+# Before 1.0 every minor version may change the binary interface, so it is part of the soname.
+set(KELVANE_SOVERSION ${PROJECT_VERSION_MAJOR})
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    set(KELVANE_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+endif()
+
+# The environment of every test. Sanitizers stop at the first fault; the leaks that are known and not
+# ours are listed in testing/lsan.supp.
+set(KELVANE_TEST_ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+if(KELVANE_SANITIZE)
+    list(APPEND KELVANE_TEST_ENVIRONMENT
+        ASAN_OPTIONS=strict_string_checks=1:detect_stack_use_after_return=1
+        LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_SOURCE_DIR}/testing/lsan.supp:print_suppressions=0
+        UBSAN_OPTIONS=print_stacktrace=1)
+endif()
+
 # kelvane_add_library(basic DEPENDS Qt5::Core ...)
 function(kelvane_add_library name)
     cmake_parse_arguments(arg "" "PRECOMPILE" "DEPENDS;PRIVATE_DEPENDS" ${ARGN})
@@ -22,9 +38,12 @@ function(kelvane_add_library name)
         AUTOMOC ON
         EXPORT_NAME ${name}
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR})
+        SOVERSION ${KELVANE_SOVERSION}
+        INSTALL_RPATH $ORIGIN)
     kelvane_compile_options(${target})
-    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    if(NOT KELVANE_SANITIZE) # whose symbols are in the program
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
     if(arg_PRECOMPILE)
         target_precompile_headers(${target} PRIVATE ${arg_PRECOMPILE})
     endif()
@@ -56,6 +75,46 @@ function(kelvane_add_tests name)
         endif()
         add_test(NAME ${test} COMMAND ${test})
         set_tests_properties(${test} PROPERTIES LABELS ${label} TIMEOUT 600
-            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;KELVANE_TOOL=$<TARGET_FILE:kelvane>;KELVANE_TEST_DATA=${CMAKE_SOURCE_DIR}/../shared/data")
+            ENVIRONMENT "${KELVANE_TEST_ENVIRONMENT};KELVANE_TOOL=$<TARGET_FILE:kelvane>;KELVANE_TEST_DATA=${CMAKE_SOURCE_DIR}/../shared/data;KELVANE_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+    endforeach()
+endfunction()
+
+# Every MODULE/*Bench.cpp of the current folder is one benchmark program, in the target `benchmarks`. It
+# links the arguments and the library of its module; a module of util and basic both is util's.
+function(kelvane_add_benchmarks)
+    add_custom_target(benchmarks)
+    file(GLOB sources CONFIGURE_DEPENDS */*Bench.cpp)
+    foreach(source IN LISTS sources)
+        get_filename_component(bench ${source} NAME_WE)
+        cmake_path(GET source PARENT_PATH folder)
+        cmake_path(GET folder FILENAME module)
+        set(library basic)
+        if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/util/include/util/${module})
+            set(library util)
+        endif()
+        add_executable(${bench} ${source})
+        target_link_libraries(${bench} PRIVATE Kelvane::${library} ${ARGN})
+        kelvane_compile_options(${bench})
+        set_target_properties(${bench} PROPERTIES
+            RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+        add_dependencies(benchmarks ${bench})
+    endforeach()
+endfunction()
+
+# Every NAMEFuzzer.cpp is one libFuzzer program, its seeds are in corpus/NAME; the target `fuzzers` builds
+# them all.
+function(kelvane_add_fuzzers)
+    add_custom_target(fuzzers)
+    file(GLOB sources CONFIGURE_DEPENDS *Fuzzer.cpp)
+    foreach(source IN LISTS sources)
+        get_filename_component(fuzzer ${source} NAME_WE)
+        add_executable(${fuzzer} ${source})
+        target_link_libraries(${fuzzer} PRIVATE Kelvane::util)
+        kelvane_compile_options(${fuzzer})
+        target_compile_options(${fuzzer} PRIVATE -fsanitize=fuzzer)
+        target_link_options(${fuzzer} PRIVATE -fsanitize=fuzzer)
+        set_target_properties(${fuzzer} PROPERTIES
+            RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/fuzz)
+        add_dependencies(fuzzers ${fuzzer})
     endforeach()
 endfunction()

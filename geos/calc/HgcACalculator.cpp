@@ -4,8 +4,11 @@
 
 HgcACalculator::~HgcACalculator() = default;
 
+void HgcACalculator::_checkSetup() const {}
+
 void HgcACalculator::_run()
 {
+    _checkSetup();
     const QString inputError = _checkInputs();
     if (!inputError.isEmpty())
         throw HbeUserError(inputError);

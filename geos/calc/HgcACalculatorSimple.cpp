@@ -1,8 +1,12 @@
 #include <geos/calc/HgcACalculatorSimple.h>
 
+#include <geos/data/HgdADataSet.h>
+
 #include <basic/error/HbeProgrammingError.h>
 
 #include <QtCore/QCoreApplication>
+
+#include <algorithm>
 
 HgcACalculatorSimple::~HgcACalculatorSimple() = default;
 
@@ -17,6 +21,15 @@ void HgcACalculatorSimple::addInputRule(const HgcInputRule& rule)
                 .arg(rule.maximum));
     }
     m_inputRules.push_back(rule);
+}
+
+int HgcACalculatorSimple::countVariables(const HgcInputRule& rule, const HgdADataSet& dataSet)
+{
+    const std::vector<const HbdAVariable*> variables = dataSet.getVariables(rule.role);
+    const auto counts = [&](const HbdAVariable* variable) {
+        return rule.types.isEmpty() || rule.types.contains(variable->getType().getKey());
+    };
+    return static_cast<int>(std::count_if(variables.begin(), variables.end(), counts));
 }
 
 QString HgcACalculatorSimple::_checkInputs() const

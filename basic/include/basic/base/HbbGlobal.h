@@ -17,7 +17,8 @@ public:
     /// The undefined integer.
     static constexpr qint64 I_FFFF = std::numeric_limits<qint64>::min();
 
-    /// Shown where a value is not available.
+    /// Shown where a value is not available. (The length stands there because the constructor
+    /// without it is a constant expression to GCC only.)
     static constexpr QLatin1String STR_NA{"N/A", 3};
 
     /// True for D_FFFF and for NaN; an infinity is a value.

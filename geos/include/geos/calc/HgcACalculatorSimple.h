@@ -5,6 +5,8 @@
 
 #include <vector>
 
+class HgdADataSet;
+
 /// A calculator whose inputs are variables by role: it declares rules in its constructor and counts
 /// the variables that it was given for each; the rest is `_compute`.
 class KELVANE_GEOS_EXPORT HgcACalculatorSimple : public HgcACalculator
@@ -24,6 +26,9 @@ protected:
 
     /// How many of the given variables fall under the rule.
     virtual int _countInputs(const HgcInputRule& rule) const = 0;
+
+    /// How many variables of the data set fall under the rule.
+    static int countVariables(const HgcInputRule& rule, const HgdADataSet& dataSet);
 
     /// The first rule that is not satisfied speaks.
     QString _checkInputs() const override;

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs a build into a staging prefix, moves that elsewhere, and builds and runs the examples there
+# with nothing but find_package(Kelvane): what a user of a package has.
+#
+#   scripts/check-install.sh BUILD_FOLDER
+set -euo pipefail
+build=$(cd "$1" && pwd)
+source=$(cd "$(dirname "$0")/.." && pwd)
+stage=$build/staging
+rm -rf "$stage"
+mkdir -p "$stage"
+
+cmake --install "$build" --prefix "$stage/first" >"$stage/install.log" ||
+    { cat "$stage/install.log"; exit 1; }
+mv "$stage/first" "$stage/prefix" # a prefix may move: nothing installed knows where it was
+
+cmake -S "$source/examples/installed" -B "$stage/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+    -DCMAKE_PREFIX_PATH="$stage/prefix"
+cmake --build "$stage/build"
+(cd "$stage/build" && ctest --output-on-failure --no-tests=error)
+
+if ldd "$stage"/prefix/lib*/libkelvane_util.so "$stage/prefix/bin/kelvane" |
+    grep -E "not found|$build/lib/"; then
+    echo "check-install: the libraries above are missing, or come from the build folder" >&2
+    exit 1
+fi

@@ -1,0 +1,263 @@
+#include <util/dataset/KudMemoryDataTable.h>
+#include <util/dataset/KudSelector.h>
+#include <util/dataset/KudTableModel.h>
+
+#include <basic/data/HbdANumericVariable.h>
+#include <basic/data/HbdVariableUpdater.h>
+
+#include <array>
+
+namespace
+{
+/// Ends what it began even when an observer throws in between: a model must not be left inserting.
+class AppendScope
+{
+public:
+    AppendScope(KudTableModel* model, int first, int count)
+        : m_model(model)
+    {
+        m_model->beginInsertSamples(first, count);
+    }
+    AppendScope(const AppendScope&) = delete;
+    AppendScope& operator=(const AppendScope&) = delete;
+    ~AppendScope() { m_model->endInsertSamples(); }
+
+private:
+    KudTableModel* m_model;
+};
+
+/// Rows are written in blocks that stay in the cache while one column after the other takes its
+/// cells from them.
+constexpr int ROW_BLOCK = 256;
+} // namespace
+
+KudTableModif KudMemoryDataTable::writeCells(int rank, const SampleValues& values)
+{
+    KudTableModif modif;
+    modif.reserve(values.size());
+    for (auto cell = values.begin(); cell != values.end(); ++cell) {
+        HbdAVariable* column = _readVariable(cell.key());
+        if (column == nullptr)
+            continue;
+        HbdVariableUpdater updater(*column);
+        updater.setRank(rank);
+        updater.setValue(cell.value());
+        modif.addChangedValues(cell.key(), HbiIntervalIntSmallDisjoint(rank));
+    }
+    return modif;
+}
+
+bool KudMemoryDataTable::_updateValues(int rank, const SampleValues& values)
+{
+    KudTableModif modif = writeCells(rank, values);
+    if (modif.isEmpty())
+        return false;
+    for (auto cell = values.begin(); cell != values.end(); ++cell)
+        _tableValuesChanged(HbiIntervalIntSmall(rank, rank), cell.key());
+    notify(KudDataTableModif(std::move(modif)));
+    return true;
+}
+
+int KudMemoryDataTable::_createSample(const SampleValues& values)
+{
+    const int rank = getSampleCount();
+    {
+        const AppendScope scope(getModel(), rank, 1);
+        m_table.setSampleCount(rank + 1);
+        KudTableModif modif = writeCells(rank, values);
+        if (!modif.isEmpty())
+            notify(KudDataTableModif(std::move(modif)));
+    }
+    notifySampleAdded(HbiIntervalIntSmallDisjoint(rank));
+    return rank;
+}
+
+int KudMemoryDataTable::_createSampleRow(const SampleRow& row)
+{
+    const int rank = getSampleCount();
+    const HbiIntervalIntSmallDisjoint ranks(rank);
+    {
+        const AppendScope scope(getModel(), rank, 1);
+        m_table.setSampleCount(rank + 1);
+        const int columnCount = static_cast<int>(m_columns.size());
+        const int count = std::min(row.size(), columnCount);
+        int written = 0;
+        for (int i = 0; i < count; ++i) {
+            if (row.at(i).isValid()) {
+                m_columns[static_cast<std::size_t>(i)]->setVariant(rank, row.at(i));
+                ++written;
+            }
+        }
+        if (written > 0)
+            notify(KudDataTableModif(written == columnCount ? KudTableModif(m_row, ranks)
+                                                            : modifOfCells(row, count, ranks)));
+    }
+    notifySampleAdded(ranks);
+    return rank;
+}
+
+KudTableModif KudMemoryDataTable::modifOfCells(const SampleRow& row, int count,
+                                               const HbiIntervalIntSmallDisjoint& ranks) const
+{
+    KudTableModif modif;
+    modif.reserve(count);
+    for (int i = 0; i < count; ++i) {
+        if (row.at(i).isValid())
+            modif.addChangedValues(m_row->at(i), ranks);
+    }
+    return modif;
+}
+
+int KudMemoryDataTable::_createSamples(const QList<SampleValues>& samples)
+{
+    const int first = getSampleCount();
+    {
+        const AppendScope scope(getModel(), first, samples.size());
+        m_table.setSampleCount(first + samples.size());
+        KudTableModif modif;
+        for (int i = 0; i < samples.size(); ++i)
+            modif.merge(writeCells(first + i, samples.at(i)));
+        if (!modif.isEmpty())
+            notify(KudDataTableModif(std::move(modif)));
+    }
+    notifySampleAdded(HbiIntervalIntSmall(first, getSampleCount() - 1));
+    return first;
+}
+
+int KudMemoryDataTable::_createSampleRows(const QList<SampleRow>& rows,
+                                          const SampleValues& defaults)
+{
+    const int first = getSampleCount();
+    const HbiIntervalIntSmallDisjoint ranks(HbiIntervalIntSmall(first, first + rows.size() - 1));
+    {
+        const AppendScope scope(getModel(), first, rows.size());
+        m_table.setSampleCount(first + rows.size());
+        fillRows(rows, defaults, first);
+    }
+    if (!m_row->isEmpty())
+        notify(KudDataTableModif(KudTableModif(m_row, ranks)));
+    notifySampleAdded(ranks);
+    return first;
+}
+
+void KudMemoryDataTable::fillRows(const QList<SampleRow>& rows, const SampleValues& defaults,
+                                  int first)
+{
+    const int columnCount = static_cast<int>(m_columns.size());
+    std::vector<QVariant> defaultCells(m_columns.size());
+    for (int c = 0; c < columnCount; ++c)
+        defaultCells[static_cast<std::size_t>(c)] = defaults.value(getVariableAt(c));
+
+    std::array<const QVariant*, ROW_BLOCK> cells;
+    for (int block = 0; block < rows.size(); block += ROW_BLOCK) {
+        const int count = std::min(ROW_BLOCK, rows.size() - block);
+        for (int c = 0; c < columnCount; ++c) {
+            const QVariant& fallback = defaultCells[static_cast<std::size_t>(c)];
+            for (int i = 0; i < count; ++i) {
+                const SampleRow& row = rows.at(block + i);
+                const bool given = c < row.size() && row.at(c).isValid();
+                cells[static_cast<std::size_t>(i)] = given ? &row.at(c) : &fallback;
+            }
+            m_columns[static_cast<std::size_t>(c)]->setVariants(first + block, cells.data(), count);
+        }
+    }
+}
+
+int KudMemoryDataTable::_appendSamples(const HbdDataTable& samples)
+{
+    const int first = getSampleCount();
+    const HbiIntervalIntSmallDisjoint ranks(
+        HbiIntervalIntSmall(first, first + samples.getSampleCount() - 1));
+    KudDatasetVariableList written;
+    {
+        const AppendScope scope(getModel(), first, samples.getSampleCount());
+        m_table.appendTable(samples, false);
+        _clearHeaderCache(); // a catalogue may have grown
+    }
+    for (int i = 0; i < getVariableCount(); ++i) {
+        if (samples.findVariable(getVariableAt(i).getFullVariableName()) != nullptr)
+            written.append(getVariableAt(i));
+    }
+    if (!written.isEmpty())
+        notify(KudDataTableModif(KudTableModif(written, ranks)));
+    notifySampleAdded(ranks);
+    return first;
+}
+
+bool KudMemoryDataTable::_deleteSamples(const HbiIntervalIntSmall& ranks)
+{
+    getModel()->beginRemoveSamples(ranks.getMin(), static_cast<int>(ranks.getLength()));
+    m_table.removeSamples(ranks);
+    getModel()->endRemoveSamples();
+    notifySampleRemoved(ranks);
+    return true;
+}
+
+bool KudMemoryDataTable::_deleteSampleSet(const HbiIntervalIntSmallDisjoint& ranks)
+{
+    HbiIntervalIntSmallDisjoint masked = getMask()->selectedRows();
+    HbiIntervalIntSmallDisjoint highlighted = getHighlight()->selectedRows();
+    _beginResetTable();
+    m_table.removeSamples(ranks);
+    _endResetTable();
+    notifySampleRemoved(ranks);
+
+    // A reset empties the selections: what was selected moves along.
+    masked.removeRanks(ranks);
+    highlighted.removeRanks(ranks);
+    if (!masked.isEmpty())
+        getMask()->select(masked, Ku::ClearAndSelect);
+    if (!highlighted.isEmpty())
+        getHighlight()->select(highlighted, Ku::ClearAndSelect);
+    return true;
+}
+
+void KudMemoryDataTable::setSampleCount(int count)
+{
+    const int before = getSampleCount();
+    if (count == before || count < 0)
+        return;
+    if (count > before) {
+        const AppendScope scope(getModel(), before, count - before);
+        m_table.setSampleCount(count);
+        return;
+    }
+    const QBitArray masked = getMask()->getBitArray();
+    const QBitArray highlighted = getHighlight()->getBitArray();
+    _beginResetTable();
+    m_table.setSampleCount(count);
+    _endResetTable();
+    const bool wasSilent = lockObservable(true);
+    getMask()->setBitArray(masked);
+    getHighlight()->setBitArray(highlighted);
+    lockObservable(wasSilent);
+}
+
+void KudMemoryDataTable::columnChanged(const KudDatasetVariable& variable, int firstRank, int count)
+{
+    const HbiIntervalIntSmall ranks(firstRank, firstRank + count - 1);
+    _tableValuesChanged(ranks, variable);
+    notifyValueChanged(variable, ranks);
+}
+
+bool KudMemoryDataTable::_updateColumn(const KudDatasetVariable& variable, int firstRank,
+                                       const HbdAVariable& values)
+{
+    HbdAVariable* column = _readVariable(variable);
+    if (column == nullptr || !column->copyValues(firstRank, values, 0, values.getCount()))
+        return false;
+    _clearHeaderCache(); // a catalogue may have grown
+    columnChanged(variable, firstRank, values.getCount());
+    return true;
+}
+
+bool KudMemoryDataTable::_updateColumn(const KudDatasetVariable& variable, int firstRank,
+                                       HbdSpan<const double> numbers)
+{
+    auto* column = dynamic_cast<HbdANumericVariable*>(_readVariable(variable));
+    if (column == nullptr)
+        return false;
+    column->writeNumbers(firstRank, numbers.size(), numbers.data());
+    columnChanged(variable, firstRank, numbers.size());
+    return true;
+}

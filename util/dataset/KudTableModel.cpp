@@ -1,0 +1,166 @@
+#include <util/dataset/KudADataTable.h>
+#include <util/dataset/KudTableModel.h>
+#include <util/dataset/KudTableUtils.h>
+
+KudTableModel::KudTableModel(KudADataTable& table)
+    : m_table(table)
+{
+}
+
+KudTableModel::~KudTableModel() = default;
+
+int KudTableModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : m_table.getSampleCount();
+}
+
+int KudTableModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : m_table.getVariableCount();
+}
+
+QVariant KudTableModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= rowCount() || index.column() >= columnCount())
+        return QVariant();
+    if (role == Qt::TextAlignmentRole)
+        return QVariant(static_cast<int>(m_alignment));
+    const HbdAVariable* variable = m_table.readValues(m_table.getVariableAt(index.column()));
+    return variable == nullptr ? QVariant()
+                               : KudTableUtils::valueToRole(role, *variable, index.row());
+}
+
+QVariant KudTableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation == Qt::Vertical)
+        return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
+    if (section < 0 || section >= columnCount())
+        return QVariant();
+    if (role == Qt::DisplayRole)
+        return m_table.getVariableAt(section).getFullVariableName();
+    if (role == Qt::ToolTipRole)
+        return columnToolTip(section);
+    return QVariant();
+}
+
+QString KudTableModel::columnToolTip(int column) const
+{
+    const HbdVariableDetails details = m_table.getDetails(m_table.getVariableAt(column));
+    QStringList lines{tr("Type: %1").arg(details.type.getLabel())};
+    if (details.role != HbdEVarRole::NONE)
+        lines << tr("Role: %1").arg(details.role.getLabel());
+    if (details.getShownUnit().isValid())
+        lines << tr("Unit: %1").arg(details.getShownUnit().getSymbol());
+    if (!details.tags.isEmpty())
+        lines << tr("Tags: %1").arg(details.tags.toStringList().join(QLatin1String(", ")));
+    return lines.join(QLatin1Char('\n'));
+}
+
+Qt::ItemFlags KudTableModel::flags(const QModelIndex& index) const
+{
+    if (!index.isValid())
+        return QAbstractTableModel::flags(index);
+    Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+    flags |= Qt::ItemIsSelectable | Qt::ItemIsEditable;
+    flags &= ~(Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled | Qt::ItemIsUserCheckable);
+    if (m_table.isVariableReadonly(m_table.getVariableAt(index.column())))
+        flags &= ~Qt::ItemIsEditable;
+    return flags;
+}
+
+bool KudTableModel::setData(const QModelIndex& index, const QVariant& value, int role)
+{
+    if (role != Qt::EditRole || !index.isValid() || !(flags(index) & Qt::ItemIsEditable))
+        return false;
+    const KudDatasetVariable variable = m_table.getVariableAt(index.column());
+    const QVariant stored = KudTableUtils::editRoleToValue(m_table.getDetails(variable), value);
+    return m_table.updateValue(variable, index.row(), stored);
+}
+
+void KudTableModel::setCellAlignment(Qt::Alignment alignment)
+{
+    m_alignment = alignment;
+    if (rowCount() > 0 && columnCount() > 0) {
+        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1),
+                         {Qt::TextAlignmentRole});
+    }
+}
+
+void KudTableModel::beginInsertSamples(int first, int count)
+{
+    beginInsertRows(QModelIndex(), first, first + count - 1);
+}
+
+void KudTableModel::endInsertSamples()
+{
+    endInsertRows();
+}
+
+void KudTableModel::beginRemoveSamples(int first, int count)
+{
+    beginRemoveRows(QModelIndex(), first, first + count - 1);
+}
+
+void KudTableModel::endRemoveSamples()
+{
+    endRemoveRows();
+}
+
+void KudTableModel::beginInsertVariables(int first, int count)
+{
+    beginInsertColumns(QModelIndex(), first, first + count - 1);
+}
+
+void KudTableModel::endInsertVariables()
+{
+    endInsertColumns();
+}
+
+void KudTableModel::beginRemoveVariables(int first, int count)
+{
+    beginRemoveColumns(QModelIndex(), first, first + count - 1);
+}
+
+void KudTableModel::endRemoveVariables()
+{
+    endRemoveColumns();
+}
+
+void KudTableModel::beginResetTable()
+{
+    beginResetModel();
+}
+
+void KudTableModel::endResetTable()
+{
+    endResetModel();
+}
+
+void KudTableModel::headerChanged(int first, int last)
+{
+    emit headerDataChanged(Qt::Horizontal, first, last);
+}
+
+void KudTableModel::sampleChanged(int row)
+{
+    if (columnCount() > 0)
+        emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+}
+
+void KudTableModel::valueChanged(int row, int column)
+{
+    valuesChanged(HbiIntervalIntSmall(row, row), column);
+}
+
+void KudTableModel::valuesChanged(const HbiIntervalIntSmall& rows, int column)
+{
+    if (!rows.isEmpty())
+        emit dataChanged(index(rows.getMin(), column), index(rows.getMax(), column));
+}
+
+void KudTableModel::variableChanged(int column)
+{
+    headerChanged(column, column);
+    if (rowCount() > 0)
+        valuesChanged(HbiIntervalIntSmall(0, rowCount() - 1), column);
+}

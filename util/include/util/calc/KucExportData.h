@@ -1,0 +1,102 @@
+#pragma once
+
+#include <util/KuExport.h>
+#include <util/calc/KucAExportDataEncoding.h>
+#include <util/calc/KucExportBlock.h>
+#include <util/utils/KuuCoordSystem.h>
+
+#include <geos/calc/HgcACalculatorSimple.h>
+
+#include <memory>
+
+class HgdADataSet;
+class HgdDataSetGrid;
+class KucGridOrder;
+
+/// Exports the variables of a point or grid dataset as a table: a header line with their names,
+/// then a row a sample, through an exchangeable encoding. Set it up, then run it as any job, in a
+/// thread of its own or in the caller's; the setters are for the owner while it does not run.
+///
+///     KucExportData exportData;
+///     exportData.setDataset(Kuc::createPoints(dataset, Kuc::getExportedVariables(dataset)));
+///     exportData.setEncodingStrategy(new KucExportDataEncodingCsv(path, …));
+///     if (!exportData.runInCurrentThread())
+///         exportData.rethrowError();
+///
+/// Numbers are written in the unit, the format and the precision that their variables are shown
+/// with. Exporting only some of the samples is the dataset's selection.
+///
+/// An error or a cancel leaves the file as far as it was written. Without an encoding, with a
+/// dataset that does not fit the sorting, or with a sorting that does not fit the grid, a run ends
+/// with HbeProgrammingError; with no variable, or with coordinate systems that would need a
+/// reprojection, with HbeUserError, before the file is opened.
+class KELVANE_UTIL_EXPORT KucExportData : public HgcACalculatorSimple
+{
+    Q_OBJECT
+
+public:
+    /// The cell indices that a row of a grid export begins with.
+    enum GridCellPosition {
+        NoPosition = 0,  ///< none, as for any other value
+        CellRank = 1,    ///< "IB": the rank of the cell in the grid, from 1
+        CellIndices = 2, ///< "IX", "IY", in three dimensions "IZ": its indices, from 1
+    };
+
+    explicit KucExportData(QObject* parent = nullptr);
+    ~KucExportData() override;
+
+    /// Keeps a copy, which borrows the same columns: they stay alive and unedited during a run.
+    void setDataset(const HgdADataSet& dataset);
+
+    /// The system of the dataset's coordinates, and that of the file. With a geographic one,
+    /// coordinates are headed and written as longitude and latitude.
+    void setCoordSystems(const KuuCoordSystem& input, const KuuCoordSystem& output);
+
+    /// Empty for points. For a grid its axes (0 is X, 1 is Y, 2 is Z) in the order of the loops,
+    /// the outermost first: {2, 1, 0} walks along X, then Y, then Z.
+    void setSorting(const QList<int>& axes);
+
+    /// See GridCellPosition.
+    void setGridCellPosition(int position);
+
+    /// What is written for an undefined value, nothing by default. An undefined category is an
+    /// empty cell all the same.
+    void setUndefString(const QString& text);
+
+    /// Writes every real as the shortest text that reads back the same, whatever its variable's
+    /// format. Off by default.
+    void setFullPrecision(bool full);
+
+    /// Takes the encoding over; it is deleted with the export, or when another one is set.
+    void setEncodingStrategy(KucAExportDataEncoding* encoding);
+
+protected:
+    void _checkSetup() const override;
+    int _countInputs(const HgcInputRule& rule) const override;
+    /// Coordinate systems that differ are an error, too.
+    QString _checkInputs() const override;
+    void _compute() override;
+
+private:
+    using Columns = KucExportBlock::Columns;
+
+    bool isGridExport() const { return !m_sorting.isEmpty(); }
+    bool isLonLat(const HbdAVariable& variable) const;
+    void checkSorting(const HgdDataSetGrid& grid) const;
+    KucExportColumn createColumn(const HbdAVariable& variable) const;
+    QStringList getIndexNames() const;
+    void writeHeader();
+    void exportSamples();
+    void exportPoints(KucExportBlock& block);
+    void exportGrid(KucExportBlock& block);
+    void exportCells(KucExportBlock& block, const KucGridOrder& order, int first, int end);
+
+    std::unique_ptr<HgdADataSet> m_dataset;
+    KuuCoordSystem m_inputSystem;
+    KuuCoordSystem m_outputSystem;
+    QList<int> m_sorting;
+    int m_gridCellPosition = NoPosition;
+    QString m_undefined;
+    bool m_fullPrecision = false;
+    std::unique_ptr<KucAExportDataEncoding> m_encoding;
+};

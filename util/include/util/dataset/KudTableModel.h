@@ -1,0 +1,56 @@
+#pragma once
+
+#include <util/KuExport.h>
+
+#include <basic/interval/HbiIntervalIntSmall.h>
+
+#include <QtCore/QAbstractTableModel>
+
+class KudADataTable;
+
+/// The Qt model of a table: rows are samples, columns its variables in the order of its header. The
+/// table owns it and tells it of every change; views only read and edit through it.
+class KELVANE_UTIL_EXPORT KudTableModel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    explicit KudTableModel(KudADataTable& table);
+    ~KudTableModel() override;
+
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation,
+                        int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+    /// Writes through the table and its permissions; Qt::EditRole only.
+    bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+
+    /// Right and centred by default.
+    void setCellAlignment(Qt::Alignment alignment);
+
+    // What the table calls around its own changes.
+    void beginInsertSamples(int first, int count);
+    void endInsertSamples();
+    void beginRemoveSamples(int first, int count);
+    void endRemoveSamples();
+    void beginInsertVariables(int first, int count);
+    void endInsertVariables();
+    void beginRemoveVariables(int first, int count);
+    void endRemoveVariables();
+    void beginResetTable();
+    void endResetTable();
+    void headerChanged(int first, int last);
+    void sampleChanged(int row);
+    void valueChanged(int row, int column);
+    void valuesChanged(const HbiIntervalIntSmall& rows, int column);
+    void variableChanged(int column);
+
+private:
+    QString columnToolTip(int column) const;
+
+    KudADataTable& m_table;
+    Qt::Alignment m_alignment = Qt::AlignRight | Qt::AlignVCenter;
+};

@@ -1,0 +1,485 @@
+#include "ExportFixture.h"
+
+#include <basic/calc/HbcCancelled.h>
+#include <basic/error/HbeProgrammingError.h>
+#include <basic/error/HbeUserError.h>
+#include <basic/unit/HbuUnitService.h>
+
+#include <QtCore/QSemaphore>
+
+#include <functional>
+#include <numeric>
+
+namespace
+{
+using Range = HbiIntervalIntSmall;
+using Line = QList<KueFormatedVariant>;
+
+HbuUnit unit(const HbuEUnitClass& unitClass, const char* key)
+{
+    return HbuUnitService::getInstance().getUnit(unitClass, key);
+}
+
+HbdVariableDetails details(const char* name, const HbbEFormat& format = HbbEFormat::DECIMAL,
+                           int precision = 2)
+{
+    HbdVariableDetails result(name);
+    result.format = format;
+    result.precision = precision;
+    return result;
+}
+
+/// Notes what it is given, and does more when it is told to.
+class NotingEncoding : public KucAExportDataEncoding
+{
+public:
+    struct Notes {
+        std::vector<int> blocks; // rows of each
+        std::vector<Line> lines;
+        QStringList calls;
+        std::function<void()> atLine;
+    };
+    explicit NotingEncoding(Notes& notes)
+        : KucAExportDataEncoding(QString())
+        , m_notes(notes)
+    {
+    }
+    ~NotingEncoding() override { m_notes.calls << "deleted"; }
+    void openFile() override { m_notes.calls << "open"; }
+    void closeFile() override { m_notes.calls << "close"; }
+    void abandonFile() override { m_notes.calls << "abandon"; }
+    void writeLine(const Line& row) override
+    {
+        m_notes.lines.push_back(row);
+        if (m_notes.atLine)
+            m_notes.atLine();
+    }
+    void writeBlock(const KucExportBlock& block) override
+    {
+        m_notes.blocks.push_back(block.getRowCount());
+        KucAExportDataEncoding::writeBlock(block);
+    }
+    using KucAExportDataEncoding::getStyle;
+
+private:
+    Notes& m_notes;
+};
+
+class KucExportDataTest : public ExportFixture
+{
+protected:
+    void addNumbers(int count)
+    {
+        std::vector<double> numbers(std::size_t(count), 0.);
+        std::iota(numbers.begin(), numbers.end(), 0.);
+        addColumn<HbdVariableReal>(details("N", HbbEFormat::DECIMAL, 0), std::move(numbers));
+    }
+    /// The one line that a single value makes.
+    QByteArray cell() { return write(points()).split('\n').value(1); }
+};
+} // namespace
+
+TEST_F(KucExportDataTest, CellsFollowTheirVariables)
+{
+    HbdVariableDetails feet = details("Depth", HbbEFormat::DECIMAL, 3);
+    feet.unit = unit(HbuEUnitClass::LENGTH, "m");
+    feet.displayUnit = unit(HbuEUnitClass::LENGTH, "ft");
+    HbdVariableDetails crossed = feet;
+    crossed.displayUnit = unit(HbuEUnitClass::MASS, "kg");
+    ASSERT_TRUE(feet.displayUnit.isValid() && crossed.displayUnit.isValid());
+    const float third = 1.f / 3.f;
+    const struct {
+        const char* line;
+        std::function<void()> add;
+    } rows[] = {
+        {"1.50", [&] { addColumn<HbdVariableReal>(details("A"), {1.5}); }},
+        {"-1.500e+03",
+         [&] { addColumn<HbdVariableReal>(details("A", HbbEFormat::SCIENTIFIC, 3), {-1500.}); }},
+        {"NA", [&] { addColumn<HbdVariableReal>(details("A"), {HbbGlobal::D_FFFF}); }},
+        {"10.000", [&] { addColumn<HbdVariableReal>(feet, {3.048}); }},
+        {"3.048", [&] { addColumn<HbdVariableReal>(crossed, {3.048}); }},
+        {"NA", [&] { addColumn<HbdVariableReal>(feet, {HbbGlobal::D_FFFF}); }},
+        {"0.33333",
+         [&] { addColumn<HbdVariableReal32>(details("A", HbbEFormat::DECIMAL, 5), {third}); }},
+        {"NA",
+         [&] { addColumn<HbdVariableReal32>(details("A"), {HbdVariableReal32::getUndefined()}); }},
+        {"9007199254740993",
+         [&] { addColumn<HbdVariableInteger>(details("A"), {9007199254740993}); }},
+        {"NA", [&] { addColumn<HbdVariableInteger>(details("A"), {HbbGlobal::I_FFFF}); }},
+        {"3.281", [&] { addColumn<HbdVariableInteger>(feet, {1}); }},
+        {"NA", [&] { addColumn<HbdVariableInteger>(feet, {HbbGlobal::I_FFFF}); }},
+        {"\"a,\"\"b\"\"\"", [&] { addColumn<HbdVariableText>(details("A"), {"a,\"b\""}); }},
+        {"", [&] { addColumn<HbdVariableText>(details("A"), {""}); }},
+        {"NA", [&] { addColumn<HbdVariableText>(details("A"), {QString()}); }},
+    };
+    for (const auto& row : rows) {
+        m_columns.clear();
+        row.add();
+        KucExportData exportData;
+        exportData.setDataset(points());
+        exportData.setUndefString("NA");
+        EXPECT_EQ(write(exportData).split('\n').value(1), row.line);
+        EXPECT_EQ(write<LineEncoding>(exportData).split('\n').value(1), row.line);
+    }
+}
+
+TEST_F(KucExportDataTest, UndefinedAndUnknownCategoriesAreEmptyCells)
+{
+    HbdEnumCatalog catalog;
+    catalog.addCategory(0, "clay");
+    catalog.addCategory(700, QString::fromUtf8("grès, fin"));
+    addColumn<HbdVariableEnum>(details("Rock"), {700, 0, 0xFFFF, 5, 701, 0xFFFE})
+        .setCatalog(catalog);
+    KucExportData exportData;
+    exportData.setDataset(points());
+    exportData.setUndefString("NA");
+    EXPECT_EQ(write(exportData), "Rock\n\"grès, fin\"\nclay\n\n\n\n\n");
+}
+
+TEST_F(KucExportDataTest, OtherKindsAreWrittenAsTheirTexts)
+{
+    for (const HbdEVarType& type : {HbdEVarType::SELECTION, HbdEVarType::ALPHA_CHANNEL,
+                                    HbdEVarType::COLOR, HbdEVarType::DATE}) {
+        m_columns.push_back(HbdAVariable::create(HbdVariableDetails(type.getKey(), type)));
+        m_columns.back()->resize(2);
+    }
+    const char* const texts[] = {"1", "128", "#ff8000", "2024-02-29T12:00:00.000Z"};
+    for (std::size_t i = 0; i < m_columns.size(); ++i)
+        m_columns[i]->setVariant(0, QString(texts[i]));
+    KucExportData exportData;
+    exportData.setDataset(points());
+    exportData.setUndefString("NA");
+    EXPECT_EQ(write(exportData), "SELECTION,ALPHA_CHANNEL,COLOR,DATE\n"
+                                 "1,128,#ff8000,2024-02-29T12:00:00.000Z\n"
+                                 "0,255,NA,NA\n");
+}
+
+TEST_F(KucExportDataTest, FullPrecisionReadsBackTheSame)
+{
+    addColumn<HbdVariableReal>(details("A"), {0.1, 1e-300, 123456.789});
+    KucExportData exportData;
+    exportData.setDataset(points());
+    exportData.setFullPrecision(true);
+    EXPECT_EQ(write(exportData), "A\n0.1\n1e-300\n123456.789\n");
+}
+
+TEST_F(KucExportDataTest, HeaderCellsAreTextsWithTheirOwnFormat)
+{
+    auto& zn = addColumn<HbdVariableReal>(details("Zn, \"ppm\"", HbbEFormat::SCIENTIFIC, 5), {1.});
+    zn.setRealization("3");
+    EXPECT_EQ(write(points()).split('\n').first(), "\"Zn, \"\"ppm\"\"[3]\"");
+    NotingEncoding::Notes notes;
+    KucExportData exportData;
+    exportData.setDataset(points());
+    exportData.setEncodingStrategy(new NotingEncoding(notes));
+    ASSERT_TRUE(exportData.runInCurrentThread());
+    EXPECT_EQ(notes.lines[0][0].format, HbbEFormat::DECIMAL);
+    EXPECT_EQ(notes.lines[0][0].precision, 2);
+    EXPECT_EQ(notes.lines[1][0].format, HbbEFormat::SCIENTIFIC);
+    EXPECT_EQ(notes.lines[1][0].precision, 5);
+}
+
+TEST_F(KucExportDataTest, GeographicCoordinatesAreLongitudeAndLatitudeInDegrees)
+{
+    HbdVariableDetails x = details("east");
+    x.role = HbdEVarRole::X_COORDINATE;
+    HbdVariableDetails y = details("north");
+    y.role = HbdEVarRole::Y_COORDINATE;
+    y.unit = unit(HbuEUnitClass::ANGLE, "gon");
+    y.displayUnit = unit(HbuEUnitClass::ANGLE, "rad");
+    addColumn<HbdVariableReal>(x, {2.25});
+    addColumn<HbdVariableReal>(y, {50});
+    addColumn<HbdVariableReal>(details("Zn"), {7});
+    KucExportData exportData;
+    exportData.setDataset(points());
+    exportData.setCoordSystems(KuuCoordSystem::createFromEpsg("4326"),
+                               KuuCoordSystem::createFromEpsg("4326"));
+    EXPECT_EQ(write(exportData), "Longitude,Latitude,Zn\n2.2500000,45.0000000,7.00\n");
+    exportData.setCoordSystems(KuuCoordSystem::createFromEpsg("2154"),
+                               KuuCoordSystem::createFromEpsg("2154"));
+    EXPECT_EQ(write(exportData), "east,north,Zn\n2.25,0.79,7.00\n");
+}
+
+TEST_F(KucExportDataTest, PointsGoInBlocksOfRanks)
+{
+    addNumbers(250000);
+    HgdDataSetPoints dataset = points();
+    const struct {
+        HbiIntervalIntSmallDisjoint selection;
+        std::vector<int> blocks;
+    } rows[] = {
+        {HbiIntervalIntSmallDisjoint{Range(0, 249999)}, {100000, 100000, 50000}},
+        {HbiIntervalIntSmallDisjoint{Range(99999, 100000)}, {1, 1, 0}},
+        {HbiIntervalIntSmallDisjoint{Range(5, 5), Range(7, 220000), Range(249999, 249999)},
+         {99994, 100000, 20002}},
+        {HbiIntervalIntSmallDisjoint(), {0, 0, 0}},
+    };
+    for (const auto& row : rows) {
+        dataset.setSelection(row.selection);
+        NotingEncoding::Notes notes;
+        KucExportData exportData;
+        exportData.setDataset(dataset);
+        exportData.setEncodingStrategy(new NotingEncoding(notes));
+        ASSERT_TRUE(exportData.runInCurrentThread());
+        EXPECT_EQ(notes.blocks, row.blocks);
+        std::vector<int> written;
+        for (std::size_t i = 1; i < notes.lines.size(); ++i)
+            written.push_back(notes.lines[i][0].value.toInt());
+        std::vector<int> expected;
+        row.selection.forEachRank([&](int rank) { expected.push_back(rank); });
+        EXPECT_EQ(written, expected);
+        EXPECT_EQ(exportData.getCounter(), 250000);
+        EXPECT_EQ(exportData.getMessage(), "Exporting...");
+        EXPECT_EQ(notes.calls, (QStringList{"open", "close"}));
+    }
+}
+
+TEST_F(KucExportDataTest, GridLoopsFollowTheSorting)
+{
+    const HbgGeomGrid solid(4, 3, 5, {0, 0, 0}, 1, 1, 1);
+    const HbgGeomGrid flat(4, 3, {0, 0}, 1, 1);
+    for (const HbgGeomGrid& geometry : {solid, flat}) {
+        m_columns.clear();
+        addNumbers(int(geometry.getNodeCount()));
+        HgdDataSetGrid grid(geometry);
+        grid.addVariable(*m_columns.front());
+        QList<int> axes = geometry.is3D() ? QList<int>{0, 1, 2} : QList<int>{0, 1};
+        const QByteArray z = geometry.is3D() ? ",IZ" : "";
+        const int lengths[] = {geometry.getNx(), geometry.getNy(), geometry.getNz()};
+        do {
+            QByteArray plain = "N\n";
+            QByteArray ranks = "IB,N\n";
+            QByteArray indices = "IX,IY" + z + ",N\n";
+            int at[3] = {0, 0, 0};
+            const std::function<void(int)> loop = [&](int depth) {
+                if (depth < axes.size()) {
+                    int& i = at[axes[depth]];
+                    for (i = 0; i < lengths[axes[depth]]; ++i)
+                        loop(depth + 1);
+                    i = 0;
+                    return;
+                }
+                const qint64 rank = geometry.getRank({at[0], at[1], at[2]});
+                const QByteArray value = QByteArray::number(rank) + '\n';
+                plain += value;
+                ranks += QByteArray::number(rank + 1) + ',' + value;
+                for (int i = 0; i < axes.size(); ++i)
+                    indices += QByteArray::number(at[i] + 1) + ',';
+                indices += value;
+            };
+            loop(0);
+            KucExportData exportData;
+            exportData.setDataset(grid);
+            exportData.setSorting(axes);
+            // 8 bytes a cell: at once, in slabs of several layers, of one layer.
+            for (const int memory : {1000000, 250, 90, 1}) {
+                exportData.setAvailableMemory(memory);
+                exportData.setGridCellPosition(KucExportData::CellIndices);
+                EXPECT_EQ(write(exportData), indices);
+                exportData.setGridCellPosition(KucExportData::CellRank);
+                EXPECT_EQ(write<LineEncoding>(exportData), ranks);
+                exportData.setGridCellPosition(3);
+                EXPECT_EQ(write(exportData), plain);
+                EXPECT_EQ(exportData.getCounter(), geometry.getNodeCount());
+            }
+        } while (std::next_permutation(axes.begin(), axes.end()));
+    }
+}
+
+TEST_F(KucExportDataTest, LowMemoryReadsTheGridInSlabsOfTheOutermostLoop)
+{
+    addNumbers(60);
+    HgdDataSetGrid grid(HbgGeomGrid(4, 3, 5, {0, 0, 0}, 1, 1, 1));
+    grid.addVariable(*m_columns.front());
+    const struct {
+        int memory;
+        std::vector<int> blocks; // a layer of Z has 12 cells of 8 bytes
+    } rows[] = {
+        {5 * 3 * 8, {60}}, {5 * 3 * 8 - 1, {12, 12, 12, 12, 12}}, {1, {12, 12, 12, 12, 12}}};
+    for (const auto& row : rows) {
+        NotingEncoding::Notes notes;
+        KucExportData exportData;
+        exportData.setDataset(grid);
+        exportData.setSorting({2, 1, 0});
+        exportData.setAvailableMemory(row.memory);
+        exportData.setEncodingStrategy(new NotingEncoding(notes));
+        ASSERT_TRUE(exportData.runInCurrentThread());
+        EXPECT_EQ(notes.blocks, row.blocks);
+    }
+}
+
+TEST_F(KucExportDataTest, GridCellsOutsideOfTheSelectionAreLeftOut)
+{
+    addNumbers(6);
+    HgdDataSetGrid grid(HbgGeomGrid(3, 2, {0, 0}, 1, 1));
+    grid.addVariable(*m_columns.front());
+    grid.setSelection({Range(1, 3)});
+    KucExportData exportData;
+    exportData.setDataset(grid);
+    exportData.setSorting({0, 1});
+    exportData.setGridCellPosition(KucExportData::CellRank);
+    EXPECT_EQ(write(exportData), "IB,N\n4,3\n2,1\n3,2\n");
+    EXPECT_EQ(exportData.getCounter(), 6);
+}
+
+TEST_F(KucExportDataTest, FailuresSpeakInWholeMessages)
+{
+    addNumbers(6);
+    HgdDataSetGrid grid(HbgGeomGrid(3, 2, {0, 0}, 1, 1));
+    grid.addVariable(*m_columns.front());
+    const HgdDataSetPoints points = this->points();
+    const QString setup = "'virtual void KucExportData::_checkSetup() const' in file "
+                          "'calc\\KucExportData' failed:\n\n";
+    const QString sorting = "'void KucExportData::checkSorting(const HgdDataSetGrid&) const' in "
+                            "file 'calc\\KucExportData' failed:\n\n"
+                            "The sorting does not name each grid axis once";
+    const QString missing = path("no/file %1.csv");
+    const struct {
+        QString error;
+        bool isUserError;
+        const HgdADataSet* dataset;
+        QList<int> axes;
+        QString path;
+        const char* output;
+    } rows[] = {
+        {setup + "There is no encoding strategy set.", false, &points, {}, {}, ""},
+        {setup + "Expecting Point dataset", false, &grid, {}, path(), ""},
+        {setup + "Expecting Grid dataset", false, &points, {0, 1}, path(), ""},
+        {sorting, false, &grid, {0, 1, 2}, path(), ""},
+        {sorting, false, &grid, {1, 1}, path(), ""},
+        {"Too few variables of role 'V': 0 given, at least 1 expected.",
+         true,
+         new HgdDataSetPoints(3),
+         {},
+         path(),
+         ""},
+        {"Cannot open the file '" + missing + "' : No such file or directory",
+         true,
+         &points,
+         {},
+         missing,
+         ""},
+        {"The coordinates cannot be exported from the coordinate system 'none' to 'WGS 84': "
+         "reprojection is not available in this version.",
+         true,
+         &points,
+         {},
+         path(),
+         "4326"},
+    };
+    const std::unique_ptr<const HgdADataSet> owned(rows[5].dataset);
+    for (const auto& row : rows) {
+        KucExportData exportData;
+        exportData.setDataset(*row.dataset);
+        exportData.setSorting(row.axes);
+        if (*row.output)
+            exportData.setCoordSystems({}, KuuCoordSystem::createFromEpsg(row.output));
+        if (!row.path.isEmpty())
+            exportData.setEncodingStrategy(
+                new KucExportDataEncodingCsv(row.path, KueCsvSeparator(), KueDecimalSeparator()));
+        exportData.start();
+        exportData.wait();
+        EXPECT_EQ(exportData.getErrorText(), row.error);
+        if (row.isUserError)
+            EXPECT_THROW(exportData.rethrowError(), HbeUserError);
+        else
+            EXPECT_THROW(exportData.rethrowError(), HbeProgrammingError);
+        EXPECT_EQ(readFile(), "no file");
+    }
+}
+
+TEST_F(KucExportDataTest, ALineWithoutAnOpenFileIsAProgrammingError)
+{
+    KucExportDataEncodingCsv encoding(path(), KueCsvSeparator(), KueDecimalSeparator());
+    try {
+        encoding.writeLine({});
+        FAIL();
+    } catch (const HbeProgrammingError& error) {
+        EXPECT_TRUE(error.getMessage().endsWith(
+            "' in file 'calc\\KucExportDataEncodingCsv' failed:\n\nFile is not open"));
+    }
+}
+
+TEST_F(KucExportDataTest, AFullDiskIsTold)
+{
+    if (!QFile::exists("/dev/full"))
+        GTEST_SKIP();
+    addNumbers(100);
+    KucExportData exportData;
+    exportData.setDataset(points());
+    exportData.setEncodingStrategy(
+        new KucExportDataEncodingCsv("/dev/full", KueCsvSeparator(), KueDecimalSeparator()));
+    EXPECT_FALSE(exportData.runInCurrentThread());
+    EXPECT_EQ(exportData.getErrorText(),
+              "Cannot write the file '/dev/full' : No space left on device");
+    EXPECT_THROW(exportData.rethrowError(), HbeUserError);
+}
+
+TEST_F(KucExportDataTest, ACancelFromAnotherThreadKeepsTheRowsWritten)
+{
+    addNumbers(3000000);
+    for (const bool interrupt : {false, true}) {
+        KucExportData exportData;
+        exportData.setDataset(points());
+        exportData.setEncodingStrategy(
+            new KucExportDataEncodingCsv(path(), KueCsvSeparator(), KueDecimalSeparator()));
+        exportData.start();
+        while (exportData.getCounter() < 150000 && exportData.isRunning())
+            QThread::yieldCurrentThread();
+        if (interrupt)
+            exportData.requestInterruption();
+        else
+            exportData.requestCancel();
+        exportData.wait();
+        ASSERT_EQ(exportData.getOutcome(), HbcAProgress::Outcome::CANCELLED);
+        EXPECT_THROW(exportData.rethrowError(), HbcCancelled);
+        const QByteArray bytes = readFile();
+        const int rows = bytes.count('\n') - 1;
+        EXPECT_EQ(rows, exportData.getCounter());
+        EXPECT_LT(rows, 3000000);
+        EXPECT_TRUE(bytes.endsWith('\n' + QByteArray::number(rows - 1) + '\n'));
+        // The same export, started again, runs to its end.
+        exportData.setDataset(HgdDataSetPoints(points()));
+        EXPECT_TRUE(exportData.runInCurrentThread());
+        EXPECT_EQ(readFile().count('\n'), 3000001);
+    }
+}
+
+TEST_F(KucExportDataTest, TheEncodingIsOwnedAndLetsGoOfTheFileAfterAnError)
+{
+    addNumbers(10);
+    NotingEncoding::Notes first;
+    NotingEncoding::Notes second;
+    {
+        KucExportData exportData;
+        exportData.setDataset(points());
+        auto* const encoding = new NotingEncoding(first);
+        exportData.setEncodingStrategy(encoding);
+        exportData.setEncodingStrategy(encoding);
+        first.atLine = [&first] {
+            if (first.lines.size() == 4)
+                throw HbeUserError("enough");
+        };
+        EXPECT_FALSE(exportData.runInCurrentThread());
+        EXPECT_EQ(exportData.getErrorText(), "enough");
+        EXPECT_EQ(first.calls, (QStringList{"open", "abandon"}));
+        exportData.setEncodingStrategy(new NotingEncoding(second));
+        EXPECT_EQ(first.calls.last(), "deleted");
+    }
+    EXPECT_EQ(second.calls, QStringList("deleted"));
+}
+
+TEST_F(KucExportDataTest, StylesOfColumnsCountForRowsOfTheirLength)
+{
+    NotingEncoding::Notes notes;
+    NotingEncoding encoding(notes);
+    encoding.setStyleRow({7, Qt::red, "row", 1});
+    EXPECT_EQ(encoding.getStyle(1, 2).text, "row");
+    encoding.setStyleCells({{1, Qt::blue, "a", 2}, {2, Qt::green, "b", 3}});
+    EXPECT_EQ(encoding.getStyle(1, 2).text, "b");
+    const KucAExportDataEncoding::CellFormat other = encoding.getStyle(1, 3);
+    EXPECT_EQ(other.style, 0);
+    EXPECT_EQ(other.color, QColor(Qt::white));
+    EXPECT_EQ(other.text, "");
+    EXPECT_EQ(other.alignment, 0);
+}

@@ -1,0 +1,383 @@
+#include <QtPrinters.h>
+
+#include <util/dataset/KudGenericDatasetFactory.h>
+#include <util/dataset/KudMemoryDatasetGrid.h>
+#include <util/dataset/KudMemoryDatasetPoint.h>
+#include <util/observable/KuoIObserver.h>
+#include <util/utils/KuuGeometrySample.h>
+#include <util/utils/KuuMemento.h>
+#include <util/xml/KuxXmlMementoFile.h>
+
+#include <basic/base/HbbGlobal.h>
+#include <basic/data/HbdVariableEnum.h>
+#include <basic/data/HbdVariableReal.h>
+#include <basic/data/HbdVariableText.h>
+#include <basic/error/HbeProgrammingError.h>
+#include <basic/error/HbeUserError.h>
+#include <basic/geometry/HbgGeomGrid.h>
+#include <basic/unit/HbuUnitService.h>
+
+#include <QtCore/QProcess>
+#include <QtCore/QProcessEnvironment>
+#include <QtCore/QStandardPaths>
+
+#include <limits>
+
+namespace
+{
+class Recorder : public KuoIObserver<KudDatasetModif>
+{
+public:
+    void update(const KudDatasetModif& notice) override { notices.push_back(notice); }
+    std::vector<KudDatasetModif> notices;
+};
+
+KuuGeometrySet gridOf(int nx, int ny)
+{
+    return KuuGeometrySet(HbgGeomGrid(nx, ny, HbgVector2D{100, 200}, 10, 20));
+}
+
+std::unique_ptr<HbdAVariable> categories(int count)
+{
+    auto column =
+        std::make_unique<HbdVariableEnum>(HbdVariableDetails("rock type", HbdEVarType::CATEGORY));
+    HbdEnumCatalog catalog;
+    catalog.setId("rocks");
+    catalog.addCategory(3, QString::fromUtf8("grès <&> \"fin\""), QColor(200, 180, 60));
+    catalog.addCategory(1, "");
+    catalog.addCategory(65534, "  ");
+    column->setCatalog(catalog);
+    for (int i = 0; i < count; ++i)
+        column->append(quint16(i % 4 == 0 ? 0xFFFF : i % 3 == 0 ? 77 : 3));
+    return column;
+}
+
+/// A dataset with a column of every kind and values that like to get lost.
+void fillWithEverything(KudMemoryDatasetPoint& dataset)
+{
+    constexpr double D = std::numeric_limits<double>::denorm_min();
+    const double reals[] = {0.1, -0.0,  HbbGlobal::D_FFFF,
+                            D,   1e308, std::numeric_limits<double>::infinity()};
+    const QString texts[] = {QString(),
+                             "",
+                             " \t\r\n ",
+                             QString::fromUtf8("地質 \xF0\x9F\xAA\xA8"),
+                             QString(QChar(0xD800)),
+                             QString(QChar(0))};
+    KudMemoryDataTable& table = *dataset.getPointTable();
+    HbdVariableDetails x("x", HbdEVarType::REAL, HbdEVarRole::X_COORDINATE);
+    x.unit = HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, "m");
+    x.tags.add("a tag");
+    x.format = HbbEFormat::DECIMAL;
+    x.precision = 3;
+    auto realColumn = std::make_unique<HbdVariableReal>(x);
+    auto textColumn = std::make_unique<HbdVariableText>(
+        HbdVariableDetails("note, with \"marks\"", HbdEVarType::TEXT, HbdEVarRole::NAME));
+    for (int i = 0; i < 6; ++i) {
+        realColumn->append(reals[i]);
+        textColumn->append(texts[i]);
+    }
+    table.addVariable(std::move(realColumn));
+    table.addVariable(std::move(textColumn));
+    table.addVariable(categories(6));
+    int value = 0;
+    for (const HbdEVarType& type : HbdEVarType::createIterator()) {
+        HbdVariableDetails details("every " + type.getKey(), type);
+        const KudDatasetVariable variable = table.createVariable(details);
+        for (int rank = 0; rank < 5; ++rank)
+            table.updateValue(variable, rank, ++value % 250);
+    }
+    auto realization = std::make_unique<HbdVariableReal>(HbdVariableDetails("sim"));
+    realization->setRealization("12");
+    realization->resize(6);
+    table.addVariable(std::move(realization));
+}
+} // namespace
+
+TEST(KudADataset, ComesBackFromItsFileEqual)
+{
+    KudMemoryDatasetPoint dataset("Campaign 1");
+    fillWithEverything(dataset);
+    dataset.setCoordSystem(KuuCoordSystem::createFromEpsg("28992", "our name"));
+    dataset.setFlag(Ku::CanDeleteVariables, false);
+    dataset.setTagFlag("a tag", KudADataset::HiddenVariable);
+    dataset.setDefaultObjectName("sample");
+
+    QTemporaryDir directory;
+    KuxXmlMementoFile::save(QDir(directory.path()), dataset.getMemento());
+    const auto ids =
+        KuxXmlMementoFile::getIdList(QDir(directory.path()), KudADataset::getMementoRelation());
+    ASSERT_EQ(ids.size(), 1);
+    const KuuMemento memento = KuxXmlMementoFile::read(QDir(directory.path()), ids[0]);
+    const auto restored = KudGenericDatasetFactory().create(memento, true);
+
+    auto* points = KudMemoryDatasetPoint::convert(restored.get());
+    ASSERT_NE(points, nullptr);
+    EXPECT_EQ(points->getId(), dataset.getId());
+    EXPECT_EQ(points->getName(), dataset.getName());
+    EXPECT_EQ(points->getCoordSystem(), dataset.getCoordSystem());
+    EXPECT_EQ(points->getFlags(), dataset.getFlags());
+    EXPECT_EQ(points->getTags(KudADataset::HiddenVariable), QStringList{"a tag"});
+    EXPECT_EQ(points->getDefaultObjectName(), "sample");
+    EXPECT_TRUE(
+        points->getPointTable()->getDataTable().isEqual(dataset.getPointTable()->getDataTable()));
+
+    const auto copy = KudGenericDatasetFactory().create(memento, false);
+    EXPECT_NE(copy->getId(), dataset.getId());
+}
+
+TEST(KudADataset, RestoresAnEditWithOneNotice)
+{
+    Recorder recorder;
+    KudMemoryDatasetPoint dataset("Campaign");
+    fillWithEverything(dataset);
+    const HbdDataTable before = dataset.getPointTable()->getDataTable();
+    const KuuMemento memento = dataset.getMemento();
+
+    dataset.getPointTable()->deleteSample(2);
+    dataset.deleteVariable(dataset.getPointTable()->getVariableAt(1));
+    dataset.setName("Renamed");
+    dataset.addObserver(&recorder);
+    dataset.setMemento(memento, false);
+
+    EXPECT_TRUE(dataset.getPointTable()->getDataTable().isEqual(before));
+    EXPECT_EQ(dataset.getName(), "Campaign");
+    ASSERT_EQ(recorder.notices.size(), 1U);
+    EXPECT_TRUE(recorder.notices[0].testReason(KudDatasetModif::Reset));
+    EXPECT_EQ(recorder.notices[0].dataset(), &dataset);
+}
+
+TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
+{
+    Recorder recorder;
+    KudMemoryDatasetPoint dataset("Campaign");
+    fillWithEverything(dataset);
+    const HbdDataTable before = dataset.getPointTable()->getDataTable();
+    const KuuMemento good = dataset.getMemento();
+    dataset.addObserver(&recorder);
+
+    const auto damaged = [&good](const std::function<void(QVariantMap&, QVariantMap&)>& damage) {
+        QVariantMap table = good.getField("table").toMap();
+        QVariantList variables = table.value("variables").toList();
+        QVariantMap first = variables[0].toMap();
+        damage(table, first);
+        variables[0] = first;
+        if (table.contains("variables"))
+            table.insert("variables", variables);
+        KuuMemento memento = good;
+        memento.setField("table", table);
+        return memento;
+    };
+    // A frame that says it holds 2^60 bytes: magic, an eight-byte size field, the size.
+    const QByteArray bomb = QByteArray::fromHex("28b52ffdc0"
+                                                "00"
+                                                "0000000000001000")
+                                .toBase64();
+    const struct {
+        const char* what;
+        std::function<void(QVariantMap&, QVariantMap&)> damage;
+        const char* message;
+    } cases[] = {
+        {"no number of samples", [](auto& t, auto&) { t.remove("sampleCount"); },
+         "The number of samples of the table is not valid."},
+        {"more samples than values", [](auto& t, auto&) { t["sampleCount"] = 2147483647; },
+         "Cannot read the variable 'x': Its values take 48 bytes instead of 17179869176."},
+        {"a negative number", [](auto& t, auto&) { t["sampleCount"] = "-6"; },
+         "The number of samples of the table is not valid."},
+        {"no base64", [](auto&, auto& c) { c["values"] = "@@@"; },
+         "Cannot read the variable 'x': Its values are not valid base64."},
+        {"no frame", [](auto&, auto& c) { c["values"] = "AAAAAAAA"; },
+         "Cannot read the variable 'x': Its values are not compressed as expected."},
+        {"a bomb", [&](auto&, auto& c) { c["values"] = bomb; }, "Cannot read the variable 'x'"},
+        {"a cut frame", [](auto&, auto& c) { c["values"] = c["values"].toByteArray().left(24); },
+         "Cannot read the variable 'x': Its compressed values are damaged."},
+        {"an unknown type", [](auto&, auto& c) { c["type"] = "TENSOR"; },
+         "Cannot read the variable 'x': Its type 'TENSOR' is not known."},
+        {"no name", [](auto&, auto& c) { c["name"] = ""; },
+         "Cannot read the variable '': Its name is empty or taken."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        try {
+            dataset.setMemento(damaged(c.damage), false);
+            ADD_FAILURE() << "accepted";
+        } catch (const HbeUserError& error) {
+            EXPECT_THAT(error.what(), testing::StartsWith(c.message));
+        }
+        EXPECT_TRUE(dataset.getPointTable()->getDataTable().isEqual(before));
+        EXPECT_TRUE(recorder.notices.empty());
+        EXPECT_FALSE(dataset.isLocked());
+    }
+}
+
+TEST(KudADataset, TurnsTheNoticesOfItsTableIntoItsOwn)
+{
+    Recorder recorder;
+    KudMemoryDatasetPoint dataset("Campaign");
+    fillWithEverything(dataset);
+    KudMemoryDataTable& table = *dataset.getPointTable();
+    dataset.addObserver(&recorder);
+
+    table.updateValue(table.getVariableAt(0), 1, 5.0);
+    table.notifyReset();
+    ASSERT_EQ(recorder.notices.size(), 2U);
+    EXPECT_TRUE(recorder.notices[0].testReason(KudDatasetModif::TableModified));
+    EXPECT_TRUE(recorder.notices[0].modifForTable(&table).testReason(KudTableModif::ValuesChanged));
+    EXPECT_TRUE(recorder.notices[1].testReason(KudDatasetModif::TableModified));
+    EXPECT_TRUE(recorder.notices[1].modifForTable(&table).testReason(KudTableModif::Reset));
+}
+
+TEST(KudMemoryDatasetPoint, HasOneObjectASample)
+{
+    KudMemoryDatasetPoint dataset("Holes");
+    EXPECT_EQ(dataset.createObject(HbgVector2D{1, 2}), -1); // no coordinates yet
+    KudMemoryDataTable& table = *dataset.getPointTable();
+    for (const auto& [name, role] : {std::pair{"x", HbdEVarRole::X_COORDINATE},
+                                     {"y", HbdEVarRole::Y_COORDINATE},
+                                     {"z", HbdEVarRole::Z_COORDINATE}})
+        table.createVariable(HbdVariableDetails(name, HbdEVarType::REAL, role));
+    EXPECT_EQ(dataset.createObject(HbgVector3D{1, 2, 3}), 0);
+    EXPECT_EQ(dataset.createObject(HbgVector2D{5, -7}), 1);
+    table.createSample(QVector<QVariant>{});
+    EXPECT_EQ(dataset.getObjectCount(), 3);
+    EXPECT_TRUE(dataset.is3D());
+    EXPECT_EQ(dataset.getObject(0), KuuGeometrySample(HbgVector3D{1, 2, 3}));
+    EXPECT_TRUE(dataset.getObject(3).isEmpty());
+
+    const HbgBox box = dataset.getBoundingBox();
+    EXPECT_EQ(box.getXMax(), 5);
+    EXPECT_EQ(box.getYMin(), -7);
+    EXPECT_EQ(box.getZMax(), 3);
+    EXPECT_EQ(dataset.readGeometrySet().getSampleCount(), 3);
+    dataset.updateObject(1, HbgVector3D{6, 6, 6});
+    EXPECT_EQ(table.readXCoordinate()->getNumber(1), 6);
+    dataset.deleteObjects(HbiIntervalIntSmall(0, 1));
+    EXPECT_EQ(dataset.getObjectCount(), 1);
+}
+
+TEST(KudMemoryDatasetGrid, HasOneSampleANodeAndRefusesWhatIsNoGrid)
+{
+    Recorder recorder;
+    KudMemoryDatasetGrid grid("Model");
+    grid.addObserver(&recorder);
+    grid.setGeometrySet(gridOf(4, 3));
+    EXPECT_EQ(grid.getObjectCount(), 12);
+    ASSERT_EQ(recorder.notices.size(), 1U);
+    EXPECT_TRUE(recorder.notices[0].testReason(KudDatasetModif::Reset));
+    EXPECT_EQ(grid.createObject(HbgVector2D{0, 0}), -1);
+    EXPECT_EQ(grid.getGridTable()->createSample(QVector<QVariant>{}), -1);
+    EXPECT_FALSE(grid.getGridTable()->deleteAllSamples());
+
+    const struct {
+        KuuGeometrySet geometry;
+        const char* message;
+    } refused[] = {
+        {KuuGeometrySet(HbgEGeometrySet::POINTS, HbgEDimension::DIM_2D), "Invalid geometry set."},
+        {KuuGeometrySet(), "Invalid geometry set."},
+        {gridOf(70000, 70000), "Too many samples for a Grid Memory dataset."},
+    };
+    for (const auto& c : refused) {
+        try {
+            grid.setGeometrySet(c.geometry);
+            ADD_FAILURE() << c.message;
+        } catch (const HbeProgrammingError& error) {
+            EXPECT_THAT(error.what(), testing::EndsWith(c.message));
+            EXPECT_THAT(error.what(), testing::HasSubstr("in file 'dataset/KudMemoryDatasetGrid'"));
+        }
+        EXPECT_EQ(grid.getObjectCount(), 12);
+    }
+    EXPECT_THROW(grid.getObject(0), HbeProgrammingError);
+}
+
+TEST(KudMemoryDatasetGrid, ComesBackFromItsMementoEqual)
+{
+    KudMemoryDatasetGrid grid("Model");
+    grid.setGeometrySet(gridOf(4, 3));
+    grid.createVariable(HbdVariableDetails("v"), HbdESupport::GRID);
+    grid.setCoordSystem(KuuCoordSystem::createLocal());
+    grid.setObjectName(2, "no name variable: nothing happens");
+    KudMemoryDatasetGrid other("Other");
+    other.setMemento(grid.getMemento(), true);
+    EXPECT_EQ(other.readGeometrySet(), grid.readGeometrySet());
+    EXPECT_EQ(other.getCoordSystem(), grid.getCoordSystem());
+    EXPECT_TRUE(other.getGridTable()->getDataTable().isEqual(grid.getGridTable()->getDataTable()));
+
+    KuuMemento wrong = grid.getMemento();
+    wrong.setField("geometry", gridOf(4, 4).toVariantMap());
+    EXPECT_THROW(other.setMemento(wrong, true), HbeUserError);
+    EXPECT_EQ(other.readGeometrySet(), grid.readGeometrySet());
+}
+
+TEST(KudGenericDatasetFactory, NamesTheTypeItCannotMake)
+{
+    KuuMemento memento(KuuId::generate("Dataset"));
+    memento.setField("type", "Nonsense");
+    try {
+        KudGenericDatasetFactory().create(memento, true);
+        ADD_FAILURE();
+    } catch (const HbeProgrammingError& error) {
+        EXPECT_THAT(error.what(), testing::EndsWith("Unable to create a dataset of type Nonsense"));
+        EXPECT_THAT(error.what(), testing::HasSubstr("'dataset/KudGenericDatasetFactory'"));
+    }
+}
+
+TEST(KudEDatasetType, KnowsItsItems)
+{
+    EXPECT_EQ(KudEDatasetType::fromKey("GRID").getValue(), 4);
+    EXPECT_EQ(KudEDatasetType::GRID.getLabel(), "Project grid");
+    EXPECT_EQ(KudEDatasetType::count(), 12);
+    EXPECT_EQ(KudEDatasetType(), KudEDatasetType::NONE);
+}
+
+/// The documented form, read by a program that knows nothing of ours: the one in the documentation.
+TEST(KudADataset, IsReadByTheDocumentedPythonProgram)
+{
+    const QString python = QStandardPaths::findExecutable("python3");
+    QFile document(qEnvironmentVariable("KELVANE_SOURCE_DIR") + "/docs/formats/dataset-memento.md");
+    if (python.isEmpty() || QStandardPaths::findExecutable("zstd").isEmpty() ||
+        !document.open(QFile::ReadOnly))
+        GTEST_SKIP() << "needs python3, zstd and the source tree";
+    const QString text = QString::fromUtf8(document.readAll());
+    const QString program = text.section("```python\n", 1).section("```", 0, 0);
+
+    KudMemoryDatasetPoint dataset("Campaign");
+    KudMemoryDataTable& table = *dataset.getPointTable();
+    const struct {
+        HbdEVarType type;
+        QVariant value;
+        const char* printed;
+    } columns[] = {
+        {HbdEVarType::REAL, 0.1, "0.1"},
+        {HbdEVarType::REAL, QVariant(), "1e+300"},
+        {HbdEVarType::REAL_32, 0.5, "0.5"},
+        {HbdEVarType::INTEGER, qint64(-9007199254740993), "-9007199254740993"},
+        {HbdEVarType::TEXT, QString::fromUtf8("grès, 地質"), "grès, 地質"},
+        {HbdEVarType::TEXT, QVariant(), "None"},
+        {HbdEVarType::CATEGORY, 12, "12"},
+        {HbdEVarType::DATE, "1970-01-01T00:00:01", "1000"},
+        {HbdEVarType::SELECTION, 1, "1"},
+    };
+    QStringList expected;
+    QVector<QVariant> row;
+    for (const auto& column : columns) {
+        const QString name = QString("v%1").arg(row.size());
+        table.createVariable(HbdVariableDetails(name, column.type));
+        row.append(column.value);
+        expected << name + '\t' + QString::fromUtf8(column.printed);
+    }
+    table.createSamples({row, row});
+
+    QTemporaryDir directory;
+    const QString path = directory.filePath("dataset.xml");
+    KuxXmlMementoFile::save(path, dataset.getMemento());
+    QProcess process;
+    process.setProcessEnvironment([] {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("PYTHONIOENCODING", "utf-8");
+        return environment;
+    }());
+    process.start(python, {"-c", program, path});
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.readAllStandardError(), "");
+    EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()).trimmed().split('\n'), expected);
+}
