@@ -1,5 +1,5 @@
-// Any bytes are read as a table or refused with an error; a table that was read is whole. The first
-// byte chooses the options.
+// Any bytes are read as a table or refused with an error; a table that was read is whole, and the
+// same whatever the blocks it was read in. The first byte chooses the options.
 #include <util/extern/KueTableReader.h>
 
 #include <basic/error/HbeUserError.h>
@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 
 namespace
 {
@@ -29,6 +30,24 @@ KueTableOptions makeOptions(std::uint8_t choice)
     }
     return options;
 }
+
+std::optional<KueTableResult> read(const KueTableOptions& options, const QString& path)
+{
+    try {
+        KueTableResult result = KueTableReader(options).read(path);
+        if (result.table.getVariableCount() == 0)
+            std::abort();
+        for (int i = 0; i < result.table.getVariableCount(); ++i) {
+            const HbdAVariable& column = *result.table.getVariableAt(i);
+            if (column.getCount() != result.table.getSampleCount() ||
+                column.getDetails().name.isEmpty())
+                std::abort();
+        }
+        return result;
+    } catch (const HbeUserError&) {
+        return std::nullopt;
+    }
+}
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -42,17 +61,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::abort();
     file.write(reinterpret_cast<const char*>(data + 1), static_cast<qint64>(size - 1));
     file.close();
-    try {
-        const KueTableResult result = KueTableReader(makeOptions(*data)).read(path);
-        if (result.table.getVariableCount() == 0)
-            std::abort();
-        for (int i = 0; i < result.table.getVariableCount(); ++i) {
-            const HbdAVariable& column = *result.table.getVariableAt(i);
-            if (column.getCount() != result.table.getSampleCount() ||
-                column.getDetails().name.isEmpty())
-                std::abort();
-        }
-    } catch (const HbeUserError&) {
-    }
+    KueTableOptions options = makeOptions(*data);
+    const std::optional<KueTableResult> whole = read(options, path);
+    options.blockSize = 1 + *data % 7;
+    const std::optional<KueTableResult> blocks = read(options, path);
+    if (whole.has_value() != blocks.has_value() || (whole && !whole->table.isEqual(blocks->table)))
+        std::abort();
     return 0;
 }

@@ -85,7 +85,7 @@ KueTableRules makeRules(const KueTableLayout& layout, const KueTableOptions& opt
 Reading::Reading(const QString& path, const KueTableOptions& options)
     : m_options(options)
     , m_missing(options.missingTexts)
-    , m_source(path)
+    , m_source(path, options.blockSize)
     , m_layout(KueTableSniffer(m_source, options, m_missing).sniff())
     , m_rules(makeRules(m_layout, options, m_source, m_missing))
 {

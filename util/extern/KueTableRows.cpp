@@ -92,10 +92,7 @@ bool KueTableRows::readPass(const KueTableReader::Progress& progress, std::size_
 
 void KueTableRows::begin()
 {
-    // The window stands at the file's begin when the header has just been read.
-    if (m_hasBegun)
-        m_source.rewind();
-    m_hasBegun = true;
+    m_source.rewind();
     while (static_cast<std::size_t>(m_source.end() - m_source.begin()) < m_layout.headerSize &&
            !m_source.isAtEnd())
         m_source.advance(m_source.begin(), 1);
@@ -113,12 +110,7 @@ void KueTableRows::nextBlock(const KueTableReader::Progress& progress)
 {
     tell(progress, m_source.getBytesRead());
     if (m_source.end() - m_at > m_options.maxLineLength)
-        throw HbeUserError(tr("'%1', line %2: the row is longer than %3 bytes. A quote that is "
-                              "never closed makes one row of many.")
-                               .arg(m_source.getPath())
-                               .arg(m_line)
-                               .arg(m_options.maxLineLength));
-
+        refuseLongRow();
     const KueTableSource::Encoding encoding = m_source.getEncoding();
     m_source.advance(m_at, m_line);
     m_at = m_source.begin();
@@ -163,6 +155,8 @@ KueTableRows::Stop KueTableRows::readRow()
     }
     if (stop != Stop::LINE)
         return refuseRow();
+    if (at - m_at > m_options.maxLineLength)
+        refuseLongRow();
     m_at = at;
     m_line += lines;
     ++m_rank;
@@ -294,6 +288,15 @@ void KueTableRows::refuseCell(KueTableColumn::Outcome outcome, std::size_t colum
                                        .arg(text)
                                        .arg(KueTableLabels::MAX_COUNT));
     throw HbeUserError(place + tr("'%1' is not a number.").arg(text));
+}
+
+void KueTableRows::refuseLongRow() const
+{
+    throw HbeUserError(tr("'%1', line %2: the row is longer than %3 bytes. A quote that is "
+                          "never closed makes one row of many.")
+                           .arg(m_source.getPath())
+                           .arg(m_line)
+                           .arg(m_options.maxLineLength));
 }
 
 void KueTableRows::refuseOpenQuote() const

@@ -62,6 +62,7 @@ private:
     Stop refuseRow() const;
     [[noreturn]] void refuseCell(KueTableColumn::Outcome outcome, std::size_t column, qint64 line,
                                  const QString& text) const;
+    [[noreturn]] void refuseLongRow() const;
     [[noreturn]] void refuseOpenQuote() const;
     QString getText(const Cell& cell) const;
 
@@ -79,7 +80,6 @@ private:
     std::size_t m_capacity = 0;  ///< ranks that the open columns have room for
     std::size_t m_emptyRows = 0; ///< empty lines of a table of one column that a row may follow
     qint64 m_emptyLines = 0;
-    bool m_hasBegun = false;
     int m_passes = 0;
     std::vector<Widening> m_widenings;
 };

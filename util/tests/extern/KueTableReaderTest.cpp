@@ -234,6 +234,8 @@ TEST_F(KueTableReaderTest, LayoutsAreRecognised)
          {"x, \"y\"\nz|1", "NULL|2", "'p'|q", "5\" pipe|4"}},
         {"quotes beside the cell", "a,b\n\"x\"y,1\n\"\"\"\",2\n", {"a", "b"}, {"\"x\"y|1", "\"|2"}},
         {"everything quoted", "\"a\",\"b\"\n\"1\",\"x\"\n", {"a", "b"}, {"1|x"}},
+        {"line ends in quotes", "a,b\r\"x\ry\",1\r", {"a", "b"}, {"x\ny|1"}},
+        {"the end of old texts", "a,b\r\n1,2\r\n\x1A", {"a", "b"}, {"1|2"}},
         {"GeoEAS",
          "title\n2 10\nX loc\nAu, ppm\n 1 2.5\n 3 1.0E+31\n",
          {"X loc", "Au, ppm"},
