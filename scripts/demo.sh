@@ -27,8 +27,14 @@ if [ $# -gt 0 ] && [ ! -f "$1" ]; then
     exit 1
 fi
 
+bold=''
+plain=''
+if [ -t 1 ]; then
+    bold=$'\033[1m'
+    plain=$'\033[0m'
+fi
 step() {
-    printf '\n\033[1m%s\033[0m\n' "$*"
+    printf '\n%s%s%s\n' "$bold" "$*" "$plain"
 }
 
 # Prints a command as it could be typed, then runs it.

@@ -51,8 +51,9 @@ private:
     void drawCategories(QPainter& painter) const;
     void drawUndefinedKey(QPainter& painter, double y) const;
 
-    QRectF m_frame;   // of the plot, in pixels
-    QRectF m_view;    // what it shows, in coordinates; y grows upwards
+    QRectF m_frame; // of the plot, in pixels
+    QRectF m_view;  // what it shows, in coordinates; y grows upwards
+    double m_legendX = 0;
     double m_low = 0; // the values at both ends of the ramp
     double m_high = 1;
     bool m_isClippedBelow = false; // there are values beyond the ends

@@ -16,6 +16,8 @@
 
 namespace
 {
+constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
+
 std::vector<ToolCommand> createCommands()
 {
     return {createImportCommand(), createInfoCommand(), createExportCommand(), createCheckCommand(),
@@ -129,7 +131,7 @@ int main(int argc, char** argv)
     // Qt takes file names and arguments in the locale's encoding, and "C" says ASCII: names would
     // not survive. Names on disk are UTF-8 on every system that we know.
     QStringList arguments = QCoreApplication::arguments().mid(1);
-    if (QTextCodec::codecForLocale()->mibEnum() == 3) {
+    if (QTextCodec::codecForLocale()->mibEnum() == US_ASCII) {
         QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
         for (int i = 1; i < argc; ++i)
             arguments[i - 1] = QString::fromUtf8(argv[i]);

@@ -48,9 +48,9 @@ public:
         double lost = 0;
         for (int lane = 0; lane < LANES; ++lane) {
             addTo(sum, lost, m_sum[lane]);
-            addTo(sum, lost, -m_lost[lane]);
+            lost += m_lost[lane];
         }
-        return (sum - lost) / static_cast<double>(count) / m_scale;
+        return (sum + lost) / static_cast<double>(count) / m_scale;
     }
 
 private:
@@ -64,12 +64,12 @@ private:
         return sum;
     }
 
-    /// Kahan's summation: `lost` is what `sum` has too much.
+    /// What the addition rounds away is found exactly (Knuth) and summed up in `lost`.
     static void addTo(double& sum, double& lost, double value)
     {
-        const double corrected = value - lost;
-        const double next = sum + corrected;
-        lost = (next - sum) - corrected;
+        const double next = sum + value;
+        const double added = next - sum;
+        lost += (sum - (next - added)) + (value - added);
         sum = next;
     }
 

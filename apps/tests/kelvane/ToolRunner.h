@@ -5,6 +5,8 @@
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 
+#include "QtPrinters.h"
+
 #include <gtest/gtest.h>
 
 /// What a run of the tool left behind.

@@ -82,8 +82,8 @@ TEST_F(KudDatasetDirectoryTest, checkJudgesEachFileOnItsOwn)
     // Newer than we know: read, with a warning. Another relation: only read.
     memento.setVersion(9999);
     memento.setField("name", "newer");
-    KuxXmlMementoFile::save(m_folder.path(), KuuMemento(ids[0], memento));
-    KuxXmlMementoFile::save(m_folder.path(), KuuMemento(ids[1]));
+    KuxXmlMementoFile::save(QDir(m_folder.path()), KuuMemento(ids[0], memento));
+    KuxXmlMementoFile::save(QDir(m_folder.path()), KuuMemento(ids[1]));
     write("notes.xml", "<a/>");
     write("dataset_none.xml", "<a/>");
     const QString moved = "dataset_00000000-0000-0000-0000-000000000001.xml";
