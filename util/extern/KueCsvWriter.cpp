@@ -7,7 +7,6 @@
 
 namespace
 {
-
 /// Writes UTF-8 and returns the end. Half a surrogate pair becomes "?", as QString::toUtf8 has it.
 char* writeUtf8(char* out, char32_t code)
 {
