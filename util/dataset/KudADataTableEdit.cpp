@@ -21,14 +21,19 @@ KudDatasetVariable KudADataTable::addVariable(HbdAVariable* variable)
     if (!testFlag(Ku::CanCreateVariables) || variable == nullptr)
         return KudDatasetVariable();
     _updateHeader();
-    return _addVariable(variable);
+    OneNotice notice(*this);
+    const KudDatasetVariable added = _addVariable(variable);
+    notice.send();
+    return added;
 }
 
 KudDatasetVariable KudADataTable::addVariable(std::unique_ptr<HbdAVariable> variable)
 {
+    OneNotice notice(*this); // an observer may throw: sent when it is settled who owns the column
     const KudDatasetVariable added = addVariable(variable.get());
     if (added.isValid())
         variable.release(); // the table has adopted it
+    notice.send();
     return added;
 }
 
@@ -37,7 +42,10 @@ KudDatasetVariable KudADataTable::createVariable(const HbdVariableDetails& detai
     if (!testFlag(Ku::CanCreateVariables))
         return KudDatasetVariable();
     _updateHeader();
-    return _createVariable(details);
+    OneNotice notice(*this); // as above
+    const KudDatasetVariable created = _createVariable(details);
+    notice.send();
+    return created;
 }
 
 bool KudADataTable::deleteVariable(const KudDatasetVariable& variable)
@@ -45,7 +53,9 @@ bool KudADataTable::deleteVariable(const KudDatasetVariable& variable)
     if (!testFlag(Ku::CanDeleteVariables))
         return false;
     _updateHeader();
+    OneNotice notice(*this); // what was selected may go with the last variable
     _deleteVariable(variable);
+    notice.send();
     return true; // permission is what is reported
 }
 

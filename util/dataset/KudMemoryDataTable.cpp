@@ -164,6 +164,8 @@ KudDataTableHeader KudMemoryDataTable::_rebuildHeader() const
         if (isFiltered(column))
             continue;
         const KudDatasetVariable variable = nameOf(column);
+        if (!variable.isValid())
+            continue; // of a table without a name: nobody could ask for it
         HbdVariableDetails details = column.getDetails();
         details.support = m_support;
         header.addVariable(variable, details);
@@ -195,29 +197,29 @@ HbdAVariable* KudMemoryDataTable::_readVariable(const KudDatasetVariable& variab
 
 KudDatasetVariable KudMemoryDataTable::_addVariable(HbdAVariable* variable)
 {
-    const bool setsCount = variable->getCount() != getSampleCount();
-    const int column = getVariableCount();
-    std::unique_ptr<HbdAVariable> adopted(variable);
-    if (m_table.getVariableCount() > 0 || !setsCount) {
-        // Asked first, because a model must not announce a column that does not come.
-        const bool fits = !setsCount && !variable->getDetails().name.isEmpty() &&
-                          m_table.indexOf(variable->getFullName()) < 0;
-        if (!fits) {
-            adopted.release(); // stays with the caller
-            return KudDatasetVariable();
-        }
-    }
-
+    // Asked first, because a model must not announce a column that does not come.
     const KudDatasetVariable added = nameOf(*variable);
-    if (setsCount || isFiltered(*variable)) {
+    const bool isAlone = m_table.getVariableCount() == 0 && getSampleCount() == 0;
+    const bool setsCount = isAlone && variable->getCount() > 0;
+    const bool hasFittingCount =
+        setsCount ? testFlag(Ku::CanCreateSamples) : variable->getCount() == getSampleCount();
+    if (!added.isValid() || !hasFittingCount || m_table.indexOf(variable->getFullName()) >= 0)
+        return KudDatasetVariable(); // the column stays with the caller
+
+    const int column = getVariableCount();
+    const bool isShown = !isFiltered(*variable);
+    std::unique_ptr<HbdAVariable> adopted(variable);
+    if (setsCount) {
         _beginResetTable();
         m_table.addVariable(std::move(adopted));
         _endResetTable();
     } else {
-        getModel()->beginInsertVariables(column, 1);
+        if (isShown)
+            getModel()->beginInsertVariables(column, 1);
         m_table.addVariable(std::move(adopted));
         _clearHeaderCache();
-        getModel()->endInsertVariables();
+        if (isShown)
+            getModel()->endInsertVariables();
     }
     KudTableModif modif(KudTableModif::VariableAdded, added);
     if (setsCount) {

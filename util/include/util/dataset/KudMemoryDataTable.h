@@ -86,6 +86,8 @@ private:
     bool _updateColumn(const KudDatasetVariable& variable, int firstRank,
                        HbdSpan<const double> numbers) override;
 
+    class NewSample;
+
     KudDatasetVariable nameOf(const HbdAVariable& variable) const;
     bool isFiltered(const HbdAVariable& variable) const;
     bool renameColumns(const KudDatasetVariable& variable, const QString& name);
