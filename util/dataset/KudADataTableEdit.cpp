@@ -5,6 +5,8 @@
 
 #include <basic/data/HbdDataTable.h>
 
+#include <limits>
+
 // Editing and notices of tables. Each guarded operation refuses, has the concrete table do the
 // work, and tells.
 
@@ -70,14 +72,21 @@ bool KudADataTable::setDetails(const KudDatasetVariable& variable,
     return _setDetails(variable, details);
 }
 
+bool KudADataTable::mayCreateSamples(int count) const
+{
+    // Ranks have 32 bits.
+    return testFlag(Ku::CanCreateSamples) && count > 0 &&
+           count <= std::numeric_limits<int>::max() - getSampleCount();
+}
+
 int KudADataTable::createSample(const SampleValues& values)
 {
-    return testFlag(Ku::CanCreateSamples) ? _createSample(values) : -1;
+    return mayCreateSamples(1) ? _createSample(values) : -1;
 }
 
 int KudADataTable::createSample(const SampleRow& row)
 {
-    if (!testFlag(Ku::CanCreateSamples))
+    if (!mayCreateSamples(1))
         return -1;
     _updateHeader();
     return _createSampleRow(row);
@@ -85,7 +94,7 @@ int KudADataTable::createSample(const SampleRow& row)
 
 int KudADataTable::createSamples(const QList<SampleRow>& rows, const SampleValues& defaults)
 {
-    if (!testFlag(Ku::CanCreateSamples) || rows.isEmpty())
+    if (!mayCreateSamples(rows.size()))
         return -1;
     _updateHeader();
     OneNotice notice(*this);
@@ -96,7 +105,7 @@ int KudADataTable::createSamples(const QList<SampleRow>& rows, const SampleValue
 
 int KudADataTable::appendSamples(const HbdDataTable& samples)
 {
-    if (!testFlag(Ku::CanCreateSamples) || samples.getSampleCount() == 0)
+    if (!mayCreateSamples(samples.getSampleCount()))
         return -1;
     OneNotice notice(*this);
     const int first = _appendSamples(samples);

@@ -1,7 +1,7 @@
 #include <util/dataset/KudMemoryDataTable.h>
-#include <util/dataset/KudSelector.h>
-#include <util/dataset/KudTableModel.h>
 #include <util/utils/KuuCoordSystem.h>
+
+#include "KudModelScopes.h"
 
 #include <basic/data/HbdName.h>
 #include <basic/data/HbdVariableEnum.h>
@@ -94,9 +94,13 @@ void KudMemoryDataTable::setDataTable(HbdDataTable table)
 
 void KudMemoryDataTable::appendTable(const HbdDataTable& table, bool addMissing)
 {
-    _beginResetTable();
-    m_table.appendTable(table, addMissing);
-    _endResetTable();
+    const KudKeptSelections selections(*this);
+    {
+        const KudResetScope scope(getModel());
+        _clearHeaderCache();
+        m_table.appendTable(table, addMissing);
+    }
+    selections.restore();
     notifyReset();
 }
 
@@ -128,16 +132,24 @@ void KudMemoryDataTable::initTableFrom(const KudADataTable& other)
 
 void KudMemoryDataTable::addStructuralRoleToFilter(const HbdEVarRole& role)
 {
-    _beginResetTable();
     m_filteredRoles |= role;
-    _endResetTable();
+    shownColumnsChanged();
+    notifyReset();
 }
 
 void KudMemoryDataTable::addTagToFilter(const QString& tag)
 {
-    _beginResetTable();
     m_filteredTags << tag;
+    shownColumnsChanged();
+    notifyReset();
+}
+
+void KudMemoryDataTable::shownColumnsChanged()
+{
+    const KudKeptSelections selections(*this);
+    _beginResetTable();
     _endResetTable();
+    selections.restore();
 }
 
 bool KudMemoryDataTable::isFiltered(const HbdAVariable& variable) const
@@ -279,14 +291,15 @@ bool KudMemoryDataTable::renameColumns(const KudDatasetVariable& variable, const
 
 bool KudMemoryDataTable::_renameVariable(const KudDatasetVariable& variable, const QString& name)
 {
-    const int column = getVariableRank(variable);
     if (variable.support() != m_name || name == variable.variable() ||
         !renameColumns(variable, name))
         return false;
-    if (column >= 0)
-        getModel()->headerChanged(column, column);
-    notifyVariableModified(variable, KudTableModif::VariableRenamed,
-                           getDetails(variable.renamed(name)));
+    const KudDatasetVariable renamed = variable.renamed(name);
+    for (int i = 0; i < getVariableCount(); ++i) {
+        if (getVariableAt(i) == renamed || renamed.isChild(getVariableAt(i)))
+            getModel()->headerChanged(i, i);
+    }
+    notifyVariableModified(variable, KudTableModif::VariableRenamed, getDetails(renamed));
     return true;
 }
 
@@ -306,10 +319,13 @@ bool KudMemoryDataTable::_setDetails(const KudDatasetVariable& variable,
     if (after.name != before.name && !renameColumns(variable, after.name))
         return false;
 
+    const bool wasShown = !isFiltered(*column);
     column->setDetails(after);
     _clearHeaderCache();
     const int place = getVariableRank(variable.renamed(after.name));
-    if (place >= 0)
+    if (wasShown == isFiltered(*column))
+        shownColumnsChanged();
+    else if (place >= 0)
         getModel()->variableChanged(place);
     notifyVariableModified(variable, reasons, after);
     return true;

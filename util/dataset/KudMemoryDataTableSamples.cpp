@@ -94,6 +94,7 @@ bool KudMemoryDataTable::_updateValues(int rank, const SampleValues& values)
 int KudMemoryDataTable::_createSample(const SampleValues& values)
 {
     const int rank = getSampleCount();
+    m_table.reserveSamples(rank + 1); // before the model announces what might find no memory
     NewSample sample(*this, rank);
     m_table.setSampleCount(rank + 1);
     sample.tell(writeCells(rank, values));
@@ -104,6 +105,7 @@ int KudMemoryDataTable::_createSampleRow(const SampleRow& row)
 {
     const int rank = getSampleCount();
     const HbiIntervalIntSmallDisjoint ranks(rank);
+    m_table.reserveSamples(rank + 1);
     NewSample sample(*this, rank);
     m_table.setSampleCount(rank + 1);
     const int columnCount = static_cast<int>(m_columns.size());
@@ -138,6 +140,7 @@ KudTableModif KudMemoryDataTable::modifOfCells(const SampleRow& row, int count,
 int KudMemoryDataTable::_createSamples(const QList<SampleValues>& samples)
 {
     const int first = getSampleCount();
+    m_table.reserveSamples(first + samples.size());
     {
         const KudAppendScope scope(getModel(), first, samples.size());
         m_table.setSampleCount(first + samples.size());
@@ -156,6 +159,7 @@ int KudMemoryDataTable::_createSampleRows(const QList<SampleRow>& rows,
 {
     const int first = getSampleCount();
     const HbiIntervalIntSmallDisjoint ranks(HbiIntervalIntSmall(first, first + rows.size() - 1));
+    m_table.reserveSamples(first + rows.size());
     {
         const KudAppendScope scope(getModel(), first, rows.size());
         m_table.setSampleCount(first + rows.size());
@@ -196,6 +200,7 @@ int KudMemoryDataTable::_appendSamples(const HbdDataTable& samples)
     const HbiIntervalIntSmallDisjoint ranks(
         HbiIntervalIntSmall(first, first + samples.getSampleCount() - 1));
     KudDatasetVariableList written;
+    m_table.reserveSamples(first + samples.getSampleCount());
     {
         const KudAppendScope scope(getModel(), first, samples.getSampleCount());
         m_table.appendTable(samples, false);
@@ -245,19 +250,16 @@ void KudMemoryDataTable::setSampleCount(int count)
     if (count == before || count < 0)
         return;
     if (count > before) {
+        m_table.reserveSamples(count);
         const KudAppendScope scope(getModel(), before, count - before);
         m_table.setSampleCount(count);
         return;
     }
-    const QBitArray masked = getMask()->getBitArray();
-    const QBitArray highlighted = getHighlight()->getBitArray();
+    const KudKeptSelections selections(*this);
     _beginResetTable();
     m_table.setSampleCount(count);
     _endResetTable();
-    const bool wasSilent = lockObservable(true);
-    getMask()->setBitArray(masked);
-    getHighlight()->setBitArray(highlighted);
-    lockObservable(wasSilent);
+    selections.restore();
 }
 
 void KudMemoryDataTable::columnChanged(const KudDatasetVariable& variable, int firstRank, int count)

@@ -52,8 +52,8 @@ class KudKeptSelections
 public:
     explicit KudKeptSelections(KudADataTable& table)
         : m_table(table)
-        , m_masked(table.getMask()->getBitArray())
-        , m_highlighted(table.getHighlight()->getBitArray())
+        , m_masked(table.getMask()->selectedRows())
+        , m_highlighted(table.getHighlight()->selectedRows())
     {
     }
 
@@ -61,13 +61,13 @@ public:
     void restore() const
     {
         const bool wasSilent = m_table.lockObservable(true);
-        m_table.getMask()->setBitArray(m_masked);
-        m_table.getHighlight()->setBitArray(m_highlighted);
+        m_table.getMask()->select(m_masked, Ku::Select);
+        m_table.getHighlight()->select(m_highlighted, Ku::Select);
         m_table.lockObservable(wasSilent);
     }
 
 private:
     KudADataTable& m_table;
-    QBitArray m_masked;
-    QBitArray m_highlighted;
+    HbiIntervalIntSmallDisjoint m_masked;
+    HbiIntervalIntSmallDisjoint m_highlighted;
 };

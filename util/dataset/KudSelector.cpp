@@ -101,9 +101,9 @@ bool KudSelector::select(int rank, Ku::SelectionFlag flag)
 
 bool KudSelector::select(const HbiIntervalIntSmallDisjoint& ranks, Ku::SelectionFlag flag)
 {
-    QItemSelectionModel* selectionModel = getSelectionModel();
-    if (selectionModel == nullptr)
+    if (m_table == nullptr || (m_selectionModel == nullptr && ranks.isEmpty()))
         return false;
+    QItemSelectionModel* selectionModel = getSelectionModel();
     const QItemSelectionModel::SelectionFlags modelFlags = toModelFlags(flag);
     if (modelFlags == QItemSelectionModel::NoUpdate)
         return false;
@@ -148,12 +148,16 @@ bool KudSelector::deselectAll()
 
 int KudSelector::getNSelected() const
 {
+    if (m_selectionModel == nullptr)
+        return 0; // without making a bit for each sample
     refreshBits();
     return m_selectedCount;
 }
 
 HbiIntervalIntSmallDisjoint KudSelector::selectedRows() const
 {
+    if (!hasSelection())
+        return HbiIntervalIntSmallDisjoint();
     const QBitArray bits = getBitArray();
     return toRanks(bits, bits.size());
 }

@@ -9,6 +9,7 @@
 #include <basic/data/HbdVariableEnum.h>
 #include <basic/data/HbdVariableInteger.h>
 #include <basic/data/HbdVariableReal.h>
+#include <basic/error/HbeUserError.h>
 #include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QAbstractItemModel>
@@ -376,6 +377,52 @@ TEST_F(KudDataTable, LeavesFilteredColumnsOutOfTheHeader)
     EXPECT_EQ(table.createSample(QVector<QVariant>{50, "e"}), 4);
     EXPECT_EQ(cell(n, 4), 50);
     EXPECT_TRUE(table.getDataTable().findVariable("x")->isUndefined(4));
+}
+
+/// What shows other columns, or more samples, is seen by the model and leaves the selections alone.
+TEST_F(KudDataTable, ShowsAndHidesColumnsBehindTheModelAndTheSelections)
+{
+    QAbstractItemModelTester tester(table.getModel(),
+                                    QAbstractItemModelTester::FailureReportingMode::Fatal);
+    QSignalSpy reset(table.getModel(), &QAbstractItemModel::modelReset);
+    QSignalSpy header(table.getModel(), &QAbstractItemModel::headerDataChanged);
+    table.getMask()->select({Range(1, 2)}, Ku::Select);
+    recorder.notices.clear();
+
+    table.addTagToFilter("secret");
+    EXPECT_EQ(recorder.reasons(), std::vector<int>{KudTableModif::Reset});
+    HbdVariableDetails details = table.getDetails(n);
+    details.tags.add("secret");
+    table.setDetails(n, details);
+    EXPECT_EQ(table.getVariableCount(), 2);
+    EXPECT_EQ(table.createVariable(details), KudDatasetVariable()); // taken, if hidden
+    details.name = "hidden";
+    EXPECT_TRUE(table.createVariable(details).isValid());
+    EXPECT_EQ(table.getVariableCount(), 2);
+    table.appendTable(HbdDataTable(table.getDataTable()), false);
+    EXPECT_EQ(reset.count(), 3);
+    EXPECT_EQ(table.getSampleCount(), 8);
+    EXPECT_EQ(table.getMask()->selectedRows(), Ranks(Range(1, 2)));
+
+    auto realization = std::make_unique<HbdVariableReal>(HbdVariableDetails("x"));
+    realization->setRealization("3");
+    realization->resize(8);
+    table.addVariable(std::move(realization));
+    header.clear();
+    EXPECT_TRUE(table.renameVariable(x, "east"));
+    EXPECT_EQ(header.count(), 2); // the realization went along
+}
+
+TEST(KudMemoryDataTable, RefusesMoreSamplesThanRanks)
+{
+    KudMemoryDataTable table("Points");
+    table.setSampleCount(std::numeric_limits<int>::max()); // without variables they take no memory
+    EXPECT_EQ(table.createSample(QVector<QVariant>{}), -1);
+    EXPECT_EQ(table.createSample(KudADataTable::SampleValues{}), -1);
+    EXPECT_EQ(table.createSamples({QVector<QVariant>{}}), -1);
+    EXPECT_EQ(table.appendSamples(table.getDataTable()), -1);
+    EXPECT_THROW(table.appendTable(table.getDataTable(), true), HbeUserError);
+    EXPECT_EQ(table.getSampleCount(), std::numeric_limits<int>::max());
 }
 
 /// The model keeps Qt's rules through any edits, and the selections stay on their samples.
