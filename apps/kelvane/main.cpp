@@ -1,4 +1,141 @@
-int main()
+#include "ToolCommandLine.h"
+#include "ToolCommands.h"
+#include "ToolInterrupt.h"
+#include "ToolOutput.h"
+#include "ToolUsageError.h"
+
+#include <basic/calc/HbcCancelled.h>
+#include <basic/error/HbeDiskError.h>
+#include <basic/error/HbeUserError.h>
+
+#include <QtCore/QTextCodec>
+#include <QtGui/QGuiApplication>
+
+#include <memory>
+#include <vector>
+
+namespace
 {
-    return 0;
+constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
+
+std::vector<ToolCommand> createCommands()
+{
+    return {createImportCommand(), createInfoCommand(), createExportCommand(), createCheckCommand(),
+            createMapCommand()};
+}
+
+QString generalHelp(const std::vector<ToolCommand>& commands)
+{
+    QString help = Tool::tr("Usage: kelvane COMMAND [arguments]\n\n"
+                            "Samples in, a project on disk, an export out.\n\nCommands:\n");
+    for (const ToolCommand& command : commands)
+        help += QStringLiteral("  %1%2\n").arg(command.name.leftJustified(8), command.summary);
+    help += Tool::tr("\n'kelvane COMMAND --help' tells more of one of them. 'kelvane --version' "
+                     "shows the version.\n\nExample:\n"
+                     "  kelvane import samples.csv --project survey\n"
+                     "  kelvane info survey samples\n\n"
+                     "Exit codes: 0 done, 1 the input is wrong, 2 wrong usage, 3 a fault of the "
+                     "tool,\n130 ended by Ctrl-C.\n");
+    return help;
+}
+
+/// Qt's own remarks (on a missing runtime directory, say) are nothing for the user of a tool.
+void keepQtQuiet(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        ToolOutput::printError(message);
+}
+
+/// The application that a command needs: drawing takes fonts, and no display.
+std::unique_ptr<QCoreApplication> createApplication(int& argc, char** argv, bool draws)
+{
+    if (!draws)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+int runCommand(const ToolCommand& command, const QStringList& arguments)
+{
+    QCommandLineParser line;
+    ToolCommandLine::parse(command, arguments, line);
+    if (line.isSet(QStringLiteral("help"))) {
+        ToolOutput::print(command.getHelp());
+        return ExitDone;
+    }
+    return command.run(line);
+}
+
+int runTool(const std::vector<ToolCommand>& commands, const QStringList& arguments)
+{
+    const QString word = arguments.value(0);
+    if (word == QLatin1String("--help") || word == QLatin1String("-h")) {
+        ToolOutput::print(generalHelp(commands));
+        return ExitDone;
+    }
+    if (word == QLatin1String("--version")) {
+        ToolOutput::print(QStringLiteral("kelvane %1\n").arg(QLatin1String(KELVANE_VERSION)));
+        return ExitDone;
+    }
+    QStringList names{QStringLiteral("--help"), QStringLiteral("--version")};
+    for (const ToolCommand& command : commands) {
+        if (command.name == word)
+            return runCommand(command, arguments);
+        names.append(command.name);
+    }
+    if (word.isEmpty())
+        throw ToolUsageError(Tool::tr("A command is missing.\n'kelvane --help' lists them."));
+    throw ToolUsageError(Tool::tr("Unknown command '%1'%2\n'kelvane --help' lists the commands.")
+                             .arg(word, ToolCommandLine::getHint(word, names)));
+}
+
+int fail(ExitCode code, const QString& message)
+{
+    ToolOutput::printError(message);
+    return code;
+}
+
+/// The exit code of whatever happens.
+int guard(const std::vector<ToolCommand>& commands, const QStringList& arguments)
+{
+    try {
+        return runTool(commands, arguments);
+    } catch (const ToolUsageError& error) {
+        return fail(ExitWrongUsage, error.getMessage());
+    } catch (const HbcCancelled& cancelled) {
+        ToolOutput::printError(cancelled.getMessage());
+        return ExitSignal + ToolInterrupt::getSignal();
+    } catch (const HbeUserError& error) {
+        return fail(ExitWrongInput, error.getMessage());
+    } catch (const HbeDiskError& error) {
+        return fail(ExitWrongInput, error.getMessage());
+    } catch (const std::bad_alloc&) {
+        return fail(ExitFault, Tool::tr("There is not enough memory."));
+    } catch (const std::exception& error) {
+        return fail(ExitFault, Tool::tr("A fault of this program, which is worth a report:\n%1")
+                                   .arg(QString::fromUtf8(error.what())));
+    }
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qInstallMessageHandler(&keepQtQuiet);
+    const std::vector<ToolCommand> commands = createCommands();
+    bool draws = false;
+    for (const ToolCommand& command : commands)
+        draws = draws || (command.draws && argc > 1 && command.name == QLatin1String(argv[1]));
+    const std::unique_ptr<QCoreApplication> application = createApplication(argc, argv, draws);
+
+    // Qt takes file names and arguments in the locale's encoding, and "C" says ASCII: names would
+    // not survive. Names on disk are UTF-8 on every system that we know.
+    QStringList arguments = QCoreApplication::arguments().mid(1);
+    if (QTextCodec::codecForLocale()->mibEnum() == US_ASCII) {
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+        for (int i = 1; i < argc; ++i)
+            arguments[i - 1] = QString::fromUtf8(argv[i]);
+    }
+    ToolInterrupt::install();
+    return guard(commands, arguments);
 }

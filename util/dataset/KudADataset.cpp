@@ -140,7 +140,7 @@ KudADataset::KudADataset(Ku::DatasetFlags flags)
 
 KudADataset::~KudADataset()
 {
-    for (const KuoAObservable<KudDataTableModif>* table : m_observedTables)
+    for (const auto* table : m_observedTables)
         table->removeObserver(this);
 }
 

@@ -224,7 +224,7 @@ private:
     QString m_defaultObjectName;
     std::unique_ptr<HbiIntervalIntSmallO64Disjoint> m_interval;
     QMap<HbdESupport, HbdVarRoleFlags> m_hiddenRoles; // the tables hide them
-    // As what they are to the last: a table that tells of its end is no table any more.
+    /// As observables: one that tells of its end is no table any more.
     QVector<const KuoAObservable<KudDataTableModif>*> m_observedTables;
 };
 Q_DECLARE_OPERATORS_FOR_FLAGS(KudADataset::VarFlags)

@@ -3,6 +3,7 @@
 #include <util/KuExport.h>
 
 #include <QtCore/QByteArray>
+#include <QtCore/QFile>
 #include <QtCore/QString>
 
 /// Replaces a file as a whole: whatever happens (a crash, a kill, a full disk, a power cut), a
@@ -48,6 +49,10 @@ public:
     /// for all of the given files, which then count as flushed.
     static bool flushFileSystem(const QString& path);
     void markFlushed() { m_flushed = true; }
+
+    /// The file beside the target while it is open, for whoever writes files by path: it may be
+    /// opened and written there, and closed before the commit.
+    QString getTemporaryPath() const { return QFile::decodeName(m_temporary); }
 
     const QString& getErrorString() const { return m_error; }
 

@@ -1,0 +1,108 @@
+#include "ToolCommands.h"
+#include "ToolInterrupt.h"
+#include "ToolJson.h"
+#include "ToolOutput.h"
+#include "ToolProgress.h"
+
+#include <util/dataset/KudDatasetDirectory.h>
+
+namespace
+{
+using FileCheck = KudDatasetDirectory::FileCheck;
+
+std::vector<FileCheck> check(const KudDatasetDirectory& project)
+{
+    ToolProgress progress(Tool::tr("Checking"));
+    return project.check([&progress](int done, int count) {
+        progress.show(done, count);
+        return ToolInterrupt::getSignal() == 0;
+    });
+}
+
+const char* statusOf(const FileCheck& file)
+{
+    if (!file.errors.isEmpty())
+        return "wrong";
+    return file.isMemento ? "ok" : "foreign";
+}
+
+QByteArray toJson(const QString& project, const std::vector<FileCheck>& files, int wrong)
+{
+    ToolJson json;
+    json.beginObject();
+    json.key("project").value(project);
+    json.key("wrong").value(qint64(wrong));
+    json.key("files").beginArray();
+    for (const FileCheck& file : files) {
+        json.beginObject();
+        json.key("file").value(file.fileName);
+        json.key("status").value(QString::fromLatin1(statusOf(file)));
+        json.key("relation").textOrNull(file.id.getRelation());
+        json.key("name").textOrNull(file.name);
+        json.key("errors").value(file.errors);
+        json.key("warnings").value(file.warnings);
+        json.endObject();
+    }
+    json.endArray();
+    json.endObject();
+    return json.toByteArray();
+}
+
+QString toText(const FileCheck& file)
+{
+    QString text;
+    if (file.isMemento && file.errors.isEmpty())
+        text = Tool::tr("ok     %1").arg(file.fileName);
+    else if (file.isMemento)
+        text = Tool::tr("WRONG  %1").arg(file.fileName);
+    else
+        text = Tool::tr("other  %1  no memento file; left alone").arg(file.fileName);
+    if (!file.name.isEmpty())
+        text += Tool::tr("  dataset '%1'").arg(file.name);
+    text += QLatin1Char('\n');
+    for (const QString& error : file.errors)
+        text += QStringLiteral("       %1\n")
+                    .arg(QString(error).replace(QLatin1Char('\n'), QStringLiteral("\n       ")));
+    for (const QString& warning : file.warnings)
+        text += Tool::tr("       warning: %1\n").arg(warning);
+    return text;
+}
+
+int run(const QCommandLineParser& line)
+{
+    const QString path = line.positionalArguments().first();
+    const std::vector<FileCheck> files = check(KudDatasetDirectory(path));
+    int mementos = 0;
+    int wrong = 0;
+    QString text;
+    for (const FileCheck& file : files) {
+        mementos += file.isMemento ? 1 : 0;
+        wrong += file.errors.isEmpty() ? 0 : 1;
+        text += toText(file);
+    }
+    text += wrong == 0 ? Tool::tr("%n memento file(s), nothing wrong.\n", nullptr, mementos)
+                       : Tool::tr("%n memento file(s), %1 wrong.\n", nullptr, mementos).arg(wrong);
+    if (line.isSet(QStringLiteral("json")))
+        ToolOutput::print(toJson(path, files, wrong));
+    else
+        ToolOutput::print(text);
+    return wrong == 0 ? ExitDone : ExitWrongInput;
+}
+} // namespace
+
+ToolCommand createCheckCommand()
+{
+    ToolCommand command;
+    command.name = QStringLiteral("check");
+    command.arguments = QStringLiteral("DIR");
+    command.summary = Tool::tr("Reads every file of a project and says what is wrong with which.");
+    command.details =
+        Tool::tr("Nothing is changed. Other files in the directory are mentioned, not faulted. "
+                 "The exit code is 1 when a file is wrong.");
+    command.example = QStringLiteral("kelvane check survey");
+    command.options = {{QStringLiteral("json"), QString(), Tool::tr("One JSON document.")}};
+    command.minArguments = 1;
+    command.maxArguments = 1;
+    command.run = &run;
+    return command;
+}

@@ -1,0 +1,159 @@
+#include "ToolCommandLine.h"
+#include "ToolCommands.h"
+#include "ToolInterrupt.h"
+#include "ToolOutput.h"
+#include "ToolProgress.h"
+#include "ToolProject.h"
+#include "ToolUsageError.h"
+
+#include <util/calc/KucDataSets.h>
+#include <util/calc/KucExportData.h>
+#include <util/calc/KucExportDataEncodingCsv.h>
+#include <util/dataset/KudADataTable.h>
+#include <util/dataset/KudMemoryDatasetGrid.h>
+#include <util/system/KusSafeFile.h>
+
+#include <basic/error/HbeDiskError.h>
+#include <basic/error/HbeUserError.h>
+
+#include <QtCore/QFileInfo>
+
+namespace
+{
+struct Settings {
+    KueCsvSeparator separator;
+    KueDecimalSeparator decimal;
+    bool fullPrecision = false;
+};
+
+Settings readSettings(const QCommandLineParser& line)
+{
+    const QStringList separators{QStringLiteral("comma"), QStringLiteral("semicolon")};
+    const QStringList decimals{QStringLiteral("dot"), QStringLiteral("comma")};
+    Settings settings;
+    settings.separator = KueCsvSeparator::fromValue(
+        ToolCommandLine::readWord(line, QStringLiteral("separator"), separators));
+    settings.decimal = KueDecimalSeparator::fromValue(
+        ToolCommandLine::readWord(line, QStringLiteral("decimal"), decimals));
+    if (settings.separator.getChar() == settings.decimal.getChar()) {
+        throw ToolUsageError(Tool::tr("A decimal comma cannot stand between commas: add "
+                                      "--separator semicolon."));
+    }
+    if (line.isSet(QStringLiteral("precision"))) {
+        ToolCommandLine::readWord(line, QStringLiteral("precision"), {QStringLiteral("full")});
+        settings.fullPrecision = true;
+    }
+    return settings;
+}
+
+/// The variables that the list names, in its order; all that are to be exported without a list. A
+/// name that holds a comma stands in double quotes.
+KudDatasetVariableList readVariables(const QCommandLineParser& line, const KudADataset& dataset)
+{
+    if (!line.isSet(QStringLiteral("variables")))
+        return Kuc::getExportedVariables(dataset);
+
+    const KueCsv list(QLatin1Char(','), false, QLatin1Char('"'), QLatin1Char('.'));
+    const KudADataTable& table = *dataset.getObjectTable();
+    QStringList known;
+    for (int i = 0; i < table.getVariableCount(); ++i)
+        known.append(table.getVariableAt(i).getFullVariableName());
+
+    KudDatasetVariableList variables;
+    for (const QString& name : list.parseDelimitedRow(line.value(QStringLiteral("variables")))) {
+        const KudDatasetVariable variable = table.getVariableFromName(name);
+        if (!variable.isValid()) {
+            throw HbeUserError(Tool::tr("The dataset '%1' has no variable '%2'%3\nIt has: %4")
+                                   .arg(dataset.getName(), name,
+                                        ToolCommandLine::getHint(name, known),
+                                        known.join(QStringLiteral(", "))));
+        }
+        variables.append(variable);
+    }
+    return variables;
+}
+
+void exportTo(const QString& path, const QCommandLineParser& line, const Settings& settings,
+              const KudADataset& dataset)
+{
+    const KudDatasetVariableList variables = readVariables(line, dataset);
+    KucExportData job;
+    if (const KudMemoryDatasetGrid* grid = KudMemoryDatasetGrid::convert(&dataset)) {
+        job.setDataset(Kuc::createGrid(*grid, variables));
+        job.setSorting(grid->is3D() ? QList<int>{2, 1, 0} : QList<int>{1, 0});
+    } else {
+        job.setDataset(Kuc::createPoints(dataset, variables));
+    }
+    // No coordinate systems: with one of longitudes and latitudes the coordinates would get other
+    // names and seven decimals, and what came in would not go out.
+    job.setUndefString(line.value(QStringLiteral("undefined")));
+    job.setFullPrecision(settings.fullPrecision);
+    job.setEncodingStrategy(
+        std::make_unique<KucExportDataEncodingCsv>(path, settings.separator, settings.decimal)
+            .release());
+    ToolProgress progress(Tool::tr("Exporting '%1'").arg(dataset.getName()));
+    ToolInterrupt::run(job, progress);
+}
+
+/// Exports beside the file and puts it in place when it is whole. What is no regular file (a pipe,
+/// a terminal) is written as it comes.
+void exportSafely(const QString& path, const QCommandLineParser& line, const Settings& settings,
+                  const KudADataset& dataset)
+{
+    const QFileInfo target(path);
+    if (target.exists() && !target.isFile() && !target.isDir()) {
+        exportTo(path, line, settings, dataset);
+        return;
+    }
+    KusSafeFile file(path);
+    if (!file.open())
+        throw HbeUserError(
+            Tool::tr("Cannot create the file '%1': %2").arg(path, file.getErrorString()));
+    exportTo(file.getTemporaryPath(), line, settings, dataset);
+    ToolInterrupt::check();
+    if (!file.commit())
+        throw HbeDiskError(
+            Tool::tr("Cannot write the file '%1': %2").arg(path, file.getErrorString()));
+}
+
+int run(const QCommandLineParser& line)
+{
+    const Settings settings = readSettings(line);
+    const QStringList arguments = line.positionalArguments();
+    const KudDatasetDirectory project(arguments.at(0));
+    const auto dataset = ToolProject::readDataset(project, arguments.at(1));
+    exportSafely(arguments.at(2), line, settings, *dataset);
+    return ExitDone;
+}
+} // namespace
+
+ToolCommand createExportCommand()
+{
+    ToolCommand command;
+    command.name = QStringLiteral("export");
+    command.arguments = QStringLiteral("DIR DATASET FILE");
+    command.summary = Tool::tr("Exports a dataset of a project as delimited text.");
+    command.details = Tool::tr(
+        "A header line with the names of the variables, then one line a sample. FILE is replaced "
+        "when the export is whole; Ctrl-C, an error or a full disk leaves it as it was.\n"
+        "Numbers are written with the digits that came in, or with --precision full as the "
+        "shortest text that reads back as the same number.");
+    command.example = QStringLiteral("kelvane export survey samples samples.csv\n"
+                                     "kelvane export survey samples zinc.csv --variables x,y,zinc "
+                                     "--separator semicolon --decimal comma --undefined NA");
+    command.options = {
+        {QStringLiteral("separator"), QStringLiteral("S"),
+         Tool::tr("comma, the default, or semicolon.")},
+        {QStringLiteral("decimal"), QStringLiteral("D"), Tool::tr("dot, the default, or comma.")},
+        {QStringLiteral("undefined"), QStringLiteral("TEXT"),
+         Tool::tr("Stands for undefined values; nothing by default.")},
+        {QStringLiteral("variables"), QStringLiteral("LIST"),
+         Tool::tr("The variables to export, in this order: a,b,\"c, with a comma\".")},
+        {QStringLiteral("precision"), QStringLiteral("full"),
+         Tool::tr("Writes every digit that a number has.")},
+    };
+    command.minArguments = 3;
+    command.maxArguments = 3;
+    command.run = &run;
+    return command;
+}

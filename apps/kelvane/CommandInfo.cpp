@@ -1,0 +1,82 @@
+#include "ToolCommands.h"
+#include "ToolDatasetFacts.h"
+#include "ToolInterrupt.h"
+#include "ToolJson.h"
+#include "ToolOutput.h"
+#include "ToolProgress.h"
+#include "ToolProject.h"
+
+#include <util/dataset/KudADataset.h>
+
+#include <algorithm>
+
+namespace
+{
+std::vector<std::unique_ptr<KudADataset>> readDatasets(const KudDatasetDirectory& project,
+                                                       const QStringList& arguments)
+{
+    ToolProgress progress(Tool::tr("Reading"));
+    std::vector<std::unique_ptr<KudADataset>> datasets;
+    if (arguments.size() > 1) {
+        progress.show(0, 0);
+        datasets.push_back(ToolProject::readDataset(project, arguments.at(1)));
+        return datasets;
+    }
+    const QList<KuuId> ids = project.getIds();
+    for (const KuuId& id : ids) {
+        ToolInterrupt::check();
+        progress.show(static_cast<qint64>(datasets.size()), ids.size());
+        datasets.push_back(project.read(id));
+    }
+    std::sort(datasets.begin(), datasets.end(),
+              [](const auto& a, const auto& b) { return a->getName() < b->getName(); });
+    return datasets;
+}
+
+int run(const QCommandLineParser& line)
+{
+    const QStringList arguments = line.positionalArguments();
+    const KudDatasetDirectory project(arguments.first());
+    const auto datasets = readDatasets(project, arguments);
+
+    if (line.isSet(QStringLiteral("json"))) {
+        ToolJson json;
+        json.beginObject();
+        json.key("project").value(arguments.first());
+        json.key("datasets").beginArray();
+        for (const auto& dataset : datasets)
+            ToolDatasetFacts::write(json, *dataset);
+        json.endArray();
+        json.endObject();
+        ToolOutput::print(json.toByteArray());
+        return ExitDone;
+    }
+    QStringList texts;
+    for (const auto& dataset : datasets)
+        texts.append(ToolDatasetFacts::toText(*dataset));
+    ToolOutput::print(texts.isEmpty()
+                          ? Tool::tr("The project '%1' holds no datasets.\n").arg(arguments.first())
+                          : texts.join(QLatin1Char('\n')));
+    return ExitDone;
+}
+} // namespace
+
+ToolCommand createInfoCommand()
+{
+    ToolCommand command;
+    command.name = QStringLiteral("info");
+    command.arguments = QStringLiteral("DIR [DATASET]");
+    command.summary = Tool::tr("Shows the datasets of a project, or one of them.");
+    command.details = Tool::tr(
+        "For each dataset: its kind, the number of samples, the box of its coordinates, its "
+        "coordinate system. For each variable: type, role, unit, how many values are defined and "
+        "undefined, the minimum, the maximum and the mean, the categories.\n"
+        "With --json the facts are one JSON document with numbers in full precision.");
+    command.example = QStringLiteral("kelvane info survey\n"
+                                     "kelvane info survey samples --json");
+    command.options = {{QStringLiteral("json"), QString(), Tool::tr("One JSON document.")}};
+    command.minArguments = 1;
+    command.maxArguments = 2;
+    command.run = &run;
+    return command;
+}

@@ -1,0 +1,105 @@
+#include "ToolCommandLine.h"
+
+#include "ToolCommand.h"
+#include "ToolUsageError.h"
+
+#include <QtCore/QVector>
+
+#include <algorithm>
+
+namespace
+{
+/// The number of letters to change, add or drop between two words.
+int distance(const QString& a, const QString& b)
+{
+    QVector<int> row(b.size() + 1);
+    for (int j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (int i = 1; i <= a.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i;
+        for (int j = 1; j <= b.size(); ++j) {
+            const int replaced = diagonal + (a.at(i - 1) == b.at(j - 1) ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+        }
+    }
+    return row.last();
+}
+
+QStringList optionNames(const ToolCommand& command)
+{
+    QStringList names{QStringLiteral("help")};
+    for (const ToolOption& option : command.options)
+        names.append(option.name);
+    return names;
+}
+
+void checkArgumentCount(const ToolCommand& command, const QStringList& arguments)
+{
+    if (arguments.size() < command.minArguments) {
+        throw ToolUsageError(Tool::tr("Too few arguments.\nUsage: kelvane %1 %2")
+                                 .arg(command.name, command.arguments));
+    }
+    if (arguments.size() > command.maxArguments) {
+        throw ToolUsageError(
+            Tool::tr("'%1' is one argument too many.\nUsage: kelvane %2 %3")
+                .arg(arguments.at(command.maxArguments), command.name, command.arguments));
+    }
+}
+} // namespace
+
+QString ToolCommandLine::getHint(const QString& word, const QStringList& known)
+{
+    QString closest;
+    int least = 1 + word.size() / 3; // beyond this it is another word
+    for (const QString& candidate : known) {
+        const bool begins = word.size() > 1 && candidate.startsWith(word);
+        const int letters = begins ? 0 : distance(word, candidate);
+        if (letters < least || (letters == least && closest.isEmpty())) {
+            least = letters;
+            closest = candidate;
+        }
+    }
+    return closest.isEmpty() ? QString() : Tool::tr("; did you mean '%1'?").arg(closest);
+}
+
+void ToolCommandLine::parse(const ToolCommand& command, const QStringList& arguments,
+                            QCommandLineParser& line)
+{
+    line.addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}));
+    for (const ToolOption& option : command.options)
+        line.addOption(QCommandLineOption(option.name, option.text, option.value));
+
+    const bool understood = line.parse(arguments);
+    const QStringList unknown = line.unknownOptionNames();
+    if (!unknown.isEmpty()) {
+        const QString dashes(unknown.first().size() == 1 ? 1 : 2, QLatin1Char('-'));
+        QStringList known = optionNames(command);
+        for (QString& name : known)
+            name.prepend(QStringLiteral("--"));
+        const QString word = QStringLiteral("--") + unknown.first();
+        throw ToolUsageError(
+            Tool::tr("Unknown option '%1'%2\n'kelvane %3 --help' lists the options.")
+                .arg(dashes + unknown.first(), getHint(word, known), command.name));
+    }
+    if (!understood)
+        throw ToolUsageError(line.errorText());
+    if (!line.isSet(QStringLiteral("help")))
+        checkArgumentCount(command, line.positionalArguments());
+}
+
+int ToolCommandLine::readWord(const QCommandLineParser& line, const QString& option,
+                              const QStringList& words)
+{
+    if (!line.isSet(option))
+        return 0;
+    const QString word = line.value(option);
+    const int i = words.indexOf(word);
+    if (i < 0) {
+        throw ToolUsageError(
+            Tool::tr("--%1 is one of %2, not '%3'%4")
+                .arg(option, words.join(QStringLiteral(", ")), word, getHint(word, words)));
+    }
+    return i;
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "ToolCommand.h"
+
+ToolCommand createImportCommand();
+ToolCommand createInfoCommand();
+ToolCommand createExportCommand();
+ToolCommand createCheckCommand();
+ToolCommand createMapCommand();

@@ -1,0 +1,161 @@
+#include "ToolDatasetFacts.h"
+
+#include "ToolCommand.h"
+#include "ToolJson.h"
+#include "ToolOutput.h"
+#include "ToolTable.h"
+
+#include <util/dataset/KudADataTable.h>
+#include <util/dataset/KudADataset.h>
+#include <util/utils/KuuCoordSystem.h>
+
+#include <basic/data/HbdColumnSummary.h>
+#include <basic/data/HbdEnumCatalog.h>
+
+namespace
+{
+constexpr int SHOWN_CATEGORIES = 6;
+
+QStringList labelsOf(const HbdEnumCatalog& catalog)
+{
+    QStringList labels;
+    for (const HbdEnumCatalog::Category& category : catalog.getCategories())
+        labels.append(category.label);
+    return labels;
+}
+
+QString typeName(const HbdVariableDetails& details)
+{
+    return details.type.getKey().toLower();
+}
+
+/// Calls `visit(variable, details, summary, categories)` for each variable of each table.
+template <class Visit>
+void visitVariables(const KudADataset& dataset, Visit visit)
+{
+    for (int t = 0; t < dataset.getTableCount(); ++t) {
+        const KudADataTable& table = *dataset.getTableAt(t);
+        for (int column = 0; column < table.getVariableCount(); ++column) {
+            const KudDatasetVariable variable = table.getVariableAt(column);
+            const HbdAVariable* values = table.readValues(variable);
+            if (values == nullptr)
+                continue;
+            visit(variable, table.getDetails(variable), HbdColumnSummary::of(*values),
+                  labelsOf(table.getVariableCatalog(variable)));
+        }
+    }
+}
+
+void writeBox(ToolJson& json, const HbgBox& box)
+{
+    if (box.isEmpty()) {
+        json.null();
+        return;
+    }
+    json.beginObject();
+    json.key("xMin").value(box.getXMin());
+    json.key("xMax").value(box.getXMax());
+    json.key("yMin").value(box.getYMin());
+    json.key("yMax").value(box.getYMax());
+    json.key("zMin").value(box.getZMin());
+    json.key("zMax").value(box.getZMax());
+    json.endObject();
+}
+
+QString rangeText(double minimum, double maximum)
+{
+    return Tool::tr("%1 to %2").arg(ToolOutput::toText(minimum), ToolOutput::toText(maximum));
+}
+
+QString boxText(const HbgBox& box)
+{
+    if (box.isEmpty())
+        return Tool::tr("no coordinates");
+    QString text =
+        Tool::tr("x %1, y %2")
+            .arg(rangeText(box.getXMin(), box.getXMax()), rangeText(box.getYMin(), box.getYMax()));
+    if (box.is3D())
+        text += Tool::tr(", z %1").arg(rangeText(box.getZMin(), box.getZMax()));
+    return text;
+}
+
+QString coordSystemText(const KuuCoordSystem& system)
+{
+    const QString code = system.serialize();
+    if (code.isEmpty())
+        return system.isLocal() ? Tool::tr("local") : Tool::tr("none");
+    return system.getName().isEmpty() ? code : code + QStringLiteral("  ") + system.getName();
+}
+
+QString categoriesText(const QStringList& categories)
+{
+    QString text = QStringList(categories.mid(0, SHOWN_CATEGORIES)).join(QStringLiteral(", "));
+    if (categories.size() > SHOWN_CATEGORIES)
+        text += Tool::tr(" and %1 more").arg(categories.size() - SHOWN_CATEGORIES);
+    return text;
+}
+
+QString numberText(const QVariant& number)
+{
+    return number.userType() == QMetaType::LongLong
+               ? number.toString()
+               : ToolOutput::toText(number.isValid() ? number.toDouble() : HbbGlobal::D_FFFF);
+}
+} // namespace
+
+void ToolDatasetFacts::write(ToolJson& json, const KudADataset& dataset)
+{
+    json.beginObject();
+    json.key("name").value(dataset.getName());
+    json.key("kind").value(dataset.getDatasetType().getKey());
+    json.key("count").value(qint64(dataset.getObjectCount()));
+    json.key("coordinateSystem").textOrNull(dataset.getCoordSystem().serialize());
+    json.key("boundingBox");
+    writeBox(json, dataset.getBoundingBox());
+    json.key("variables").beginArray();
+    visitVariables(dataset, [&json](const KudDatasetVariable& variable,
+                                    const HbdVariableDetails& details,
+                                    const HbdColumnSummary& summary, const QStringList& labels) {
+        json.beginObject();
+        json.key("name").value(variable.getFullVariableName());
+        json.key("type").value(typeName(details));
+        json.key("role").textOrNull(details.role == HbdEVarRole::NONE ? QString()
+                                                                      : details.role.getKey());
+        json.key("unit").textOrNull(details.unit.getSymbol());
+        json.key("defined").value(summary.defined);
+        json.key("undefined").value(summary.undefined);
+        json.key("minimum").number(summary.minimum);
+        json.key("maximum").number(summary.maximum);
+        json.key("mean").value(summary.mean);
+        json.key("categories").value(labels);
+        json.endObject();
+    });
+    json.endArray();
+    json.endObject();
+}
+
+QString ToolDatasetFacts::toText(const KudADataset& dataset)
+{
+    QString text = Tool::tr("%1: %2, %3 samples")
+                       .arg(dataset.getName(), dataset.getDatasetType().getLabel().toLower())
+                       .arg(dataset.getObjectCount());
+    text += Tool::tr("\n  coordinates        %1").arg(boxText(dataset.getBoundingBox()));
+    text +=
+        Tool::tr("\n  coordinate system  %1\n\n").arg(coordSystemText(dataset.getCoordSystem()));
+
+    ToolTable table({Tool::tr("variable"), Tool::tr("type"), Tool::tr("role"), Tool::tr("unit"),
+                     Tool::tr("defined"), Tool::tr("undefined"), Tool::tr("minimum"),
+                     Tool::tr("maximum"), Tool::tr("mean"), Tool::tr("categories")});
+    table.alignRight(4, 8);
+    visitVariables(dataset, [&table](const KudDatasetVariable& variable,
+                                     const HbdVariableDetails& details,
+                                     const HbdColumnSummary& summary, const QStringList& labels) {
+        const bool plain = details.role == HbdEVarRole::NONE;
+        table.addRow({variable.getFullVariableName(), typeName(details),
+                      plain ? QString() : details.role.getLabel(), details.unit.getSymbol(),
+                      QString::number(summary.defined), QString::number(summary.undefined),
+                      numberText(summary.minimum), numberText(summary.maximum),
+                      ToolOutput::toText(summary.mean), categoriesText(labels)});
+    });
+    return text + table.toText(2);
+}

@@ -1,0 +1,54 @@
+#include "ToolOutput.h"
+
+#include "ToolCommand.h"
+
+#include <basic/base/HbbGlobal.h>
+#include <basic/base/HbbStringFormat.h>
+#include <basic/error/HbeDiskError.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace
+{
+void printLine(const char* prefix, const QString& message)
+{
+    std::fprintf(stderr, "%s%s\n", prefix, message.trimmed().toUtf8().constData());
+}
+} // namespace
+
+void ToolOutput::print(const QByteArray& utf8)
+{
+    const std::size_t size = static_cast<std::size_t>(utf8.size());
+    if (std::fwrite(utf8.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
+        throw HbeDiskError(
+            Tool::tr("Cannot write to the standard output: %1").arg(qt_error_string(errno)));
+}
+
+void ToolOutput::print(const QString& text)
+{
+    print(text.toUtf8());
+}
+
+void ToolOutput::printError(const QString& message)
+{
+    printLine("kelvane: ", message);
+}
+
+void ToolOutput::printWarning(const QString& message)
+{
+    printLine("warning: ", message);
+}
+
+void ToolOutput::printNote(const QString& message)
+{
+    printLine("note: ", message);
+}
+
+QString ToolOutput::toText(double value)
+{
+    if (HbbGlobal::isUndefined(value))
+        return QString();
+    return QString::fromLatin1(
+        HbbStringFormat::simpleValueToByteArray(value, HbbEFormat::GENERAL, 6));
+}

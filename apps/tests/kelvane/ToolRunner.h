@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+
+#include "QtPrinters.h"
+
+#include <gtest/gtest.h>
+
+/// What a run of the tool left behind.
+struct ToolRun {
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+
+    /// The one JSON document of stdout; a null one when it is none.
+    QJsonObject json() const { return QJsonDocument::fromJson(out).object(); }
+};
+
+/// Runs the tool as a user would, in an empty folder of its own.
+class ToolTest : public testing::Test
+{
+protected:
+    ToolRun run(const QStringList& arguments, const QString& locale = QString())
+    {
+        QProcess process;
+        start(process, arguments, locale);
+        ToolRun result;
+        EXPECT_TRUE(process.waitForFinished(120000));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << arguments.join(' ').toStdString();
+        result.exitCode = process.exitCode();
+        result.out = process.readAllStandardOutput();
+        result.err = process.readAllStandardError();
+        return result;
+    }
+
+    void start(QProcess& process, const QStringList& arguments, const QString& locale = QString())
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove("QT_QPA_PLATFORM"); // the user need not know of it
+        if (!locale.isEmpty())
+            environment.insert("LC_ALL", locale);
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(m_folder.path());
+        process.start(qEnvironmentVariable("KELVANE_TOOL"), arguments);
+    }
+
+    /// A real file of the test data; the test is skipped by requireData where there is none.
+    QString data(const QString& name) const
+    {
+        return qEnvironmentVariable("KELVANE_TEST_DATA") + '/' + name;
+    }
+
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+
+    void write(const QString& name, const QByteArray& bytes) const
+    {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    QByteArray read(const QString& name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+    }
+
+    /// Everything in the folder, hidden files included.
+    QStringList entries(const QString& folder = QString()) const
+    {
+        return QDir(path(folder)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir m_folder;
+};
+
+/// Skips a test that needs the collection of real files where it is not at hand.
+#define REQUIRE_DATA(name)                                                                         \
+    if (!QFile::exists(data(name)))                                                                \
+    GTEST_SKIP() << "no file " << data(name).toStdString()

@@ -1,0 +1,82 @@
+#include "ToolRunner.h"
+
+namespace
+{
+class ToolUsageTest : public ToolTest
+{
+};
+
+// What the words of a command line come to.
+TEST_F(ToolUsageTest, exitCodesAndHints)
+{
+    write("good.csv", "x,y,zinc\n1,2,3.5\n");
+    write("ragged.csv", "x,y,zinc\n1,2,3.5\n4,5\n");
+    ASSERT_EQ(run({"import", "good.csv", "--project", "p"}).exitCode, 0);
+
+    struct Case {
+        QStringList arguments;
+        int exitCode;
+        QByteArray error; // stands in stderr
+    };
+    const std::vector<Case> cases = {
+        {{}, 2, "A command is missing"},
+        {{"imprt"}, 2, "did you mean 'import'?"},
+        {{"nonsense"}, 2, "'kelvane --help' lists"},
+        {{"--vrsion"}, 2, "did you mean '--version'?"},
+        {{"info"}, 2, "Usage: kelvane info DIR [DATASET]"},
+        {{"info", "p", "good", "more"}, 2, "'more' is one argument too many"},
+        {{"info", "p", "--jsn"}, 2, "did you mean '--json'?"},
+        {{"info", "p", "-j"}, 2, "Unknown option '-j'"},
+        {{"import", "good.csv"}, 2, "--project DIR is missing"},
+        {{"import", "good.csv", "--project"}, 2, "project"},
+        {{"import", "good.csv", "--project", "q", "--separator", "colon"}, 2, "comma, semicolon"},
+        {{"import", "good.csv", "--project", "q", "--decimal", "coma"}, 2, "did you mean 'comma'?"},
+        {{"import", "none.csv", "--project", "q"}, 1, "none.csv"},
+        {{"import", ".", "--project", "q", "--name", "n"}, 1, "regular file"},
+        {{"import", "ragged.csv", "--project", "q"}, 1, "line 3"},
+        {{"import", "good.csv", "--project", "q", "--x", "east"}, 1, "east"},
+        {{"import", "good.csv", "--project", "q", "--cs", "epsg:2154"}, 1, "epsg:2154"},
+        {{"import", "good.csv", "--project", "q", "--cs", "EPSG:99999999"}, 1, "99999999"},
+        {{"import", "good.csv", "--project", "p"}, 1, "has a dataset 'good' already"},
+        {{"import", "good.csv", "--project", "good.csv"}, 1, "good.csv"},
+        {{"info", "none"}, 1, "There is no directory 'none'"},
+        {{"info", "p", "god"}, 1, "did you mean 'good'?"},
+        {{"check", "none"}, 1, "There is no directory 'none'"},
+        {{"export", "p", "good", "o.csv", "--variables", "x,zinq"}, 1, "did you mean 'zinc'?"},
+        {{"export", "p", "good", "o.csv", "--decimal", "comma"}, 2, "--separator semicolon"},
+        {{"export", "p", "good", "o.csv", "--precision", "half"}, 2, "full"},
+        {{"export", "p", "good", "none/o.csv"}, 1, "none/o.csv"},
+        {{"export", "p", "good", "p"}, 1, "'p'"},
+        {{"map", "p", "good", "m.png", "--variable", "gold"}, 1, "There are: x, y, zinc"},
+        {{"map", "p", "good", "none/m.png"}, 1, "none/m.png"},
+    };
+    const QStringList before = entries();
+    for (const Case& c : cases) {
+        const ToolRun result = run(c.arguments);
+        const std::string words = c.arguments.join(' ').toStdString();
+        EXPECT_EQ(result.exitCode, c.exitCode) << words << '\n' << result.err.toStdString();
+        EXPECT_TRUE(result.err.contains(c.error)) << words << '\n' << result.err.toStdString();
+        EXPECT_EQ(result.out, "") << words;
+    }
+    EXPECT_EQ(entries(), before); // none of these created anything
+}
+
+TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
+{
+    EXPECT_TRUE(run({"--version"}).out.startsWith("kelvane "));
+    const QByteArray help = run({"--help"}).out;
+    for (const char* command : {"import", "info", "export", "check", "map"}) {
+        const ToolRun result = run({command, "--help"});
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.err, "");
+        EXPECT_TRUE(help.contains(QByteArray("  ") + command));
+        const int example = result.out.indexOf("Example:\n");
+        ASSERT_GT(example, 0) << command;
+        for (const QByteArray& line : result.out.mid(example + 9).trimmed().split('\n')) {
+            QStringList words = QString::fromUtf8(line.trimmed()).split(' ');
+            ASSERT_EQ(words.takeFirst(), "kelvane");
+            EXPECT_NE(run(words).exitCode, 2) << line.toStdString();
+        }
+    }
+}
+} // namespace

@@ -1,0 +1,184 @@
+#include <util/dataset/KudADataset.h>
+#include <util/dataset/KudDatasetDirectory.h>
+#include <util/dataset/KudGenericDatasetFactory.h>
+#include <util/xml/KuxXmlMementoFile.h>
+
+#include <basic/base/HbbDebug.h>
+#include <basic/calc/HbcCancelled.h>
+#include <basic/error/HbeDiskError.h>
+#include <basic/error/HbeUserError.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QHash>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QXmlStreamReader>
+
+namespace
+{
+/// Collects the warnings that are printed while it lives.
+class WarningCollector
+{
+public:
+    explicit WarningCollector(QStringList& warnings)
+        : m_before(HbbDebug::setSink([&warnings](HbbDebug::Level level, const QString& message) {
+            if (level == HbbDebug::Level::WARNING)
+                warnings.append(message.trimmed());
+        }))
+    {
+    }
+    ~WarningCollector() { HbbDebug::setSink(m_before); }
+    WarningCollector(const WarningCollector&) = delete;
+    WarningCollector& operator=(const WarningCollector&) = delete;
+
+private:
+    HbbDebug::Sink m_before;
+};
+
+/// The library's own factory serves whoever brings none.
+const KudGenericDatasetFactory& orDefault(const KudGenericDatasetFactory* factory)
+{
+    static const KudGenericDatasetFactory ours;
+    return factory == nullptr ? ours : *factory;
+}
+
+bool isMementoName(const QString& fileName)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("^.+_[0-9a-fA-F]{8}(-[0-9a-fA-F]{4}){3}-[0-9a-fA-F]{12}\\.xml$"));
+    return pattern.match(fileName).hasMatch();
+}
+
+/// The field "name" of a memento file. The fields stand in key order, so it comes before the
+/// values, and these are not read.
+QString peekName(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    QXmlStreamReader xml(&file);
+    xml.readNextStartElement();
+    while (xml.readNextStartElement()) {
+        if (xml.name() != QLatin1String("fields")) {
+            xml.skipCurrentElement();
+            continue;
+        }
+        while (xml.readNextStartElement()) {
+            if (xml.name() == QLatin1String("name"))
+                return xml.readElementText();
+            xml.skipCurrentElement();
+        }
+    }
+    return QString();
+}
+} // namespace
+
+KudDatasetDirectory::KudDatasetDirectory(const QString& path,
+                                         const KudGenericDatasetFactory* factory)
+    : m_directory(path)
+    , m_factory(factory)
+{
+}
+
+void KudDatasetDirectory::requireExists() const
+{
+    if (!m_directory.exists())
+        throw HbeUserError(tr("There is no directory '%1'.").arg(m_directory.path()));
+}
+
+QList<KuuId> KudDatasetDirectory::getIds() const
+{
+    requireExists();
+    return KuxXmlMementoFile::getIdList(m_directory, KudADataset::getMementoRelation());
+}
+
+QString KudDatasetDirectory::readName(const KuuId& id) const
+{
+    const QString name = peekName(m_directory.filePath(KuxXmlMementoFile::getFileName(id)));
+    return name.isEmpty() ? read(id)->getName() : name;
+}
+
+KuuId KudDatasetDirectory::findName(const QString& name) const
+{
+    KuuId found;
+    const QList<KuuId> ids = getIds();
+    for (const KuuId& id : ids) {
+        if (readName(id) != name)
+            continue;
+        if (found.isValid())
+            throw HbeUserError(tr("'%1' holds more than one dataset of the name '%2'.")
+                                   .arg(m_directory.path(), name));
+        found = id;
+    }
+    return found;
+}
+
+std::unique_ptr<KudADataset> KudDatasetDirectory::read(const KuuId& id) const
+{
+    try {
+        return orDefault(m_factory).create(KuxXmlMementoFile::read(m_directory, id), true);
+    } catch (const HbeError& error) {
+        throw HbeUserError(
+            tr("Cannot read the dataset file '%1': %2")
+                .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)), error.getMessage()));
+    }
+}
+
+void KudDatasetDirectory::save(const KudADataset& dataset, const KuuId& id) const
+{
+    const bool existed = m_directory.exists();
+    if (!existed && !m_directory.mkpath(QStringLiteral(".")))
+        throw HbeDiskError(tr("Cannot create the directory '%1'.").arg(m_directory.path()));
+    try {
+        const KuuMemento memento = dataset.getMemento();
+        KuxXmlMementoFile::save(m_directory, id.isValid() ? KuuMemento(id, memento) : memento);
+    } catch (...) {
+        if (!existed)
+            m_directory.rmdir(QStringLiteral("."));
+        throw;
+    }
+}
+
+void KudDatasetDirectory::checkMemento(FileCheck& file) const
+{
+    const WarningCollector collector(file.warnings);
+    try {
+        const KuuMemento memento = KuxXmlMementoFile::read(m_directory.filePath(file.fileName));
+        file.id = memento.getId();
+        const QString expected = KuxXmlMementoFile::getFileName(file.id);
+        if (expected != file.fileName)
+            file.errors.append(tr("It holds what belongs into '%1'.").arg(expected));
+        if (file.id.getRelation() != KudADataset::getMementoRelation())
+            return;
+        file.name = orDefault(m_factory).create(memento, true)->getName();
+        if (file.name.isEmpty())
+            file.errors.append(tr("The dataset has no name."));
+    } catch (const HbeError& error) {
+        file.errors.append(error.getMessage());
+    }
+}
+
+std::vector<KudDatasetDirectory::FileCheck>
+KudDatasetDirectory::check(const Progress& progress) const
+{
+    requireExists();
+    const QStringList names = m_directory.entryList(
+        QDir::Files | QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+    std::vector<FileCheck> files;
+    QHash<QString, QString> fileOfName;
+    for (const QString& fileName : names) {
+        if (progress && !progress(static_cast<int>(files.size()), names.size()))
+            throw HbcCancelled();
+        FileCheck file;
+        file.fileName = fileName;
+        file.isMemento = isMementoName(fileName);
+        if (file.isMemento)
+            checkMemento(file);
+        if (fileOfName.contains(file.name))
+            file.errors.append(tr("'%1' holds a dataset of the same name, '%2'.")
+                                   .arg(fileOfName.value(file.name), file.name));
+        else if (!file.name.isEmpty())
+            fileOfName.insert(file.name, fileName);
+        files.push_back(file);
+    }
+    return files;
+}
