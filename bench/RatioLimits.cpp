@@ -23,7 +23,10 @@ public:
         for (const Run& run : runs) {
             if (run.error_occurred || run.run_type != Run::RT_Iteration)
                 continue;
-            const double seconds = run.cpu_accumulated_time / double(run.iterations);
+            // What waits for the disk is registered with UseRealTime.
+            const bool isReal = !run.run_name.time_type.empty();
+            const double total = isReal ? run.real_accumulated_time : run.cpu_accumulated_time;
+            const double seconds = total / double(run.iterations);
             const auto added = m_seconds.emplace(run.run_name.function_name, seconds).first;
             added->second = std::min(added->second, seconds);
         }

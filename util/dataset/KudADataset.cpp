@@ -66,7 +66,7 @@ KudADataset::KudADataset(Ku::DatasetFlags flags)
 
 KudADataset::~KudADataset()
 {
-    for (const KudADataTable* table : m_observedTables)
+    for (const auto* table : m_observedTables)
         table->removeObserver(this);
 }
 
@@ -326,7 +326,7 @@ void KudADataset::update(const KudDataTableModif& notice)
 
 void KudADataset::destroyed(const KuoAObservable<KudDataTableModif>* table)
 {
-    m_observedTables.removeAll(static_cast<const KudADataTable*>(table));
+    m_observedTables.removeAll(table);
 }
 
 void KudADataset::_observeTable(const KudADataTable* table)

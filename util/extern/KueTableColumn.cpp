@@ -107,7 +107,8 @@ KueTableColumn::Outcome KueTableColumn::storeParsed(const KueTableNumber& number
 {
     if (number.kind == KueTableNumber::Kind::NONE)
         return m_request == Request::NUMBER ? Outcome::UNREADABLE : reject();
-    if (number.kind == KueTableNumber::Kind::REAL && m_kind == Kind::INTEGER && !widenToReal())
+    const bool isInteger = number.kind == KueTableNumber::Kind::INTEGER;
+    if (!isInteger && m_kind == Kind::INTEGER && !widenToReal())
         return reject();
     if (m_kind == Kind::INTEGER) {
         m_integers[rank] = number.integer;
@@ -118,6 +119,8 @@ KueTableColumn::Outcome KueTableColumn::storeParsed(const KueTableNumber& number
                 return reject();
         }
         m_reals[rank] = number.real;
+        m_hasReals = m_hasReals || number.kind == KueTableNumber::Kind::REAL;
+        m_hasLargeIntegers = m_hasLargeIntegers || number.kind == KueTableNumber::Kind::LARGE;
     }
     noteDigits(number);
     return Outcome::STORED;
@@ -223,11 +226,15 @@ void KueTableColumn::decodeAgain(std::size_t count)
 bool KueTableColumn::close(std::size_t count, const KueTableRules& rules)
 {
     resize(count, count);
-    if (isNumeric() && !m_hasNumbers && m_request != Request::NUMBER) {
-        if (m_hasWords) {
+    if (isNumeric() && m_request != Request::NUMBER) {
+        const bool isWords = !m_hasNumbers && m_hasWords;
+        const bool isLarge = m_hasLargeIntegers && !m_hasReals && !m_isRounding;
+        if (isWords || isLarge) {
             reject();
             return false;
         }
+    }
+    if (isNumeric() && m_request != Request::NUMBER && !m_hasNumbers) {
         m_integers = {};
         m_reals = {};
         m_kind = Kind::TEXT;

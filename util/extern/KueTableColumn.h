@@ -73,6 +73,8 @@ public:
 
     /// Digits that no real holds were rounded, or made the column a text.
     bool hasLostDigits() const { return m_hasLostDigits; }
+    /// Whole numbers beyond 64 bits, which are reals only beside others that have decimals.
+    bool hasLargeIntegers() const { return m_hasLargeIntegers; }
     /// It held numbers before it was REJECTED.
     bool hasNumbers() const { return m_hasNumbers; }
 
@@ -132,6 +134,8 @@ private:
     bool m_hasPlain = false;  ///< a number without exponent
     bool m_keepsZeros = true; ///< long numbers give their texts with all their digits
     bool m_hasLostDigits = false;
+    bool m_hasLargeIntegers = false;
+    bool m_hasReals = false; ///< a number that has not the form of an integer
     bool m_hasNumbers = false;
     bool m_hasWords = false; ///< cells like "na": missing among numbers, texts among texts
     std::string m_buffer;
@@ -177,6 +181,7 @@ inline const char* KueTableColumn::storeNumber(const char* at, std::size_t rank,
         m_integers[rank] = isNegative ? -whole : whole;
     } else {
         m_reals[rank] = value;
+        m_hasReals = m_hasReals || hasDecimal;
     }
     noteDigits(integerDigits, decimals);
     return at;

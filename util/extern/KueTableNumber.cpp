@@ -166,8 +166,9 @@ KueTableNumber KueTableNumber::parse(const char* begin, const char* end, Style s
     number.digits = judgeDigits(form, number.real, number.significant);
     // A minus before zero is kept by a real alone.
     const bool isInteger = !form.fraction && !form.exponent && !(isZero && form.isNegative);
-    if (isInteger && !parseInteger(form, number.integer))
-        return number;
-    number.kind = isInteger ? Kind::INTEGER : Kind::REAL;
+    if (!isInteger)
+        number.kind = Kind::REAL;
+    else
+        number.kind = parseInteger(form, number.integer) ? Kind::INTEGER : Kind::LARGE;
     return number;
 }

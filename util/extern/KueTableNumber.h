@@ -7,6 +7,7 @@ struct KueTableNumber {
     enum class Kind {
         NONE,    ///< no number, or one outside the range of both types
         INTEGER, ///< digits only, within 64 bits
+        LARGE,   ///< digits only, beyond them
         REAL
     };
     /// How the double keeps the digits of the text.
@@ -31,8 +32,8 @@ struct KueTableNumber {
         bool leadingZeros = false; ///< "001" is a number, too
     };
 
-    /// Reads the whole text; it has no white space around it. Integers that 64 bits cannot hold are
-    /// no numbers; so are reals that overflow, vanish, or mean "undefined" to the system.
+    /// Reads the whole text; it has no white space around it. A real that overflows, vanishes, or
+    /// means "undefined" to the system is no number.
     static KueTableNumber parse(const char* begin, const char* end, Style style);
 
     /// Every text of so many significant digits comes back from a double.

@@ -28,6 +28,7 @@ void checkRange(qint64 value, qint64 minimum, qint64 maximum, const QString& wha
 
 void KueTableOptions::validate() const
 {
+    checkRange(blockSize, 1, 1024 * 1024 * 1024, translate("The size of a block"));
     checkRange(maxLineLength, 1, 1024 * 1024 * 1024, translate("The greatest length of a line"));
     checkRange(maxColumns, 1, 1000000, translate("The greatest number of columns"));
     checkRange(maxCategories, 0, MAX_CATEGORIES, translate("The greatest number of categories"));

@@ -85,7 +85,7 @@ KueTableRules makeRules(const KueTableLayout& layout, const KueTableOptions& opt
 Reading::Reading(const QString& path, const KueTableOptions& options)
     : m_options(options)
     , m_missing(options.missingTexts)
-    , m_source(path)
+    , m_source(path, options.blockSize)
     , m_layout(KueTableSniffer(m_source, options, m_missing).sniff())
     , m_rules(makeRules(m_layout, options, m_source, m_missing))
 {
@@ -255,6 +255,10 @@ void Reading::explainWidenings(const KueTableRows& rows)
                     .arg(widening.line));
     }
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        if (!m_columns[i].isNumeric() && m_columns[i].hasLargeIntegers())
+            m_result.notes.append(
+                translate("Column '%1' is read as text: it holds whole numbers beyond 64 bits.")
+                    .arg(m_names.at(static_cast<int>(i))));
         if (m_columns[i].isNumeric() && m_columns[i].hasLostDigits())
             m_result.warnings.append(
                 translate("Column '%1': numbers with more digits than a real number keeps are "

@@ -8,7 +8,8 @@
 namespace
 {
 constexpr std::size_t SAMPLE_ROWS = 10000;
-constexpr std::size_t ROWS_AT_ONCE = 8192; // that columns grow by
+constexpr std::size_t ROWS_AT_FIRST = 16;  // that columns have room for, and double
+constexpr std::size_t ROWS_AT_ONCE = 8192; // that they grow by at most
 constexpr std::size_t MAX_ROWS = std::numeric_limits<int>::max() - ROWS_AT_ONCE;
 constexpr int SHOWN_TEXT = 60; // characters of a text in a message
 } // namespace
@@ -35,24 +36,35 @@ void KueTableRows::read(const KueTableReader::Progress& progress)
         readPass(progress, 0);
     }
     const std::size_t count = m_rank;
-    for (KueTableColumn& column : m_columns) {
-        if (column.isOpen())
-            column.close(count, m_rules);
+    closeColumns();
+    if (isAnyRejected()) {
+        m_passes = 2;
+        for (KueTableColumn& column : m_columns)
+            column.restart();
+        readPass(progress, 0);
+        if (m_rank != count)
+            throw HbeUserError(
+                tr("The file '%1' was changed while it was read.").arg(m_source.getPath()));
+        closeColumns();
     }
-    if (!isAnyRejected())
-        return;
+    tell(progress, m_source.getBytesTotal());
+}
 
-    m_passes = 2;
-    for (KueTableColumn& column : m_columns)
-        column.restart();
-    readPass(progress, 0);
-    if (m_rank != count)
-        throw HbeUserError(
-            tr("The file '%1' was changed while it was read.").arg(m_source.getPath()));
+void KueTableRows::closeColumns()
+{
     for (KueTableColumn& column : m_columns) {
         if (column.isOpen())
-            column.close(count, m_rules);
+            column.close(m_rank, m_rules);
     }
+}
+
+void KueTableRows::tell(const KueTableReader::Progress& progress, qint64 bytes) const
+{
+    // Once it is known that there will be a second pass, it is counted in.
+    const qint64 total = m_source.getBytesTotal();
+    const bool isTwice = m_passes == 2 || isAnyRejected();
+    if (progress && !progress(m_passes == 2 ? total + bytes : bytes, isTwice ? 2 * total : total))
+        throw HbcCancelled();
 }
 
 /// False when, after `sample` rows, some column is no column of numbers; 0 is no sample.
@@ -80,10 +92,7 @@ bool KueTableRows::readPass(const KueTableReader::Progress& progress, std::size_
 
 void KueTableRows::begin()
 {
-    // The window stands at the file's begin when the header has just been read.
-    if (m_hasBegun)
-        m_source.rewind();
-    m_hasBegun = true;
+    m_source.rewind();
     while (static_cast<std::size_t>(m_source.end() - m_source.begin()) < m_layout.headerSize &&
            !m_source.isAtEnd())
         m_source.advance(m_source.begin(), 1);
@@ -99,18 +108,9 @@ void KueTableRows::begin()
 
 void KueTableRows::nextBlock(const KueTableReader::Progress& progress)
 {
-    const qint64 total = m_source.getBytesTotal();
-    const bool isTwice = m_passes == 2 || isAnyRejected();
-    if (progress && !progress(m_source.getBytesRead() + (m_passes == 2 ? total : 0),
-                              isTwice ? 2 * total : total))
-        throw HbcCancelled();
+    tell(progress, m_source.getBytesRead());
     if (m_source.end() - m_at > m_options.maxLineLength)
-        throw HbeUserError(tr("'%1', line %2: the row is longer than %3 bytes. A quote that is "
-                              "never closed makes one row of many.")
-                               .arg(m_source.getPath())
-                               .arg(m_line)
-                               .arg(m_options.maxLineLength));
-
+        refuseLongRow();
     const KueTableSource::Encoding encoding = m_source.getEncoding();
     m_source.advance(m_at, m_line);
     m_at = m_source.begin();
@@ -155,6 +155,8 @@ KueTableRows::Stop KueTableRows::readRow()
     }
     if (stop != Stop::LINE)
         return refuseRow();
+    if (at - m_at > m_options.maxLineLength)
+        refuseLongRow();
     m_at = at;
     m_line += lines;
     ++m_rank;
@@ -219,7 +221,7 @@ void KueTableRows::growColumns()
         throw HbeUserError(
             tr("The file '%1' has more than %2 rows.").arg(m_source.getPath()).arg(MAX_ROWS));
     const std::size_t expected = guessCount();
-    m_capacity += ROWS_AT_ONCE;
+    m_capacity += std::clamp(m_capacity, ROWS_AT_FIRST, ROWS_AT_ONCE);
     for (KueTableColumn& column : m_columns) {
         if (column.isOpen())
             column.resize(m_capacity, expected);
@@ -286,6 +288,15 @@ void KueTableRows::refuseCell(KueTableColumn::Outcome outcome, std::size_t colum
                                        .arg(text)
                                        .arg(KueTableLabels::MAX_COUNT));
     throw HbeUserError(place + tr("'%1' is not a number.").arg(text));
+}
+
+void KueTableRows::refuseLongRow() const
+{
+    throw HbeUserError(tr("'%1', line %2: the row is longer than %3 bytes. A quote that is "
+                          "never closed makes one row of many.")
+                           .arg(m_source.getPath())
+                           .arg(m_line)
+                           .arg(m_options.maxLineLength));
 }
 
 void KueTableRows::refuseOpenQuote() const

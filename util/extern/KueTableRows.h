@@ -45,6 +45,8 @@ private:
 
     bool readPass(const KueTableReader::Progress& progress, std::size_t sample);
     void begin();
+    void closeColumns();
+    void tell(const KueTableReader::Progress& progress, qint64 bytes) const;
     void nextBlock(const KueTableReader::Progress& progress);
     Stop readRow();
     Stop readEmptyLine();
@@ -60,6 +62,7 @@ private:
     Stop refuseRow() const;
     [[noreturn]] void refuseCell(KueTableColumn::Outcome outcome, std::size_t column, qint64 line,
                                  const QString& text) const;
+    [[noreturn]] void refuseLongRow() const;
     [[noreturn]] void refuseOpenQuote() const;
     QString getText(const Cell& cell) const;
 
@@ -77,7 +80,6 @@ private:
     std::size_t m_capacity = 0;  ///< ranks that the open columns have room for
     std::size_t m_emptyRows = 0; ///< empty lines of a table of one column that a row may follow
     qint64 m_emptyLines = 0;
-    bool m_hasBegun = false;
     int m_passes = 0;
     std::vector<Widening> m_widenings;
 };

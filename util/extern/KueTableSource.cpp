@@ -10,7 +10,7 @@
 
 namespace
 {
-constexpr std::size_t BLOCK = 1024 * 1024;
+constexpr std::size_t FIRST_BLOCK = 1024 * 1024; // shows the layout
 
 /// The length of the UTF-8 character at `at`: 0 when the bytes are none, -1 when the text ends
 /// within it.
@@ -53,8 +53,9 @@ const unsigned char* skipAscii(const unsigned char* at, const unsigned char* end
 }
 } // namespace
 
-KueTableSource::KueTableSource(const QString& path)
+KueTableSource::KueTableSource(const QString& path, int blockSize)
     : m_path(path)
+    , m_blockSize(static_cast<std::size_t>(blockSize))
     , m_file(path)
 {
     const QFileInfo info(path);
@@ -65,12 +66,17 @@ KueTableSource::KueTableSource(const QString& path)
     if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         throw HbeUserError(tr("Cannot open the file '%1' : %2").arg(path, m_file.errorString()));
     m_bytesTotal = m_file.size();
-    rewind();
+    start(std::max(FIRST_BLOCK, m_blockSize));
 }
 
 KueTableSource::~KueTableSource() = default;
 
 void KueTableSource::rewind()
+{
+    start(m_blockSize);
+}
+
+void KueTableSource::start(std::size_t blockSize)
 {
     if (!m_file.seek(0))
         throw HbeUserError(tr("Cannot read the file '%1' : %2").arg(m_path, m_file.errorString()));
@@ -78,7 +84,7 @@ void KueTableSource::rewind()
     m_bytesRead = 0;
     m_isAtEnd = false;
     detectMark();
-    readBlock(1);
+    readBlock(blockSize, 1);
 }
 
 void KueTableSource::detectMark()
@@ -108,7 +114,7 @@ void KueTableSource::advance(const char* position, qint64 line)
     std::memmove(m_bytes.data(), position, m_end - dropped);
     m_end -= dropped;
     m_validated -= std::min(dropped, m_validated);
-    readBlock(line);
+    readBlock(m_blockSize, line);
 }
 
 qint64 KueTableSource::readBytes(char* out, qint64 count)
@@ -129,10 +135,10 @@ qint64 KueTableSource::readBytes(char* out, qint64 count)
     return done;
 }
 
-void KueTableSource::readBlock(qint64 line)
+void KueTableSource::readBlock(std::size_t blockSize, qint64 line)
 {
     // A row longer than the window doubles it.
-    const std::size_t block = std::max(BLOCK, m_end);
+    const std::size_t block = std::max(blockSize, m_end);
     const std::size_t from = m_end;
     if (m_decoder) {
         QByteArray raw(static_cast<int>(block), Qt::Uninitialized);
@@ -146,7 +152,10 @@ void KueTableSource::readBlock(qint64 line)
         m_end +=
             static_cast<std::size_t>(readBytes(m_bytes.data() + m_end, static_cast<qint64>(block)));
     }
-    refuseZeroBytes(from, line);
+    constexpr char END_OF_TEXT = '\x1A'; // closes files of old systems
+    if (m_isAtEnd && m_end != 0 && m_bytes[m_end - 1] == END_OF_TEXT)
+        --m_end;
+    refuseZeroBytes(std::min(from, m_end), line);
     if (m_encoding == Encoding::UTF_8)
         validate();
     m_bytes[m_end] = '\n';

@@ -23,8 +23,9 @@ class KueTableSource
 public:
     using Encoding = KueTableResult::Encoding;
 
-    /// Opens a regular file and reads the first block. Raises HbeUserError.
-    explicit KueTableSource(const QString& path);
+    /// Opens a regular file and reads enough to recognise its layout; later blocks have
+    /// `blockSize`. Raises HbeUserError.
+    KueTableSource(const QString& path, int blockSize);
     ~KueTableSource();
 
     /// Starts again at the first byte.
@@ -48,13 +49,15 @@ public:
     const QString& getPath() const { return m_path; }
 
 private:
-    void readBlock(qint64 line);
+    void start(std::size_t blockSize);
+    void readBlock(std::size_t blockSize, qint64 line);
     qint64 readBytes(char* out, qint64 count);
     void detectMark();
     void refuseZeroBytes(std::size_t from, qint64 line) const;
     void validate();
 
     QString m_path;
+    std::size_t m_blockSize;
     QFile m_file;
     std::unique_ptr<QTextDecoder> m_decoder; ///< for UTF-16 alone
     std::vector<char> m_bytes;

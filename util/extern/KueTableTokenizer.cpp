@@ -99,12 +99,13 @@ std::string_view KueTableTokenizer::getText(const Cell& cell, std::string& buffe
         return text;
     if (text.front() == QUOTE && text.back() == QUOTE)
         text = text.size() < 2 ? std::string_view() : trimmed(cell.begin + 1, cell.end - 1);
-    if (text.find("\"\"") == std::string_view::npos)
+    if (text.find("\"\"") == std::string_view::npos && text.find('\r') == std::string_view::npos)
         return text;
     buffer.clear();
     for (std::size_t i = 0; i < text.size(); ++i) {
-        buffer.push_back(text[i]);
-        if (text[i] == QUOTE && i + 1 < text.size() && text[i + 1] == QUOTE)
+        const char next = i + 1 < text.size() ? text[i + 1] : '\0';
+        buffer.push_back(text[i] == '\r' && next != '\n' ? '\n' : text[i]);
+        if (text[i] == QUOTE && next == QUOTE)
             ++i;
     }
     return buffer;

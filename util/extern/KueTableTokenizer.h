@@ -84,8 +84,9 @@ public:
     /// cannot be known yet, SEPARATOR when it is not empty.
     Stop skipEmptyLine(const char*& at) const;
 
-    /// The text of a cell: enclosing quotes dropped, trimmed, doubled quotes halved. `buffer` holds
-    /// it where it is not in the window.
+    /// The text of a cell: enclosing quotes dropped, trimmed, doubled quotes halved, a line end of
+    /// a lone CR made a line feed (nobody would quote it again). `buffer` holds the text where it
+    /// is not in the window.
     static std::string_view getText(const Cell& cell, std::string& buffer);
 
     /// The line ends within a text: CR LF is one.

@@ -55,8 +55,8 @@ protected:
         return table.readValues(variable)->getVariant(rank);
     }
 
+    Recorder recorder; // outlives what it observes
     KudMemoryDataTable table{"Points"};
-    Recorder recorder;
     KudDatasetVariable x, n, t;
 };
 
@@ -145,9 +145,9 @@ TEST_F(KudDataTable, GuardsEveryOperationByItsFlag)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
+        Recorder heard;
         KudMemoryDataTable edited("Points");
         edited.setDataTable(table.getDataTable());
-        Recorder heard;
         edited.addObserver(&heard);
 
         edited.setFlag(row.flag, !row.allowedWhenSet);
@@ -375,10 +375,10 @@ TEST(KudSelector, MapsItsFlagsAndReportsChanges)
     KudSelector unbound(KudTableModif::MaskChanged);
     EXPECT_FALSE(unbound.select(0, Ku::Select));
 
+    Recorder recorder;
     KudMemoryDataTable table("Points");
     table.createVariable(HbdVariableDetails("v"));
     table.setSampleCount(5);
-    Recorder recorder;
     table.addObserver(&recorder);
     KudSelector& mask = *table.getMask();
     const auto select = [&mask](int rank, int flag) {

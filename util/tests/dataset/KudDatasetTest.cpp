@@ -128,6 +128,7 @@ TEST(KudADataset, ComesBackFromItsFileEqual)
 
 TEST(KudADataset, RestoresAnEditWithOneNotice)
 {
+    Recorder recorder;
     KudMemoryDatasetPoint dataset("Campaign");
     fillWithEverything(dataset);
     const HbdDataTable before = dataset.getPointTable()->getDataTable();
@@ -136,7 +137,6 @@ TEST(KudADataset, RestoresAnEditWithOneNotice)
     dataset.getPointTable()->deleteSample(2);
     dataset.deleteVariable(dataset.getPointTable()->getVariableAt(1));
     dataset.setName("Renamed");
-    Recorder recorder;
     dataset.addObserver(&recorder);
     dataset.setMemento(memento, false);
 
@@ -149,11 +149,11 @@ TEST(KudADataset, RestoresAnEditWithOneNotice)
 
 TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
 {
+    Recorder recorder;
     KudMemoryDatasetPoint dataset("Campaign");
     fillWithEverything(dataset);
     const HbdDataTable before = dataset.getPointTable()->getDataTable();
     const KuuMemento good = dataset.getMemento();
-    Recorder recorder;
     dataset.addObserver(&recorder);
 
     const auto damaged = [&good](const std::function<void(QVariantMap&, QVariantMap&)>& damage) {
@@ -212,10 +212,10 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
 
 TEST(KudADataset, TurnsTheNoticesOfItsTableIntoItsOwn)
 {
+    Recorder recorder;
     KudMemoryDatasetPoint dataset("Campaign");
     fillWithEverything(dataset);
     KudMemoryDataTable& table = *dataset.getPointTable();
-    Recorder recorder;
     dataset.addObserver(&recorder);
 
     table.updateValue(table.getVariableAt(0), 1, 5.0);
@@ -257,8 +257,8 @@ TEST(KudMemoryDatasetPoint, HasOneObjectASample)
 
 TEST(KudMemoryDatasetGrid, HasOneSampleANodeAndRefusesWhatIsNoGrid)
 {
-    KudMemoryDatasetGrid grid("Model");
     Recorder recorder;
+    KudMemoryDatasetGrid grid("Model");
     grid.addObserver(&recorder);
     grid.setGeometrySet(gridOf(4, 3));
     EXPECT_EQ(grid.getObjectCount(), 12);

@@ -223,6 +223,7 @@ private:
     QMap<QString, VarFlags> m_tagFlags;
     QString m_defaultObjectName;
     std::unique_ptr<HbiIntervalIntSmallO64Disjoint> m_interval;
-    QVector<const KudADataTable*> m_observedTables;
+    /// As observables: one that tells of its end is no table any more.
+    QVector<const KuoAObservable<KudDataTableModif>*> m_observedTables;
 };
 Q_DECLARE_OPERATORS_FOR_FLAGS(KudADataset::VarFlags)

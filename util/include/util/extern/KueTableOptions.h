@@ -30,6 +30,7 @@ struct KELVANE_UTIL_EXPORT KueTableOptions {
     /// Coordinates are recognised by common names when none of the three is named.
     bool guessCoordinates = true;
 
+    int blockSize = 1024 * 1024;             ///< bytes that are read at once
     qint64 maxLineLength = 16 * 1024 * 1024; ///< bytes of a row, its quoted line ends included
     int maxColumns = 10000;                  ///< columns of a table
 

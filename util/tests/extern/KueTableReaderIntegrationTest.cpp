@@ -1,0 +1,354 @@
+// Tables that others wrote, and tables that leave and come back.
+#include <util/dataset/KudMemoryDatasetPoint.h>
+#include <util/extern/KueCsvWriter.h>
+#include <util/extern/KueTableImport.h>
+#include <util/extern/KueTableReader.h>
+
+#include "QtPrinters.h"
+
+#include <basic/data/HbdVariableEnum.h>
+#include <basic/data/HbdVariableInteger.h>
+#include <basic/data/HbdVariableReal.h>
+#include <basic/data/HbdVariableText.h>
+#include <basic/error/HbeUserError.h>
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtCore/QStandardPaths>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace
+{
+QString getDataPath(const QString& file)
+{
+    return qEnvironmentVariable("KELVANE_TEST_DATA") + '/' + file;
+}
+
+class RealDataTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!QFile::exists(getDataPath("points/meuse.csv")))
+            GTEST_SKIP() << "KELVANE_TEST_DATA does not name the folder of real data";
+    }
+};
+
+TEST_F(RealDataTest, CountsSumsAndRangesAreThoseOfIndependentReaders)
+{
+    const struct {
+        const char* file;
+        int rows;
+        int columns;
+        const char* column;
+        int defined;
+        double sum;
+        double minimum;
+        double maximum;
+    } facts[] = {
+        {"points/meuse.csv", 155, 14, "x", 155, 27900713, 178605, 181390},
+        {"points/meuse.csv", 155, 14, "cadmium", 155, 503.1, 0.2, 18.1},
+        {"points/meuse_scikit.csv", 155, 14, "zinc", 155, 72806, 113, 1839},
+        {"points/meuse_riv.csv", 176, 2, "V2", 176, 58337298, 325698, 337685},
+        {"points/jura_prediction.csv", 259, 11, "Co", 259, 2409.368, 1.552, 17.72},
+        {"points/jura_transect.csv", 106, 5, "Block.Ni", 106, 2118.7221, 6.6105, 37.0471},
+        {"points/jura_validation.csv", 100, 11, "Cd", 100, 123.426, 0.325, 3.78},
+        {"points/walker.dat", 470, 6, "V variable, concentration in ppm", 470, 204590.4, 0, 1528.1},
+        {"points/gslib/cluster.dat", 140, 5, "Declustering Weight", 140, 140.003, 0.252, 2.023},
+        {"points/gslib/parta.dat", 8, 4, "Normal Scores", 8, 6.644, -0.493, 2.119},
+        {"points/gslib/ydata.dat", 2500, 4, "Primary", 2500, -2373.05, -1, 22.75},
+        {"points/sic97/sic_full.dat", 467, 4, "rainfall 10th of mm", 467, 86042, 0, 585},
+        {"points/sic97/sic_obs.dat", 100, 4, "V4", 100, 18015, 10, 585},
+        {"points/volcano_data_2010.csv", 63, 36, "Latitude", 63, 417.7, -41.326, 63.63},
+        {"points/volcano_data_2010.csv", 63, 36, "Day", 57, 891, 1, 31},
+        {"points/geodatasets/12_sample_data.csv", 480, 7, "Perm", 480, 250047.4, 0.00577551,
+         10319.9},
+        {"points/geodatasets/12_sample_data.csv", 480, 7, "V1", 480, 114960, 0, 479},
+        {"points/geodatasets/unconv_MV_v4.csv", 200, 8, "TOC", 200, 198.09, -0.19, 2.18},
+        {"points/drillholes/collar.csv", 29, 5, "ZCOLLAR", 29, 2832.9478, 77.3977, 112.151},
+        {"points/juliaearth/agriculture.csv", 75000, 7, "band4", 75000, 24284491, 130, 495},
+        {"grids/Exhaustive_set.csv", 78000, 4, "V", 78000, 21682330, 0, 1631.16},
+        {"grids/meuse_grid.csv", 3103, 7, "dist", 3103, 921.96174, 0, 0.992607},
+        {"grids/gslib/true.dat", 2500, 2, "Primary", 2500, 6450.49, 0.01, 102.7},
+        {"grids/geodatasets/AI_grid.csv", 100, 100, "V1", 100, 516265.46 + 6250.529645526713,
+         3584.05, 6282.17},
+    };
+    for (const auto& fact : facts) {
+        SCOPED_TRACE(fact.file);
+        const KueTableResult result = KueTableReader().read(getDataPath(fact.file));
+        EXPECT_EQ(result.table.getSampleCount(), fact.rows);
+        EXPECT_EQ(result.table.getVariableCount(), fact.columns);
+        const auto* const column =
+            dynamic_cast<const HbdANumericVariable*>(result.table.findVariable(fact.column));
+        ASSERT_TRUE(column);
+        std::vector<double> values(static_cast<std::size_t>(fact.rows));
+        column->readNumbers(0, fact.rows, values.data());
+        values.erase(std::remove_if(values.begin(), values.end(),
+                                    [](double value) { return HbbGlobal::isUndefined(value); }),
+                     values.end());
+        EXPECT_EQ(values.size(), static_cast<std::size_t>(fact.defined));
+        const double sum = std::accumulate(values.begin(), values.end(), 0.0);
+        EXPECT_NEAR(sum, fact.sum, std::abs(fact.sum) * 1e-7);
+        const auto [minimum, maximum] = std::minmax_element(values.begin(), values.end());
+        EXPECT_NEAR(*minimum, fact.minimum, std::abs(fact.minimum) * 1e-5);
+        EXPECT_NEAR(*maximum, fact.maximum, std::abs(fact.maximum) * 1e-5);
+    }
+}
+
+TEST_F(RealDataTest, TheMeuseSamplesHaveTheirCategoriesGapsAndCoordinates)
+{
+    const KueTableResult result = KueTableReader().read(getDataPath("points/meuse.csv"));
+    for (const char* name : {"ffreq", "soil", "lime", "landuse"})
+        EXPECT_EQ(result.table.findVariable(name)->getType(), HbdEVarType::CATEGORY) << name;
+    EXPECT_EQ(result.table.findVariable("om")->getUndefinedCount(), 2);
+    EXPECT_EQ(result.table.findVariable("landuse")->getUndefinedCount(), 1);
+    EXPECT_EQ(result.xColumn, "x");
+    EXPECT_EQ(result.yColumn, "y");
+    EXPECT_EQ(result.zColumn, "");
+
+    const KueTableResult walker = KueTableReader().read(getDataPath("points/walker.dat"));
+    EXPECT_EQ(walker.form, KueTableResult::Form::GEO_EAS);
+    EXPECT_EQ(walker.table.findVariable("U variable, concentration in ppm")->getUndefinedCount(),
+              195);
+    EXPECT_EQ(walker.xColumn, "Xlocation in meter");
+}
+
+TEST_F(RealDataTest, OddTablesAreReadAsTheirExpectedJsonSays)
+{
+    const QDir folder(getDataPath("edge-csv/csv-spectrum/csvs"));
+    const QStringList files = folder.entryList({"*.csv"}, QDir::Files);
+    EXPECT_EQ(files.size(), 12);
+    for (const QString& name : files) {
+        SCOPED_TRACE(name.toStdString());
+        QFile file(
+            getDataPath("edge-csv/csv-spectrum/json/" + QFileInfo(name).baseName() + ".json"));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QJsonArray rows = QJsonDocument::fromJson(file.readAll()).array();
+        if (rows.isEmpty())
+            continue; // one of them expects what its table does not hold
+        KueTableOptions options;
+        options.missingTexts = QStringList();
+        options.textColumns = rows.first().toObject().keys();
+        const KueTableResult result = KueTableReader(options).read(folder.filePath(name));
+        ASSERT_EQ(result.table.getSampleCount(), rows.size());
+        for (int rank = 0; rank < rows.size(); ++rank) {
+            const QJsonObject row = rows.at(rank).toObject();
+            ASSERT_EQ(result.table.getVariableCount(), row.size());
+            for (const QString& key : row.keys())
+                EXPECT_EQ(result.table.findVariable(key)->getVariant(rank).toString(),
+                          row.value(key).toString().trimmed().remove('\r')); // as is the file
+        }
+    }
+}
+
+TEST_F(RealDataTest, EveryOddTableIsReadOrRefused)
+{
+    const struct {
+        const char* file;
+        const char* error; ///< a part of it; empty: it is read
+        int rows;
+        int columns;
+    } cases[] = {
+        {"csvkit/blanks.csv", "", 1, 6},
+        {"csvkit/dummy.tsv", "", 1, 3},
+        {"csvkit/dummy_col_shuffled_ragged.csv", "", 1, 4},
+        {"csvkit/empty.csv", "holds no table", 0, 0},
+        {"csvkit/no_header_row3.csv", "", 2, 3},
+        {"csvkit/optional_quote_characters.csv", "", 1, 3},
+        {"csvkit/test_empty_columns.csv", "line 3: the row has 4 cells", 0, 0},
+        {"csvkit/test_empty_columns_long_row.csv", "line 2: the row has 4 cells", 0, 0},
+        {"csvkit/test_empty_columns_short_row.csv", "line 2: the row has 2 cells", 0, 0},
+        {"csvkit/test_header_newline.csv", "", 1, 3},
+        {"csvkit/test_join_short_rows.csv", "line 2: the row has 2 cells", 0, 0},
+        {"csvkit/test_skip_lines.csv", "", 1, 3},
+        {"csvkit/test_utf8_bom.csv", "", 2, 3},
+        {"duckdb/comma_decimal_null.csv", "", 8, 28},
+        {"duckdb/decimal_separators/decimal_separators.csv", "", 5, 2},
+        {"duckdb/encodings/all_latin1.csv", "", 189, 1},
+        {"duckdb/leading_zeros2.csv", "", 5, 7},
+        {"duckdb/mixed_new_line.csv", "", 3, 3},
+        {"duckdb/real/ontime_sample.csv", "", 9, 110},
+        {"duckdb/titanic.csv", "", 891, 12},
+        {"duckdb/weather.csv", "", 366, 7},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.file);
+        try {
+            const KueTableResult result =
+                KueTableReader().read(getDataPath(QString("edge-csv/") + each.file));
+            EXPECT_STREQ(each.error, "");
+            EXPECT_EQ(result.table.getSampleCount(), each.rows);
+            EXPECT_EQ(result.table.getVariableCount(), each.columns);
+        } catch (const HbeUserError& error) {
+            EXPECT_NE(*each.error, 0) << error.what();
+            EXPECT_TRUE(error.getMessage().contains(each.error)) << error.what();
+        }
+    }
+}
+
+TEST_F(RealDataTest, AnImportIsADatasetOfPointsWhereTheFileSays)
+{
+    KueTableImport import;
+    import.setCoordSystem(KuuCoordSystem::createFromEpsg(QStringLiteral("28992")));
+    const std::unique_ptr<KudMemoryDatasetPoint> samples =
+        import.read(getDataPath("points/meuse.csv"));
+    EXPECT_EQ(samples->getName(), "meuse");
+    EXPECT_EQ(samples->getObjectCount(), 155);
+    EXPECT_FALSE(samples->is3D());
+    EXPECT_EQ(samples->getBoundingBox().getXMin(), 178605);
+    EXPECT_EQ(samples->getBoundingBox().getYMax(), 333611);
+    EXPECT_EQ(samples->getCoordSystem().getEpsgCode(), "28992");
+    EXPECT_TRUE(import.getResult().coordinatesGuessed);
+}
+
+QByteArray writeTable(const HbdDataTable& table, const KueCsv& codec)
+{
+    KueCsvWriter writer(codec);
+    for (int i = 0; i < table.getVariableCount(); ++i)
+        writer.appendText(table.getVariableAt(i)->getDetails().name);
+    writer.endLine();
+    for (int rank = 0; rank < table.getSampleCount(); ++rank) {
+        for (int i = 0; i < table.getVariableCount(); ++i) {
+            const HbdAVariable& column = *table.getVariableAt(i);
+            if (column.isUndefined(rank))
+                writer.appendText(QStringLiteral("NA"));
+            else
+                writer.appendValue({column.getVariant(rank), column.getDetails().format,
+                                    column.getDetails().precision});
+        }
+        writer.endLine();
+    }
+    return writer.toByteArray();
+}
+
+QString writeFile(const QTemporaryDir& directory, const QByteArray& bytes)
+{
+    const QString path = directory.filePath("table.csv");
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    return path;
+}
+
+/// A table of every type, with gaps and texts that need quotes.
+HbdDataTable makeTable(std::mt19937& random, int rows)
+{
+    const auto pick = [&](int count) { return static_cast<int>(random() % unsigned(count)); };
+    HbdVariableDetails decimal("decimal", HbdEVarType::REAL);
+    decimal.format = HbbEFormat::DECIMAL;
+    decimal.precision = pick(6);
+    HbdVariableDetails shortest("shortest", HbdEVarType::REAL);
+    shortest.format = HbbEFormat::SHORTEST;
+    auto decimals = std::make_unique<HbdVariableReal>(decimal);
+    auto reals = std::make_unique<HbdVariableReal>(shortest);
+    auto integers =
+        std::make_unique<HbdVariableInteger>(HbdVariableDetails("integer", HbdEVarType::INTEGER));
+    auto codes =
+        std::make_unique<HbdVariableEnum>(HbdVariableDetails("rock", HbdEVarType::CATEGORY));
+    auto texts = std::make_unique<HbdVariableText>(HbdVariableDetails("text", HbdEVarType::TEXT));
+    HbdEnumCatalog catalog;
+    for (const char* label : {"granite", "grès; \"fin\"", "1", "two\nlines"})
+        catalog.findOrAdd(QString::fromUtf8(label));
+    codes->setCatalog(catalog);
+    const QString letters = QStringLiteral("ab,;\"\n\té0 .-");
+    for (int rank = 0; rank < rows; ++rank) {
+        const bool isGap = pick(10) == 0;
+        decimals->append(isGap ? HbbGlobal::D_FFFF : std::ldexp(pick(1 << 20) - 500000, -pick(12)));
+        reals->append(std::ldexp(static_cast<double>(random()) - 2e9, pick(200) - 100));
+        integers->append(isGap ? HbbGlobal::I_FFFF : static_cast<qint64>(random()) << pick(31));
+        codes->append(isGap ? HbdEnumCatalog::UNDEFINED_CODE : static_cast<quint16>(pick(4)));
+        QString text = QStringLiteral("t") + QString::number(rank);
+        for (int i = pick(12); i > 0; --i)
+            text += letters.at(pick(letters.size()));
+        texts->append(text + 'e');
+    }
+    HbdDataTable table;
+    table.addVariable(std::move(decimals));
+    table.addVariable(std::move(reals));
+    table.addVariable(std::move(integers));
+    table.addVariable(std::move(codes));
+    table.addVariable(std::move(texts));
+    return table;
+}
+
+TEST(RoundTripTest, WhatLeavesComesBackAndLeavesAgainTheSame)
+{
+    const QTemporaryDir directory;
+    std::mt19937 random(7);
+    for (int trial = 0; trial < 40; ++trial) {
+        SCOPED_TRACE(trial);
+        const bool isComma = trial % 2 == 0;
+        const KueCsv codec(isComma ? ',' : ';', false, '"', isComma ? '.' : ',');
+        const HbdDataTable table = makeTable(random, 20 + trial * 10);
+        const QByteArray bytes = writeTable(table, codec);
+        KueTableOptions options;
+        options.blockSize = 1 + trial; // rows, quotes and characters end in the next block
+        const KueTableResult result = KueTableReader(options).read(writeFile(directory, bytes));
+        EXPECT_EQ(writeTable(result.table, codec), bytes);
+        for (const char* name : {"shortest", "text"}) {
+            const HbdAVariable& column = *result.table.findVariable(name);
+            const HbdAVariable& original = *table.findVariable(name);
+            ASSERT_EQ(column.getType().getKey(), original.getType().getKey())
+                << name << result.warnings.join(' ').toStdString()
+                << result.notes.join(' ').toStdString();
+            for (int rank = 0; rank < table.getSampleCount(); ++rank)
+                ASSERT_EQ(column.getVariant(rank), original.getVariant(rank));
+        }
+        EXPECT_EQ(result.table.findVariable("rock")->getType(), HbdEVarType::CATEGORY);
+        EXPECT_EQ(result.table.findVariable("integer")->getType(), HbdEVarType::INTEGER);
+    }
+}
+
+/// Cells that Python wrote and read again, compared as texts.
+TEST(RoundTripTest, AnIndependentWriterIsUnderstood)
+{
+    const QString python = QStandardPaths::findExecutable("python3");
+    if (python.isEmpty())
+        GTEST_SKIP() << "python3 is not installed";
+    const char* const script = R"(
+import csv, json, random, sys
+random.seed(11)
+letters = 'ab1 ,;"\n\tü.'
+rows = [['c%d' % i for i in range(5)]]
+for _ in range(500):
+    rows.append(['x' + ''.join(random.choice(letters) for _ in range(random.randrange(9))) + 'y'
+                 for _ in range(5)])
+with open(sys.argv[1], 'w', encoding='utf-8', newline='') as file:
+    csv.writer(file, delimiter=sys.argv[2], quoting=int(sys.argv[3]),
+               lineterminator=sys.argv[4].encode().decode('unicode_escape')).writerows(rows)
+with open(sys.argv[1], encoding='utf-8', newline='') as file:
+    rows = list(csv.reader(file, delimiter=sys.argv[2]))
+print(json.dumps(rows))
+)";
+    const QTemporaryDir directory;
+    const QString path = directory.filePath("python.csv");
+    for (const char* separator : {",", ";", "\t"}) {
+        for (const char* quoting : {"0", "1"}) {
+            for (const char* lineEnd : {"\\n", "\\r\\n"}) {
+                SCOPED_TRACE(std::string(separator) + quoting + lineEnd);
+                QProcess process;
+                process.start(python, {"-c", script, path, separator, quoting, lineEnd});
+                ASSERT_TRUE(process.waitForFinished());
+                ASSERT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
+                const QJsonArray rows =
+                    QJsonDocument::fromJson(process.readAllStandardOutput()).array();
+                const KueTableResult result = KueTableReader().read(path);
+                ASSERT_EQ(result.table.getSampleCount(), rows.size() - 1);
+                for (int rank = 0; rank < result.table.getSampleCount(); ++rank) {
+                    for (int i = 0; i < 5; ++i) {
+                        // Doubled quotes are halved in every cell, quoted or not.
+                        ASSERT_EQ(result.table.getVariableAt(i)->getVariant(rank).toString(),
+                                  rows.at(rank + 1).toArray().at(i).toString());
+                    }
+                }
+            }
+        }
+    }
+}
+} // namespace
