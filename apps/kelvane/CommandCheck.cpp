@@ -80,8 +80,8 @@ int run(const QCommandLineParser& line)
         wrong += file.errors.isEmpty() ? 0 : 1;
         text += toText(file);
     }
-    text += wrong == 0 ? Tool::tr("%n memento file(s), nothing wrong.\n", nullptr, mementos)
-                       : Tool::tr("%n memento file(s), %1 wrong.\n", nullptr, mementos).arg(wrong);
+    text += wrong == 0 ? Tool::tr("%1 memento files, nothing wrong.\n").arg(mementos)
+                       : Tool::tr("%1 memento files, %2 wrong.\n").arg(mementos).arg(wrong);
     if (line.isSet(QStringLiteral("json")))
         ToolOutput::print(toJson(path, files, wrong));
     else

@@ -9,8 +9,7 @@
 
 #include <util/dataset/KudDatasetDirectory.h>
 #include <util/dataset/KudMemoryDatasetPoint.h>
-#include <util/extern/KueTableReader.h>
-#include <util/utils/KuuCoordSystem.h>
+#include <util/extern/KueTableImport.h>
 
 #include <basic/error/HbeUserError.h>
 
@@ -66,17 +65,16 @@ KueTableOptions readOptions(const QCommandLineParser& line)
     return options;
 }
 
-KueTableResult readTable(const KueTableOptions& options, const QString& path)
+std::unique_ptr<KudMemoryDatasetPoint> readDataset(KueTableImport& tableImport, const QString& path)
 {
     ToolProgress progress(Tool::tr("Reading %1").arg(QFileInfo(path).fileName()));
-    KueTableReader reader(options);
-    reader.setProgress([&progress](qint64 done, qint64 total) {
+    tableImport.setProgress([&progress](qint64 done, qint64 total) {
         progress.show(done, total);
         return ToolInterrupt::getSignal() == 0;
     });
-    KueTableResult result = reader.read(path);
+    std::unique_ptr<KudMemoryDatasetPoint> dataset = tableImport.read(path);
     ToolInterrupt::check();
-    return result;
+    return dataset;
 }
 
 /// The identity to save under: that of the dataset to be replaced, else not valid.
@@ -128,9 +126,10 @@ QString toText(const QCommandLineParser& line, const KueTableResult& result,
                              .arg(file, separatorWords().at(static_cast<int>(result.separator)),
                                   decimalWords().at(static_cast<int>(result.decimal)),
                                   encodingName(result.encoding));
-    text += replaced ? Tool::tr("Replaced the dataset in the project '%1':\n\n")
-                     : Tool::tr("Saved into the project '%1':\n\n");
-    return text.arg(line.value(QStringLiteral("project"))) + ToolDatasetFacts::toText(dataset);
+    const QString saved = replaced ? Tool::tr("Replaced the dataset in the project '%1':\n\n")
+                                   : Tool::tr("Saved into the project '%1':\n\n");
+    text += saved.arg(line.value(QStringLiteral("project")));
+    return text + ToolDatasetFacts::toText(dataset);
 }
 
 int run(const QCommandLineParser& line)
@@ -142,29 +141,26 @@ int run(const QCommandLineParser& line)
                                                             : QFileInfo(path).completeBaseName();
     if (name.isEmpty())
         throw ToolUsageError(Tool::tr("The dataset needs a name: --name N."));
-    const KueTableOptions options = readOptions(line);
-    const KuuCoordSystem system =
-        line.isSet(QStringLiteral("cs"))
-            ? KuuCoordSystem::fromUserText(line.value(QStringLiteral("cs")))
-            : KuuCoordSystem();
+    KueTableImport tableImport(readOptions(line));
+    tableImport.setName(name);
+    if (line.isSet(QStringLiteral("cs")))
+        tableImport.setCoordSystem(KuuCoordSystem::fromUserText(line.value(QStringLiteral("cs"))));
 
     const KudDatasetDirectory project(line.value(QStringLiteral("project")));
     const KuuId identity = findIdentity(project, name, line.isSet(QStringLiteral("replace")));
-    KueTableResult result = readTable(options, path);
-    for (const QString& warning : qAsConst(result.warnings))
+    const auto dataset = readDataset(tableImport, path);
+    const KueTableResult& result = tableImport.getResult();
+    for (const QString& warning : result.warnings)
         ToolOutput::printWarning(warning);
-    for (const QString& note : qAsConst(result.notes))
+    for (const QString& note : result.notes)
         ToolOutput::printNote(note);
 
-    KudMemoryDatasetPoint dataset(name);
-    dataset.setDataTable(std::move(result.table));
-    dataset.setCoordSystem(system);
-    project.save(dataset, identity);
+    project.save(*dataset, identity);
 
     if (line.isSet(QStringLiteral("json")))
-        ToolOutput::print(toJson(line, result, dataset, identity.isValid()));
+        ToolOutput::print(toJson(line, result, *dataset, identity.isValid()));
     else
-        ToolOutput::print(toText(line, result, dataset, identity.isValid()));
+        ToolOutput::print(toText(line, result, *dataset, identity.isValid()));
     return ExitDone;
 }
 } // namespace

@@ -6,6 +6,7 @@
 #include "ToolOutput.h"
 
 #include <basic/base/HbbGlobal.h>
+#include <basic/base/HbbStringFormat.h>
 
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QPainter>
@@ -42,6 +43,12 @@ QFont fontOf(double pixels, bool bold = false)
 void drawText(QPainter& painter, const QRectF& place, int flags, const QString& text)
 {
     painter.drawText(place, flags | Qt::TextDontClip | Qt::TextSingleLine, text);
+}
+
+QString shortText(double value)
+{
+    return QString::fromLatin1(
+        HbbStringFormat::simpleValueToByteArray(value, HbbEFormat::GENERAL, 3));
 }
 
 double radiusOf(std::size_t count)
@@ -168,12 +175,14 @@ void MapPicture::drawSamples(QPainter& painter) const
     std::vector<const Sample*> order;
     for (const Sample& sample : samples)
         order.push_back(&sample);
-    const auto rank = [](const Sample* sample) {
-        return HbbGlobal::isUndefined(sample->value) ? -HUGE_VAL : sample->value;
+    // Hollow circles hide nothing, so they lie on top; then the high values.
+    const auto height = [this](const Sample* sample) {
+        if (HbbGlobal::isUndefined(sample->value))
+            return HUGE_VAL;
+        return categories.isEmpty() ? sample->value : 0.0;
     };
-    if (categories.isEmpty())
-        std::stable_sort(order.begin(), order.end(),
-                         [&](const Sample* a, const Sample* b) { return rank(a) < rank(b); });
+    std::stable_sort(order.begin(), order.end(),
+                     [&](const Sample* a, const Sample* b) { return height(a) < height(b); });
 
     const double radius = radiusOf(samples.size());
     const bool many = samples.size() > MANY_SAMPLES;
@@ -241,10 +250,10 @@ void MapPicture::drawRamp(QPainter& painter) const
     painter.setFont(fontOf(13));
     if (m_isClippedAbove)
         drawText(painter, QRectF(bar.left(), bar.top() - 20, 180, 18), Qt::AlignLeft,
-                 Tool::tr("%1 and above").arg(axis.getLabel(m_high)));
+                 Tool::tr("%1 and above").arg(shortText(m_high)));
     if (m_isClippedBelow)
         drawText(painter, QRectF(bar.left(), bar.bottom() + 4, 180, 18), Qt::AlignLeft,
-                 Tool::tr("%1 and below").arg(axis.getLabel(m_low)));
+                 Tool::tr("%1 and below").arg(shortText(m_low)));
 }
 
 void MapPicture::drawCategories(QPainter& painter) const

@@ -12,8 +12,8 @@
 class QPainter;
 
 /// A map of samples: a circle each in the colour of its value, axes with numbers, a legend and a
-/// title. Samples without a value are hollow and grey. High values are drawn last, so that none is
-/// hidden. Needs fonts, but no display.
+/// title. Samples without a value are hollow and grey. High values lie above low ones, so that none
+/// is hidden. Needs fonts, but no display.
 class MapPicture
 {
 public:

@@ -7,6 +7,7 @@
 #include <basic/error/HbeDiskError.h>
 
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 
 namespace
@@ -49,6 +50,8 @@ QString ToolOutput::toText(double value)
 {
     if (HbbGlobal::isUndefined(value))
         return QString();
+    // Coordinates of national grids have seven digits before the point.
+    const bool large = std::fabs(value) >= 1e5 && std::fabs(value) < 1e9;
     return QString::fromLatin1(
-        HbbStringFormat::simpleValueToByteArray(value, HbbEFormat::GENERAL, 6));
+        HbbStringFormat::simpleValueToByteArray(value, HbbEFormat::GENERAL, large ? 9 : 6));
 }

@@ -14,6 +14,7 @@ void printError(const QString& message);
 void printWarning(const QString& message);
 void printNote(const QString& message);
 
-/// A number as tables for people show it, in up to six digits; empty where it is undefined.
+/// A number as tables for people show it, in six digits, or nine for large coordinates; empty
+/// where it is undefined.
 QString toText(double value);
 } // namespace ToolOutput

@@ -6,6 +6,7 @@
 #include <basic/base/HbbDebug.h>
 #include <basic/calc/HbcCancelled.h>
 #include <basic/error/HbeDiskError.h>
+#include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
 #include <QtCore/QFile>
@@ -46,6 +47,16 @@ bool isMementoName(const QString& fileName)
     static const QRegularExpression pattern(
         QStringLiteral("^.+_[0-9a-fA-F]{8}(-[0-9a-fA-F]{4}){3}-[0-9a-fA-F]{12}\\.xml$"));
     return pattern.match(fileName).hasMatch();
+}
+
+/// What an error says, without the place in our sources that a programming error names: here it is
+/// the user's file that is at fault.
+QString reasonOf(const HbeError& error)
+{
+    const QString message = error.getMessage();
+    const bool isOurs = dynamic_cast<const HbeProgrammingError*>(&error) != nullptr;
+    const int end = isOurs ? message.indexOf(QLatin1String(":\n\n")) : -1;
+    return end < 0 ? message : message.mid(end + 3);
 }
 
 /// The field "name" of a memento file. The fields stand in key order, so it comes before the
@@ -119,7 +130,7 @@ std::unique_ptr<KudADataset> KudDatasetDirectory::read(const KuuId& id) const
     } catch (const HbeError& error) {
         throw HbeUserError(
             tr("Cannot read the dataset file '%1': %2")
-                .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)), error.getMessage()));
+                .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)), reasonOf(error)));
     }
 }
 
@@ -153,7 +164,7 @@ void KudDatasetDirectory::checkMemento(FileCheck& file) const
         if (file.name.isEmpty())
             file.errors.append(tr("The dataset has no name."));
     } catch (const HbeError& error) {
-        file.errors.append(error.getMessage());
+        file.errors.append(reasonOf(error));
     }
 }
 
