@@ -7,8 +7,6 @@
 
 namespace
 {
-constexpr std::size_t INTEGER_CAPACITY = 20;
-
 /// Writes UTF-8 and returns the end. Half a surrogate pair becomes "?", as QString::toUtf8 has it.
 char* writeUtf8(char* out, char32_t code)
 {
@@ -104,7 +102,7 @@ void KueCsvWriter::appendReal(double value, HbbEFormat::EValue format, int preci
 
 void KueCsvWriter::appendInteger(qint64 value)
 {
-    endValue(HbbStringFormat::write(beginValue(INTEGER_CAPACITY), value));
+    endValue(HbbStringFormat::write(beginValue(HbbStringFormat::INTEGER_CAPACITY), value));
 }
 
 void KueCsvWriter::appendBool(bool value)
