@@ -1,5 +1,10 @@
 #include <basic/data/HbdDataTable.h>
 #include <basic/data/HbdVariableEnum.h>
+#include <basic/error/HbeUserError.h>
+
+#include <QtCore/QCoreApplication>
+
+#include <limits>
 
 HbdDataTable::HbdDataTable() = default;
 HbdDataTable::HbdDataTable(HbdDataTable&& other) noexcept = default;
@@ -93,6 +98,8 @@ void HbdDataTable::reserveSamples(int count)
 
 void HbdDataTable::setSampleCount(int count)
 {
+    if (count > m_sampleCount)
+        reserveSamples(count); // all of it, or no column grows
     for (const auto& variable : m_variables)
         variable->resize(count);
     m_sampleCount = count;
@@ -100,6 +107,7 @@ void HbdDataTable::setSampleCount(int count)
 
 void HbdDataTable::insertSamples(int rank, int count)
 {
+    reserveSamples(m_sampleCount + count);
     for (const auto& variable : m_variables)
         variable->insertUndefined(rank, count);
     m_sampleCount += count;
@@ -120,7 +128,26 @@ void HbdDataTable::removeSamples(const HbiIntervalIntSmallDisjoint& ranks)
 
 void HbdDataTable::appendTable(const HbdDataTable& other, bool addMissing)
 {
+    if (other.m_sampleCount > std::numeric_limits<int>::max() - m_sampleCount) {
+        throw HbeUserError(QCoreApplication::translate(
+            "HbdDataTable", "A table cannot hold more than 2147483647 samples."));
+    }
+    const int variableCount = getVariableCount();
     const int total = m_sampleCount + other.m_sampleCount;
+    try {
+        appendColumns(other, total, addMissing);
+    } catch (...) {
+        m_variables.resize(static_cast<std::size_t>(variableCount));
+        for (const auto& ours : m_variables)
+            ours->resize(m_sampleCount);
+        rebuildIndex();
+        throw;
+    }
+    m_sampleCount = total;
+}
+
+void HbdDataTable::appendColumns(const HbdDataTable& other, int total, bool addMissing)
+{
     if (addMissing) {
         for (const auto& theirs : other.m_variables) {
             if (indexOf(theirs->getFullName()) < 0) {
@@ -136,7 +163,6 @@ void HbdDataTable::appendTable(const HbdDataTable& other, bool addMissing)
         else
             ours->resize(total);
     }
-    m_sampleCount = total;
 }
 
 void HbdDataTable::clear()

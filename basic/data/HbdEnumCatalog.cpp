@@ -69,8 +69,10 @@ quint16 HbdEnumCatalog::findOrAdd(const QString& label)
     const quint16 known = getCode(label);
     if (known != UNDEFINED_CODE)
         return known;
-    const int code = m_data->rankByCode.size();
+    int code = m_data->rankByCode.size();
     if (code >= UNDEFINED_CODE)
+        code = m_data->rankByCode.indexOf(-1); // the highest is taken: a gap will do
+    if (code < 0)
         return UNDEFINED_CODE;
     addCategory(static_cast<quint16>(code), label);
     return static_cast<quint16>(code);

@@ -5,6 +5,8 @@
 
 #include <basic/data/HbdDataTable.h>
 
+#include <limits>
+
 // Editing and notices of tables. Each guarded operation refuses, has the concrete table do the
 // work, and tells.
 
@@ -21,14 +23,19 @@ KudDatasetVariable KudADataTable::addVariable(HbdAVariable* variable)
     if (!testFlag(Ku::CanCreateVariables) || variable == nullptr)
         return KudDatasetVariable();
     _updateHeader();
-    return _addVariable(variable);
+    OneNotice notice(*this);
+    const KudDatasetVariable added = _addVariable(variable);
+    notice.send();
+    return added;
 }
 
 KudDatasetVariable KudADataTable::addVariable(std::unique_ptr<HbdAVariable> variable)
 {
+    OneNotice notice(*this); // an observer may throw: sent when it is settled who owns the column
     const KudDatasetVariable added = addVariable(variable.get());
     if (added.isValid())
         variable.release(); // the table has adopted it
+    notice.send();
     return added;
 }
 
@@ -37,7 +44,10 @@ KudDatasetVariable KudADataTable::createVariable(const HbdVariableDetails& detai
     if (!testFlag(Ku::CanCreateVariables))
         return KudDatasetVariable();
     _updateHeader();
-    return _createVariable(details);
+    OneNotice notice(*this); // as above
+    const KudDatasetVariable created = _createVariable(details);
+    notice.send();
+    return created;
 }
 
 bool KudADataTable::deleteVariable(const KudDatasetVariable& variable)
@@ -45,7 +55,9 @@ bool KudADataTable::deleteVariable(const KudDatasetVariable& variable)
     if (!testFlag(Ku::CanDeleteVariables))
         return false;
     _updateHeader();
+    OneNotice notice(*this); // what was selected may go with the last variable
     _deleteVariable(variable);
+    notice.send();
     return true; // permission is what is reported
 }
 
@@ -60,14 +72,21 @@ bool KudADataTable::setDetails(const KudDatasetVariable& variable,
     return _setDetails(variable, details);
 }
 
+bool KudADataTable::mayCreateSamples(int count) const
+{
+    // Ranks have 32 bits.
+    return testFlag(Ku::CanCreateSamples) && count > 0 &&
+           count <= std::numeric_limits<int>::max() - getSampleCount();
+}
+
 int KudADataTable::createSample(const SampleValues& values)
 {
-    return testFlag(Ku::CanCreateSamples) ? _createSample(values) : -1;
+    return mayCreateSamples(1) ? _createSample(values) : -1;
 }
 
 int KudADataTable::createSample(const SampleRow& row)
 {
-    if (!testFlag(Ku::CanCreateSamples))
+    if (!mayCreateSamples(1))
         return -1;
     _updateHeader();
     return _createSampleRow(row);
@@ -75,7 +94,7 @@ int KudADataTable::createSample(const SampleRow& row)
 
 int KudADataTable::createSamples(const QList<SampleRow>& rows, const SampleValues& defaults)
 {
-    if (!testFlag(Ku::CanCreateSamples) || rows.isEmpty())
+    if (!mayCreateSamples(rows.size()))
         return -1;
     _updateHeader();
     OneNotice notice(*this);
@@ -86,7 +105,7 @@ int KudADataTable::createSamples(const QList<SampleRow>& rows, const SampleValue
 
 int KudADataTable::appendSamples(const HbdDataTable& samples)
 {
-    if (!testFlag(Ku::CanCreateSamples) || samples.getSampleCount() == 0)
+    if (!mayCreateSamples(samples.getSampleCount()))
         return -1;
     OneNotice notice(*this);
     const int first = _appendSamples(samples);

@@ -31,8 +31,82 @@ struct KudADataset::Fields {
             Field::computed<QVariantMap>(
                 "tagFlags", [](const KudADataset& d) { return tagFlags(d); },
                 [](KudADataset& d, const QVariantMap& map) { return setTagFlags(d, map); }),
+            Field::computed<QString>(
+                "interval", [](const KudADataset& d) { return intervalText(d); },
+                [](KudADataset& d, const QString& text) { return setIntervalText(d, text); }),
+            Field::computed<QVariantMap>(
+                "hiddenRoles", [](const KudADataset& d) { return hiddenRoles(d); },
+                [](KudADataset& d, const QVariantMap& map) { return setHiddenRoles(d, map); }),
         };
         return fields;
+    }
+
+    /// "all", or the ranges of the samples: "0..99 200..299".
+    static QString intervalText(const KudADataset& dataset)
+    {
+        if (dataset.m_interval == nullptr)
+            return QStringLiteral("all");
+        QStringList ranges;
+        for (const HbiIntervalIntSmallO64& range : dataset.m_interval->intervals())
+            ranges << QString::number(range.getMin()) + QLatin1String("..") +
+                          QString::number(range.getMax());
+        return ranges.join(QLatin1Char(' '));
+    }
+
+    static bool setIntervalText(KudADataset& dataset, const QString& text)
+    {
+        if (text == QLatin1String("all")) {
+            dataset.removeInterval();
+            return true;
+        }
+        HbiIntervalIntSmallO64Disjoint interval;
+        for (const QString& range : text.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+            const QStringList ends = range.split(QLatin1String(".."));
+            bool isFirst = false;
+            bool isLast = false;
+            const qint64 first = ends.first().toLongLong(&isFirst);
+            const qint64 last = ends.last().toLongLong(&isLast);
+            if (ends.size() != 2 || !isFirst || !isLast || first > last)
+                return false;
+            interval.add(HbiIntervalIntSmallO64(first, last));
+        }
+        dataset.setInterval(interval);
+        return true;
+    }
+
+    static QVariantMap hiddenRoles(const KudADataset& dataset)
+    {
+        QVariantMap map;
+        for (auto entry = dataset.m_hiddenRoles.begin(); entry != dataset.m_hiddenRoles.end();
+             ++entry) {
+            QStringList keys;
+            for (const HbdEVarRole& role : HbdEVarRole::createIterator()) {
+                if (entry.value().contains(role))
+                    keys << role.getKey();
+            }
+            map.insert(entry.key().getKey(), keys);
+        }
+        return map;
+    }
+
+    static bool setHiddenRoles(KudADataset& dataset, const QVariantMap& map)
+    {
+        QMap<HbdESupport, HbdVarRoleFlags> roles;
+        for (const HbdESupport& support : dataset.m_hiddenRoles.keys())
+            roles.insert(support, HbdVarRoleFlags()); // what the memento does not name is shown
+        for (auto entry = map.begin(); entry != map.end(); ++entry) {
+            QStringList keys;
+            if (!HbdESupport::existsKey(entry.key()) ||
+                !KuuMementoCodec<QStringList>::decode(entry.value(), keys) ||
+                !std::all_of(keys.begin(), keys.end(), &HbdEVarRole::existsKey))
+                return false;
+            HbdVarRoleFlags& hidden = roles[HbdESupport::fromKey(entry.key())];
+            hidden = HbdVarRoleFlags();
+            for (const QString& key : keys)
+                hidden |= HbdEVarRole::fromKey(key);
+        }
+        dataset.hideStructuralRoles(roles);
+        return true;
     }
 
     static QVariantMap tagFlags(const KudADataset& dataset)
@@ -297,6 +371,7 @@ void KudADataset::removeInterval()
 void KudADataset::hideStructuralRoles(const QMap<HbdESupport, HbdVarRoleFlags>& roles)
 {
     for (auto entry = roles.begin(); entry != roles.end(); ++entry) {
+        m_hiddenRoles.insert(entry.key(), entry.value());
         if (KudADataTable* table = getTable(entry.key()))
             table->hideStructuralRoles(entry.value());
     }

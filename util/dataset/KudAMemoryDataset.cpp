@@ -174,8 +174,9 @@ QMap<qint64, QString> KudAMemoryDataset::readObjectIdsAndNames() const
     const HbdAVariable* names = m_table->readValues(getNameVariable());
     QMap<qint64, QString> objects;
     for (int rank = 0; rank < getObjectCount(); ++rank) {
-        const bool hasId = ids != nullptr && !ids->isUndefined(rank);
-        const qint64 id = hasId ? ids->getVariant(rank).toLongLong() : rank;
+        if (ids != nullptr && ids->isUndefined(rank))
+            continue; // has no identifier, and must not take that of another
+        const qint64 id = ids == nullptr ? rank : ids->getVariant(rank).toLongLong();
         objects.insert(id, names == nullptr ? QString() : names->getVariant(rank).toString());
     }
     return objects;
@@ -190,18 +191,24 @@ void KudAMemoryDataset::_updateMemento(KuuMemento& memento) const
 {
     memento.setField(QStringLiteral("name"), m_name);
     saveCoordSystem(getCoordSystem(), memento);
-    memento.setField(QStringLiteral("table"), KudTableMemento::toMap(m_table->getDataTable()));
+    QVariantMap table = KudTableMemento::toMap(m_table->getDataTable());
+    table.insert(QStringLiteral("flags"), int(m_table->getFlags()));
+    memento.setField(QStringLiteral("table"), table);
     _saveGeometry(memento);
 }
 
 void KudAMemoryDataset::_setFromMemento(const KuuMemento& memento)
 {
-    HbdDataTable table =
-        KudTableMemento::fromMap(memento.getField(QStringLiteral("table")).toMap());
-    _restoreGeometry(memento, table);
+    const QVariantMap saved = memento.getField(QStringLiteral("table")).toMap();
+    HbdDataTable table = KudTableMemento::fromMap(saved);
+    const KuuCoordSystem coordSystem = readCoordSystem(memento);
+    int flags = int(m_table->getFlags());
+    KuuMementoCodec<int>::decode(saved.value(QStringLiteral("flags")), flags);
+    _restoreGeometry(memento, table); // nothing is refused any more
 
     m_name = memento.getField(QStringLiteral("name")).toString();
-    m_table->setCoordSystem(readCoordSystem(memento));
+    m_table->setCoordSystem(coordSystem);
+    m_table->setFlags(Ku::DatasetFlags(flags));
     m_table->setDataTable(std::move(table));
 }
 

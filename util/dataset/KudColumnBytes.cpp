@@ -16,11 +16,16 @@
 
 #include <zstd.h>
 
+#include <memory>
+
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "columns are copied to disk as they are in memory");
 
 namespace
 {
 constexpr int COMPRESSION_LEVEL = ZSTD_CLEVEL_DEFAULT; // 1 is faster, but a seventh larger
+
+/// Its base64 form, a third longer, must fit into a text of less than 2^31 bytes.
+constexpr std::size_t MAX_FRAME_BYTES = 1500 * 1000 * 1000;
 
 QString tr(const char* text)
 {
@@ -31,13 +36,14 @@ QByteArray compressed(const char* bytes, std::size_t size)
 {
     if (size == 0)
         return QByteArray();
-    QByteArray frame(static_cast<int>(ZSTD_compressBound(size)), Qt::Uninitialized);
-    const std::size_t length = ZSTD_compress(frame.data(), static_cast<std::size_t>(frame.size()),
-                                             bytes, size, COMPRESSION_LEVEL);
+    const std::size_t bound = ZSTD_compressBound(size);
+    const std::unique_ptr<char[]> frame(new char[bound]); // nobody needs it cleared
+    const std::size_t length = ZSTD_compress(frame.get(), bound, bytes, size, COMPRESSION_LEVEL);
     if (ZSTD_isError(length))
         throw HbeError(QString::fromUtf8(ZSTD_getErrorName(length)));
-    frame.truncate(static_cast<int>(length));
-    return frame.toBase64();
+    if (length > MAX_FRAME_BYTES)
+        throw HbeUserError(tr("The values of a variable are too large to be saved."));
+    return QByteArray::fromRawData(frame.get(), static_cast<int>(length)).toBase64();
 }
 
 QByteArray frameOf(const QByteArray& text)
@@ -58,6 +64,9 @@ quint64 contentSize(const QByteArray& frame)
         ZSTD_getFrameContentSize(frame.constData(), static_cast<std::size_t>(frame.size()));
     if (size == ZSTD_CONTENTSIZE_ERROR || size == ZSTD_CONTENTSIZE_UNKNOWN)
         throw HbeUserError(tr("Its values are not compressed as expected."));
+    // A block takes three bytes at least. What says more is damaged, and gets no memory.
+    if (size / ZSTD_BLOCKSIZE_MAX > static_cast<quint64>(frame.size()) / 3)
+        throw HbeUserError(tr("Its compressed values are damaged."));
     return size;
 }
 

@@ -1,7 +1,7 @@
 #include <util/dataset/KudMemoryDataTable.h>
-#include <util/dataset/KudSelector.h>
-#include <util/dataset/KudTableModel.h>
 #include <util/utils/KuuCoordSystem.h>
+
+#include "KudModelScopes.h"
 
 #include <basic/data/HbdName.h>
 #include <basic/data/HbdVariableEnum.h>
@@ -94,9 +94,13 @@ void KudMemoryDataTable::setDataTable(HbdDataTable table)
 
 void KudMemoryDataTable::appendTable(const HbdDataTable& table, bool addMissing)
 {
-    _beginResetTable();
-    m_table.appendTable(table, addMissing);
-    _endResetTable();
+    const KudKeptSelections selections(*this);
+    {
+        const KudResetScope scope(getModel());
+        _clearHeaderCache();
+        m_table.appendTable(table, addMissing);
+    }
+    selections.restore();
     notifyReset();
 }
 
@@ -128,16 +132,24 @@ void KudMemoryDataTable::initTableFrom(const KudADataTable& other)
 
 void KudMemoryDataTable::addStructuralRoleToFilter(const HbdEVarRole& role)
 {
-    _beginResetTable();
     m_filteredRoles |= role;
-    _endResetTable();
+    shownColumnsChanged();
+    notifyReset();
 }
 
 void KudMemoryDataTable::addTagToFilter(const QString& tag)
 {
-    _beginResetTable();
     m_filteredTags << tag;
+    shownColumnsChanged();
+    notifyReset();
+}
+
+void KudMemoryDataTable::shownColumnsChanged()
+{
+    const KudKeptSelections selections(*this);
+    _beginResetTable();
     _endResetTable();
+    selections.restore();
 }
 
 bool KudMemoryDataTable::isFiltered(const HbdAVariable& variable) const
@@ -164,6 +176,8 @@ KudDataTableHeader KudMemoryDataTable::_rebuildHeader() const
         if (isFiltered(column))
             continue;
         const KudDatasetVariable variable = nameOf(column);
+        if (!variable.isValid())
+            continue; // of a table without a name: nobody could ask for it
         HbdVariableDetails details = column.getDetails();
         details.support = m_support;
         header.addVariable(variable, details);
@@ -195,29 +209,29 @@ HbdAVariable* KudMemoryDataTable::_readVariable(const KudDatasetVariable& variab
 
 KudDatasetVariable KudMemoryDataTable::_addVariable(HbdAVariable* variable)
 {
-    const bool setsCount = variable->getCount() != getSampleCount();
-    const int column = getVariableCount();
-    std::unique_ptr<HbdAVariable> adopted(variable);
-    if (m_table.getVariableCount() > 0 || !setsCount) {
-        // Asked first, because a model must not announce a column that does not come.
-        const bool fits = !setsCount && !variable->getDetails().name.isEmpty() &&
-                          m_table.indexOf(variable->getFullName()) < 0;
-        if (!fits) {
-            adopted.release(); // stays with the caller
-            return KudDatasetVariable();
-        }
-    }
-
+    // Asked first, because a model must not announce a column that does not come.
     const KudDatasetVariable added = nameOf(*variable);
-    if (setsCount || isFiltered(*variable)) {
+    const bool isAlone = m_table.getVariableCount() == 0 && getSampleCount() == 0;
+    const bool setsCount = isAlone && variable->getCount() > 0;
+    const bool hasFittingCount =
+        setsCount ? testFlag(Ku::CanCreateSamples) : variable->getCount() == getSampleCount();
+    if (!added.isValid() || !hasFittingCount || m_table.indexOf(variable->getFullName()) >= 0)
+        return KudDatasetVariable(); // the column stays with the caller
+
+    const int column = getVariableCount();
+    const bool isShown = !isFiltered(*variable);
+    std::unique_ptr<HbdAVariable> adopted(variable);
+    if (setsCount) {
         _beginResetTable();
         m_table.addVariable(std::move(adopted));
         _endResetTable();
     } else {
-        getModel()->beginInsertVariables(column, 1);
+        if (isShown)
+            getModel()->beginInsertVariables(column, 1);
         m_table.addVariable(std::move(adopted));
         _clearHeaderCache();
-        getModel()->endInsertVariables();
+        if (isShown)
+            getModel()->endInsertVariables();
     }
     KudTableModif modif(KudTableModif::VariableAdded, added);
     if (setsCount) {
@@ -277,14 +291,15 @@ bool KudMemoryDataTable::renameColumns(const KudDatasetVariable& variable, const
 
 bool KudMemoryDataTable::_renameVariable(const KudDatasetVariable& variable, const QString& name)
 {
-    const int column = getVariableRank(variable);
     if (variable.support() != m_name || name == variable.variable() ||
         !renameColumns(variable, name))
         return false;
-    if (column >= 0)
-        getModel()->headerChanged(column, column);
-    notifyVariableModified(variable, KudTableModif::VariableRenamed,
-                           getDetails(variable.renamed(name)));
+    const KudDatasetVariable renamed = variable.renamed(name);
+    for (int i = 0; i < getVariableCount(); ++i) {
+        if (getVariableAt(i) == renamed || renamed.isChild(getVariableAt(i)))
+            getModel()->headerChanged(i, i);
+    }
+    notifyVariableModified(variable, KudTableModif::VariableRenamed, getDetails(renamed));
     return true;
 }
 
@@ -304,10 +319,13 @@ bool KudMemoryDataTable::_setDetails(const KudDatasetVariable& variable,
     if (after.name != before.name && !renameColumns(variable, after.name))
         return false;
 
+    const bool wasShown = !isFiltered(*column);
     column->setDetails(after);
     _clearHeaderCache();
     const int place = getVariableRank(variable.renamed(after.name));
-    if (place >= 0)
+    if (wasShown == isFiltered(*column))
+        shownColumnsChanged();
+    else if (place >= 0)
         getModel()->variableChanged(place);
     notifyVariableModified(variable, reasons, after);
     return true;

@@ -1,6 +1,6 @@
 #include <util/dataset/KudMemoryDataTable.h>
-#include <util/dataset/KudSelector.h>
-#include <util/dataset/KudTableModel.h>
+
+#include "KudModelScopes.h"
 
 #include <basic/data/HbdANumericVariable.h>
 #include <basic/data/HbdVariableUpdater.h>
@@ -9,27 +9,60 @@
 
 namespace
 {
-/// Ends what it began even when an observer throws in between: a model must not be left inserting.
-class AppendScope
-{
-public:
-    AppendScope(KudTableModel* model, int first, int count)
-        : m_model(model)
-    {
-        m_model->beginInsertSamples(first, count);
-    }
-    AppendScope(const AppendScope&) = delete;
-    AppendScope& operator=(const AppendScope&) = delete;
-    ~AppendScope() { m_model->endInsertSamples(); }
-
-private:
-    KudTableModel* m_model;
-};
-
 /// Rows are written in blocks that stay in the cache while one column after the other takes its
 /// cells from them.
 constexpr int ROW_BLOCK = 256;
 } // namespace
+
+/// The insertion of one sample. Its cells are told of while the model is inserting, the sample
+/// itself after that. An observer may edit the table meanwhile (the model then ends the insertion
+/// before anything else), throw (the sample is there, so it is told of all the same) or end the
+/// table.
+class KudMemoryDataTable::NewSample
+{
+public:
+    NewSample(KudMemoryDataTable& table, int rank)
+        : m_table(table)
+        , m_rank(rank)
+    {
+        m_table.getModel()->beginInsertSamples(rank, 1);
+    }
+    NewSample(const NewSample&) = delete;
+    NewSample& operator=(const NewSample&) = delete;
+    ~NewSample()
+    {
+        if (!m_isTold)
+            m_table.getModel()->endInsertSamples();
+    }
+
+    /// Nothing is touched afterwards.
+    void tell(KudTableModif cells)
+    {
+        const QPointer<KudTableModel> model(m_table.getModel());
+        m_isTold = true;
+        try {
+            if (!cells.isEmpty())
+                m_table.notify(KudDataTableModif(std::move(cells)));
+        } catch (...) {
+            tellOfSample(model);
+            throw;
+        }
+        tellOfSample(model);
+    }
+
+private:
+    void tellOfSample(const QPointer<KudTableModel>& model)
+    {
+        if (model == nullptr)
+            return;
+        model->endInsertSamples();
+        m_table.notifySampleAdded(HbiIntervalIntSmallDisjoint(m_rank));
+    }
+
+    KudMemoryDataTable& m_table;
+    int m_rank;
+    bool m_isTold = false;
+};
 
 KudTableModif KudMemoryDataTable::writeCells(int rank, const SampleValues& values)
 {
@@ -61,14 +94,10 @@ bool KudMemoryDataTable::_updateValues(int rank, const SampleValues& values)
 int KudMemoryDataTable::_createSample(const SampleValues& values)
 {
     const int rank = getSampleCount();
-    {
-        const AppendScope scope(getModel(), rank, 1);
-        m_table.setSampleCount(rank + 1);
-        KudTableModif modif = writeCells(rank, values);
-        if (!modif.isEmpty())
-            notify(KudDataTableModif(std::move(modif)));
-    }
-    notifySampleAdded(HbiIntervalIntSmallDisjoint(rank));
+    m_table.reserveSamples(rank + 1); // before the model announces what might find no memory
+    NewSample sample(*this, rank);
+    m_table.setSampleCount(rank + 1);
+    sample.tell(writeCells(rank, values));
     return rank;
 }
 
@@ -76,23 +105,23 @@ int KudMemoryDataTable::_createSampleRow(const SampleRow& row)
 {
     const int rank = getSampleCount();
     const HbiIntervalIntSmallDisjoint ranks(rank);
-    {
-        const AppendScope scope(getModel(), rank, 1);
-        m_table.setSampleCount(rank + 1);
-        const int columnCount = static_cast<int>(m_columns.size());
-        const int count = std::min(row.size(), columnCount);
-        int written = 0;
-        for (int i = 0; i < count; ++i) {
-            if (row.at(i).isValid()) {
-                m_columns[static_cast<std::size_t>(i)]->setVariant(rank, row.at(i));
-                ++written;
-            }
+    m_table.reserveSamples(rank + 1);
+    NewSample sample(*this, rank);
+    m_table.setSampleCount(rank + 1);
+    const int columnCount = static_cast<int>(m_columns.size());
+    const int count = std::min(row.size(), columnCount);
+    int written = 0;
+    for (int i = 0; i < count; ++i) {
+        if (row.at(i).isValid()) {
+            m_columns[static_cast<std::size_t>(i)]->setVariant(rank, row.at(i));
+            ++written;
         }
-        if (written > 0)
-            notify(KudDataTableModif(written == columnCount ? KudTableModif(m_row, ranks)
-                                                            : modifOfCells(row, count, ranks)));
     }
-    notifySampleAdded(ranks);
+    if (written == 0)
+        sample.tell(KudTableModif());
+    else
+        sample.tell(written == columnCount ? KudTableModif(m_row, ranks)
+                                           : modifOfCells(row, count, ranks));
     return rank;
 }
 
@@ -111,8 +140,9 @@ KudTableModif KudMemoryDataTable::modifOfCells(const SampleRow& row, int count,
 int KudMemoryDataTable::_createSamples(const QList<SampleValues>& samples)
 {
     const int first = getSampleCount();
+    m_table.reserveSamples(first + samples.size());
     {
-        const AppendScope scope(getModel(), first, samples.size());
+        const KudAppendScope scope(getModel(), first, samples.size());
         m_table.setSampleCount(first + samples.size());
         KudTableModif modif;
         for (int i = 0; i < samples.size(); ++i)
@@ -129,8 +159,9 @@ int KudMemoryDataTable::_createSampleRows(const QList<SampleRow>& rows,
 {
     const int first = getSampleCount();
     const HbiIntervalIntSmallDisjoint ranks(HbiIntervalIntSmall(first, first + rows.size() - 1));
+    m_table.reserveSamples(first + rows.size());
     {
-        const AppendScope scope(getModel(), first, rows.size());
+        const KudAppendScope scope(getModel(), first, rows.size());
         m_table.setSampleCount(first + rows.size());
         fillRows(rows, defaults, first);
     }
@@ -169,8 +200,9 @@ int KudMemoryDataTable::_appendSamples(const HbdDataTable& samples)
     const HbiIntervalIntSmallDisjoint ranks(
         HbiIntervalIntSmall(first, first + samples.getSampleCount() - 1));
     KudDatasetVariableList written;
+    m_table.reserveSamples(first + samples.getSampleCount());
     {
-        const AppendScope scope(getModel(), first, samples.getSampleCount());
+        const KudAppendScope scope(getModel(), first, samples.getSampleCount());
         m_table.appendTable(samples, false);
         _clearHeaderCache(); // a catalogue may have grown
     }
@@ -218,19 +250,16 @@ void KudMemoryDataTable::setSampleCount(int count)
     if (count == before || count < 0)
         return;
     if (count > before) {
-        const AppendScope scope(getModel(), before, count - before);
+        m_table.reserveSamples(count);
+        const KudAppendScope scope(getModel(), before, count - before);
         m_table.setSampleCount(count);
         return;
     }
-    const QBitArray masked = getMask()->getBitArray();
-    const QBitArray highlighted = getHighlight()->getBitArray();
+    const KudKeptSelections selections(*this);
     _beginResetTable();
     m_table.setSampleCount(count);
     _endResetTable();
-    const bool wasSilent = lockObservable(true);
-    getMask()->setBitArray(masked);
-    getHighlight()->setBitArray(highlighted);
-    lockObservable(wasSilent);
+    selections.restore();
 }
 
 void KudMemoryDataTable::columnChanged(const KudDatasetVariable& variable, int firstRank, int count)

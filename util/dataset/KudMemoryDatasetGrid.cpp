@@ -59,10 +59,12 @@ void KudMemoryDatasetGrid::setGeometrySet(const KuuGeometrySet& geometrySet)
     if (!fitsTable(nodeCount))
         HBE_PROGRAMMING_ERROR(SOURCE_PATH, tr("Too many samples for a Grid Memory dataset."));
 
+    // At once, so that who observes the table never meets it without its samples.
+    HbdDataTable samples;
+    samples.setSampleCount(static_cast<int>(nodeCount));
     KuoOneNotice<KudDatasetModif> one(*this);
     m_geometrySet = geometrySet;
-    _table().clearDataTable();
-    _table().setSampleCount(static_cast<int>(nodeCount));
+    _table().setDataTable(std::move(samples));
     notifyReset();
     one.send();
 }

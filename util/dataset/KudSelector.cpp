@@ -3,6 +3,7 @@
 #include <util/dataset/KudTableModel.h>
 
 #include <QtCore/QItemSelectionModel>
+#include <QtCore/QScopedValueRollback>
 
 #include <algorithm>
 
@@ -23,6 +24,42 @@ QItemSelectionModel::SelectionFlags toModelFlags(Ku::SelectionFlag flag)
         return QItemSelectionModel::Toggle;
     }
     return QItemSelectionModel::NoUpdate;
+}
+
+/// Selecting more intervals than this at once is left to our sets of ranks: Qt compares each new
+/// range with each old one.
+constexpr int MANY_INTERVALS = 16;
+
+HbiIntervalIntSmallDisjoint changed(HbiIntervalIntSmallDisjoint selected,
+                                    const HbiIntervalIntSmallDisjoint& ranks,
+                                    Ku::SelectionFlag flag)
+{
+    switch (flag) {
+    case Ku::ClearSelection:
+        return HbiIntervalIntSmallDisjoint();
+    case Ku::Select:
+        return selected.unite(ranks);
+    case Ku::ClearAndSelect:
+        return ranks;
+    case Ku::Deselect:
+        return selected.subtract(ranks);
+    case Ku::ToggleSelection:
+        break;
+    }
+    const HbiIntervalIntSmallDisjoint both = selected.intersected(ranks);
+    return selected.unite(ranks).subtract(both);
+}
+
+/// Whole rows.
+QItemSelection toSelection(const QAbstractItemModel& model,
+                           const HbiIntervalIntSmallDisjoint& ranks)
+{
+    const int lastColumn = model.columnCount() - 1;
+    QItemSelection selection;
+    for (const HbiIntervalIntSmall& interval : ranks.intervals())
+        selection.append(
+            {model.index(interval.getMin(), 0), model.index(interval.getMax(), lastColumn)});
+    return selection;
 }
 
 HbiIntervalIntSmallDisjoint toRanks(const QBitArray& bits, int count)
@@ -48,6 +85,8 @@ void KudSelector::setTable(const KudADataTable* table)
 {
     if (table == m_table)
         return;
+    if (m_table != nullptr)
+        m_table->getModel()->disconnect(this);
     m_selectionModel.reset();
     m_table = table;
     m_bits.clear();
@@ -62,26 +101,44 @@ bool KudSelector::select(int rank, Ku::SelectionFlag flag)
 
 bool KudSelector::select(const HbiIntervalIntSmallDisjoint& ranks, Ku::SelectionFlag flag)
 {
-    QItemSelectionModel* selectionModel = getSelectionModel();
-    if (selectionModel == nullptr)
+    if (m_table == nullptr || (m_selectionModel == nullptr && ranks.isEmpty()))
         return false;
+    QItemSelectionModel* selectionModel = getSelectionModel();
     const QItemSelectionModel::SelectionFlags modelFlags = toModelFlags(flag);
     if (modelFlags == QItemSelectionModel::NoUpdate)
         return false;
 
+    m_table->getModel()->endInsertSamples(); // we may hear of cells that are being inserted
     const int count = m_table->getSampleCount();
-    const QAbstractItemModel* model = selectionModel->model();
-    const int lastColumn = std::max(model->columnCount() - 1, 0);
-    QItemSelection selection;
-    for (const HbiIntervalIntSmall& interval : ranks.intervals()) {
-        const int first = std::max(interval.getMin(), 0);
-        const int last = std::min(interval.getMax(), count - 1);
-        if (first <= last)
-            selection.append({model->index(first, 0), model->index(last, lastColumn)});
-    }
+    if (count == 0 || m_table->getVariableCount() == 0)
+        return false; // no cell to select
+    HbiIntervalIntSmallDisjoint rows = ranks;
+    rows.intersect(HbiIntervalIntSmall(0, count - 1));
     m_changed = false;
-    selectionModel->select(selection, modelFlags | QItemSelectionModel::Rows);
-    return m_changed;
+    if (flag == Ku::ToggleSelection || rows.getIntervalCount() > MANY_INTERVALS) {
+        const HbiIntervalIntSmallDisjoint before = selectedRows();
+        const HbiIntervalIntSmallDisjoint after = changed(before, rows, flag);
+        if (after != before)
+            replaceRows(after);
+    } else {
+        const QScopedValueRollback<bool> quiet(m_isQuiet, true);
+        selectionModel->select(toSelection(*selectionModel->model(), rows),
+                               modelFlags | QItemSelectionModel::Rows);
+    }
+    if (!m_changed)
+        return false;
+    m_table->notifySelectionChanged(m_reason); // last: an observer may end the table
+    return true;
+}
+
+void KudSelector::replaceRows(const HbiIntervalIntSmallDisjoint& rows)
+{
+    // In two steps, for what replaces nothing is compared with nothing; and without the row flag,
+    // because the ranges are whole rows and Qt would merge them one by one.
+    const QScopedValueRollback<bool> quiet(m_isQuiet, true);
+    m_selectionModel->clearSelection();
+    m_selectionModel->select(toSelection(*m_selectionModel->model(), rows),
+                             QItemSelectionModel::Select);
 }
 
 bool KudSelector::deselectAll()
@@ -91,12 +148,16 @@ bool KudSelector::deselectAll()
 
 int KudSelector::getNSelected() const
 {
+    if (m_selectionModel == nullptr)
+        return 0; // without making a bit for each sample
     refreshBits();
     return m_selectedCount;
 }
 
 HbiIntervalIntSmallDisjoint KudSelector::selectedRows() const
 {
+    if (!hasSelection())
+        return HbiIntervalIntSmallDisjoint();
     const QBitArray bits = getBitArray();
     return toRanks(bits, bits.size());
 }
@@ -122,6 +183,9 @@ QItemSelectionModel* KudSelector::getSelectionModel() const
     if (m_selectionModel == nullptr && m_table != nullptr) {
         auto* self = const_cast<KudSelector*>(this);
         QAbstractItemModel* model = m_table->getModel();
+        // Heard before the selection model hears of it: a row stays selected while its cells go.
+        connect(model, &QAbstractItemModel::columnsAboutToBeRemoved, self,
+                [self] { self->columnsWillGo(); });
         m_selectionModel = std::make_unique<QItemSelectionModel>(model);
         const auto makeStale = [self] { self->m_bitsAreStale = true; };
         connect(m_selectionModel.get(), &QItemSelectionModel::selectionChanged, self,
@@ -129,6 +193,10 @@ QItemSelectionModel* KudSelector::getSelectionModel() const
         connect(model, &QAbstractItemModel::rowsInserted, self, makeStale);
         connect(model, &QAbstractItemModel::rowsRemoved, self, makeStale);
         connect(model, &QAbstractItemModel::modelReset, self, makeStale);
+        connect(model, &QAbstractItemModel::columnsRemoved, self,
+                [self] { self->columnsHaveGone(); });
+        connect(model, &QAbstractItemModel::columnsInserted, self,
+                [self] { self->coverNewColumns(); });
     }
     return m_selectionModel.get();
 }
@@ -137,7 +205,28 @@ void KudSelector::_selectionChanged()
 {
     m_bitsAreStale = true;
     m_changed = true;
-    m_table->notifySelectionChanged(m_reason);
+    if (!m_isQuiet)
+        m_table->notifySelectionChanged(m_reason);
+}
+
+void KudSelector::columnsWillGo()
+{
+    m_countBeforeColumnsWent = getNSelected();
+    m_isQuiet = true;
+}
+
+void KudSelector::columnsHaveGone()
+{
+    m_isQuiet = false;
+    if (hasSelection() || m_countBeforeColumnsWent == 0)
+        return;
+    m_table->notifySelectionChanged(m_reason); // the last column took the selection along
+}
+
+void KudSelector::coverNewColumns()
+{
+    if (hasSelection())
+        replaceRows(selectedRows());
 }
 
 void KudSelector::refreshBits() const

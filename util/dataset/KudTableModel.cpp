@@ -2,6 +2,8 @@
 #include <util/dataset/KudTableModel.h>
 #include <util/dataset/KudTableUtils.h>
 
+#include <utility>
+
 KudTableModel::KudTableModel(KudADataTable& table)
     : m_table(table)
 {
@@ -88,16 +90,20 @@ void KudTableModel::setCellAlignment(Qt::Alignment alignment)
 
 void KudTableModel::beginInsertSamples(int first, int count)
 {
+    endInsertSamples();
     beginInsertRows(QModelIndex(), first, first + count - 1);
+    m_isInserting = true;
 }
 
 void KudTableModel::endInsertSamples()
 {
-    endInsertRows();
+    if (std::exchange(m_isInserting, false))
+        endInsertRows();
 }
 
 void KudTableModel::beginRemoveSamples(int first, int count)
 {
+    endInsertSamples();
     beginRemoveRows(QModelIndex(), first, first + count - 1);
 }
 
@@ -108,6 +114,7 @@ void KudTableModel::endRemoveSamples()
 
 void KudTableModel::beginInsertVariables(int first, int count)
 {
+    endInsertSamples();
     beginInsertColumns(QModelIndex(), first, first + count - 1);
 }
 
@@ -118,6 +125,7 @@ void KudTableModel::endInsertVariables()
 
 void KudTableModel::beginRemoveVariables(int first, int count)
 {
+    endInsertSamples();
     beginRemoveColumns(QModelIndex(), first, first + count - 1);
 }
 
@@ -128,6 +136,7 @@ void KudTableModel::endRemoveVariables()
 
 void KudTableModel::beginResetTable()
 {
+    endInsertSamples();
     beginResetModel();
 }
 
@@ -138,11 +147,13 @@ void KudTableModel::endResetTable()
 
 void KudTableModel::headerChanged(int first, int last)
 {
+    endInsertSamples();
     emit headerDataChanged(Qt::Horizontal, first, last);
 }
 
 void KudTableModel::sampleChanged(int row)
 {
+    endInsertSamples();
     if (columnCount() > 0)
         emit dataChanged(index(row, 0), index(row, columnCount() - 1));
 }
@@ -154,6 +165,7 @@ void KudTableModel::valueChanged(int row, int column)
 
 void KudTableModel::valuesChanged(const HbiIntervalIntSmall& rows, int column)
 {
+    endInsertSamples();
     if (!rows.isEmpty())
         emit dataChanged(index(rows.getMin(), column), index(rows.getMax(), column));
 }

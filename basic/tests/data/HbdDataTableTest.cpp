@@ -183,3 +183,12 @@ TEST(HbdDataTable, AppendsByNameAndMatchesCategoriesByLabel)
     EXPECT_EQ(ours.findVariable("note")->getVariant(2), "x");
     EXPECT_EQ(ours.getSampleCount(), 4);
 }
+
+TEST(HbdEnumCatalog, TakesAGapWhenTheHighestCodeIsTaken)
+{
+    HbdEnumCatalog catalog;
+    catalog.addCategory(0, "clay");
+    catalog.addCategory(65534, "sand");
+    EXPECT_EQ(catalog.findOrAdd("gravel"), 1);
+    EXPECT_EQ(catalog.getLabel(1), "gravel");
+}

@@ -79,7 +79,7 @@ protected:
             break;
         case 2:
             addColumn<HbdVariableInteger>(details, values<qint64>(count, HbbGlobal::I_FFFF, [this] {
-                                              return qint64(m_random()) - (1LL << 62);
+                                              return qint64(m_random()) / 3;
                                           }));
             break;
         case 3:

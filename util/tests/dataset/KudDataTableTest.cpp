@@ -9,6 +9,7 @@
 #include <basic/data/HbdVariableEnum.h>
 #include <basic/data/HbdVariableInteger.h>
 #include <basic/data/HbdVariableReal.h>
+#include <basic/error/HbeUserError.h>
 #include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QAbstractItemModel>
@@ -210,6 +211,91 @@ TEST_F(KudDataTable, AddsAColumnOnlyIfItFits)
     first->resize(2);
     EXPECT_TRUE(empty.addVariable(std::move(first)).isValid());
     EXPECT_EQ(empty.getSampleCount(), 2);
+
+    const struct {
+        const char* what;
+        QString table;
+        QString variable;
+        int sampleCount;
+        bool mayCreateSamples;
+    } refused[] = {
+        {"a first column without a name", "Points", "", 0, true},
+        {"a first column of another length", "Points", "v", 7, true},
+        {"a first column that would make samples", "Points", "v", 0, false},
+        {"a table without a name", "", "v", 2, true},
+    };
+    for (const auto& c : refused) {
+        SCOPED_TRACE(c.what);
+        KudMemoryDataTable other(c.table);
+        other.setSampleCount(c.sampleCount);
+        other.setFlag(Ku::CanCreateSamples, c.mayCreateSamples);
+        auto column = std::make_unique<HbdVariableReal>(HbdVariableDetails(c.variable));
+        column->resize(2);
+        EXPECT_FALSE(other.addVariable(column.get()).isValid());
+        EXPECT_EQ(other.getSampleCount(), c.sampleCount);
+        EXPECT_EQ(other.getDataTable().getVariableCount(), 0);
+        EXPECT_EQ(column->getCount(), 2); // still ours
+    }
+}
+
+/// An observer that throws, or that ends the table, finds and leaves everything in its place.
+TEST(KudMemoryDataTable, SurvivesObserversThatThrowOrEndIt)
+{
+    class Hostile : public KuoIObserver<KudDataTableModif>
+    {
+    public:
+        void update(const KudDataTableModif&) override
+        {
+            if (throws)
+                throw std::runtime_error("hostile");
+            table.reset();
+        }
+        bool throws = false;
+        std::unique_ptr<KudMemoryDataTable> table;
+    };
+    const KudDatasetVariable v = KudDatasetVariable::createVariable("Points", "v");
+    const std::function<void(KudMemoryDataTable&)> edits[] = {
+        [&](auto& t) {
+            t.createSample({{v, 2.0}});
+        },
+        [](auto& t) { t.createSample(QVector<QVariant>{2.0}); },
+        [](auto& t) {
+            t.createSamples({{2.0}, {3.0}});
+        },
+        [](auto& t) { t.deleteSample(0); },
+        [&](auto& t) { t.updateValue(v, 0, 5.0); },
+        [&](auto& t) { t.deleteVariable(v); },
+        [&](auto& t) { t.renameVariable(v, "w"); },
+        [](auto& t) { t.createVariable(HbdVariableDetails("new")); },
+        [](auto& t) { t.addVariable(HbdVariableReal(HbdVariableDetails("w")).clone()); },
+        [](auto& t) {
+            auto column = std::make_unique<HbdVariableReal>(HbdVariableDetails("w"));
+            column->resize(1);
+            t.addVariable(std::move(column));
+        },
+        [](auto& t) { t.getMask()->select(0, Ku::Select); },
+        [](auto& t) { t.setDataTable(HbdDataTable()); },
+    };
+    for (const bool throws : {false, true}) {
+        for (const auto& edit : edits) {
+            SCOPED_TRACE(&edit - edits);
+            Hostile hostile;
+            hostile.throws = throws;
+            hostile.table = std::make_unique<KudMemoryDataTable>("Points");
+            hostile.table->createVariable(HbdVariableDetails("v"));
+            hostile.table->createSample(QVector<QVariant>{1.0});
+            QAbstractItemModelTester tester(hostile.table->getModel(),
+                                            QAbstractItemModelTester::FailureReportingMode::Fatal);
+            hostile.table->addObserver(&hostile);
+            try {
+                edit(*hostile.table);
+            } catch (const std::runtime_error&) {
+                hostile.table->removeObserver(&hostile);
+                hostile.table->createSample(QVector<QVariant>{4.0});
+                EXPECT_FALSE(hostile.table->isLocked());
+            }
+        }
+    }
 }
 
 TEST_F(KudDataTable, RenamesWithOneNoticeThatCarriesTheNewDetails)
@@ -291,6 +377,52 @@ TEST_F(KudDataTable, LeavesFilteredColumnsOutOfTheHeader)
     EXPECT_EQ(table.createSample(QVector<QVariant>{50, "e"}), 4);
     EXPECT_EQ(cell(n, 4), 50);
     EXPECT_TRUE(table.getDataTable().findVariable("x")->isUndefined(4));
+}
+
+/// What shows other columns, or more samples, is seen by the model and leaves the selections alone.
+TEST_F(KudDataTable, ShowsAndHidesColumnsBehindTheModelAndTheSelections)
+{
+    QAbstractItemModelTester tester(table.getModel(),
+                                    QAbstractItemModelTester::FailureReportingMode::Fatal);
+    QSignalSpy reset(table.getModel(), &QAbstractItemModel::modelReset);
+    QSignalSpy header(table.getModel(), &QAbstractItemModel::headerDataChanged);
+    table.getMask()->select({Range(1, 2)}, Ku::Select);
+    recorder.notices.clear();
+
+    table.addTagToFilter("secret");
+    EXPECT_EQ(recorder.reasons(), std::vector<int>{KudTableModif::Reset});
+    HbdVariableDetails details = table.getDetails(n);
+    details.tags.add("secret");
+    table.setDetails(n, details);
+    EXPECT_EQ(table.getVariableCount(), 2);
+    EXPECT_EQ(table.createVariable(details), KudDatasetVariable()); // taken, if hidden
+    details.name = "hidden";
+    EXPECT_TRUE(table.createVariable(details).isValid());
+    EXPECT_EQ(table.getVariableCount(), 2);
+    table.appendTable(HbdDataTable(table.getDataTable()), false);
+    EXPECT_EQ(reset.count(), 3);
+    EXPECT_EQ(table.getSampleCount(), 8);
+    EXPECT_EQ(table.getMask()->selectedRows(), Ranks(Range(1, 2)));
+
+    auto realization = std::make_unique<HbdVariableReal>(HbdVariableDetails("x"));
+    realization->setRealization("3");
+    realization->resize(8);
+    table.addVariable(std::move(realization));
+    header.clear();
+    EXPECT_TRUE(table.renameVariable(x, "east"));
+    EXPECT_EQ(header.count(), 2); // the realization went along
+}
+
+TEST(KudMemoryDataTable, RefusesMoreSamplesThanRanks)
+{
+    KudMemoryDataTable table("Points");
+    table.setSampleCount(std::numeric_limits<int>::max()); // without variables they take no memory
+    EXPECT_EQ(table.createSample(QVector<QVariant>{}), -1);
+    EXPECT_EQ(table.createSample(KudADataTable::SampleValues{}), -1);
+    EXPECT_EQ(table.createSamples({QVector<QVariant>{}}), -1);
+    EXPECT_EQ(table.appendSamples(table.getDataTable()), -1);
+    EXPECT_THROW(table.appendTable(table.getDataTable(), true), HbeUserError);
+    EXPECT_EQ(table.getSampleCount(), std::numeric_limits<int>::max());
 }
 
 /// The model keeps Qt's rules through any edits, and the selections stay on their samples.
@@ -405,6 +537,58 @@ TEST(KudSelector, MapsItsFlagsAndReportsChanges)
     EXPECT_FALSE(mask.setBitArray(bits));
     EXPECT_EQ(mask.getBitArray(), bits);
     EXPECT_EQ(KudTableUtils::getSelectedRows(mask.getSelectionModel()), mask.selectedRows());
+}
+
+/// Rows stay selected as wholes, whatever happens to the columns.
+TEST_F(KudDataTable, SelectsRowsWhateverHappensToTheColumns)
+{
+    KudSelector& mask = *table.getMask();
+    mask.select({Range(1, 2)}, Ku::Select);
+    recorder.notices.clear();
+    const KudDatasetVariable added = table.createVariable(HbdVariableDetails("new"));
+    EXPECT_FALSE(mask.select(1, Ku::Select));
+    EXPECT_TRUE(mask.select(1, Ku::ToggleSelection));
+    EXPECT_EQ(mask.selectedRows(), Ranks(2));
+
+    recorder.notices.clear();
+    for (const KudDatasetVariable& variable : {x, added, n})
+        table.deleteVariable(variable);
+    EXPECT_EQ(recorder.reasons(), std::vector<int>(3, KudTableModif::VariableRemoved));
+    EXPECT_EQ(mask.selectedRows(), Ranks(2));
+    table.deleteVariable(t);
+    EXPECT_FALSE(mask.hasSelection());
+    EXPECT_TRUE(recorder.notices.back().testReason(KudTableModif::MaskChanged));
+    EXPECT_FALSE(mask.select(0, Ku::Select));
+}
+
+TEST(KudSelector, SelectsScatteredRanksAsItWouldOneByOne)
+{
+    constexpr int COUNT = 100000;
+    KudMemoryDataTable table("Points");
+    table.createVariable(HbdVariableDetails("v"));
+    table.setSampleCount(COUNT);
+    KudSelector& mask = *table.getMask();
+    std::mt19937 random(5);
+    QBitArray expected(COUNT);
+    for (const auto flag : {Ku::Select, Ku::ToggleSelection, Ku::Deselect, Ku::Select,
+                            Ku::ClearAndSelect, Ku::ClearSelection}) {
+        QBitArray bits(COUNT);
+        Ranks ranks;
+        for (int rank = 0; rank < COUNT; ++rank) {
+            if (random() % 2 == 0) {
+                ranks.add(rank);
+                bits.setBit(rank);
+            }
+        }
+        EXPECT_TRUE(mask.select(ranks, flag));
+        expected = flag == Ku::Select            ? expected | bits
+                   : flag == Ku::ToggleSelection ? expected ^ bits
+                   : flag == Ku::Deselect        ? expected & ~bits
+                   : flag == Ku::ClearAndSelect  ? bits
+                                                 : QBitArray(COUNT);
+        EXPECT_EQ(mask.getBitArray(), expected) << flag;
+        EXPECT_EQ(mask.getNSelected(), expected.count(true));
+    }
 }
 
 TEST(KudTableModel, ShowsAndEditsInTheDisplayUnitAndTheUsersDecimalSign)

@@ -102,6 +102,10 @@ TEST(KudADataset, ComesBackFromItsFileEqual)
     dataset.setFlag(Ku::CanDeleteVariables, false);
     dataset.setTagFlag("a tag", KudADataset::HiddenVariable);
     dataset.setDefaultObjectName("sample");
+    dataset.setDatasetShared(true);
+    dataset.setInterval({HbiIntervalIntSmallO64(0, 1), HbiIntervalIntSmallO64(3, qint64(1) << 40)});
+    dataset.hideStructuralRoles({{HbdESupport::POINT, HbdVarRoleFlags(HbdEVarRole::NAME)}});
+    dataset.getPointTable()->setFlag(Ku::ReadOnlyValues);
 
     QTemporaryDir directory;
     KuxXmlMementoFile::save(QDir(directory.path()), dataset.getMemento());
@@ -119,6 +123,11 @@ TEST(KudADataset, ComesBackFromItsFileEqual)
     EXPECT_EQ(points->getFlags(), dataset.getFlags());
     EXPECT_EQ(points->getTags(KudADataset::HiddenVariable), QStringList{"a tag"});
     EXPECT_EQ(points->getDefaultObjectName(), "sample");
+    EXPECT_TRUE(points->isDatasetShared());
+    ASSERT_NE(points->getInterval(), nullptr);
+    EXPECT_EQ(*points->getInterval(), *dataset.getInterval());
+    EXPECT_FALSE(points->getNameVariable().isValid());
+    EXPECT_EQ(points->getPointTable()->getFlags(), dataset.getPointTable()->getFlags());
     EXPECT_TRUE(
         points->getPointTable()->getDataTable().isEqual(dataset.getPointTable()->getDataTable()));
 
@@ -137,11 +146,15 @@ TEST(KudADataset, RestoresAnEditWithOneNotice)
     dataset.getPointTable()->deleteSample(2);
     dataset.deleteVariable(dataset.getPointTable()->getVariableAt(1));
     dataset.setName("Renamed");
+    dataset.setInterval(HbiIntervalIntSmallO64(0, 1));
+    dataset.hideStructuralRoles({{HbdESupport::POINT, HbdVarRoleFlags(HbdEVarRole::NAME)}});
     dataset.addObserver(&recorder);
     dataset.setMemento(memento, false);
 
     EXPECT_TRUE(dataset.getPointTable()->getDataTable().isEqual(before));
     EXPECT_EQ(dataset.getName(), "Campaign");
+    EXPECT_EQ(dataset.getInterval(), nullptr);
+    EXPECT_TRUE(dataset.getNameVariable().isValid());
     ASSERT_EQ(recorder.notices.size(), 1U);
     EXPECT_TRUE(recorder.notices[0].testReason(KudDatasetModif::Reset));
     EXPECT_EQ(recorder.notices[0].dataset(), &dataset);
@@ -182,6 +195,12 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
          "The number of samples of the table is not valid."},
         {"more samples than values", [](auto& t, auto&) { t["sampleCount"] = 2147483647; },
          "Cannot read the variable 'x': Its values take 48 bytes instead of 17179869176."},
+        {"texts that say they take 2^60 bytes",
+         [&](auto&, auto& c) {
+             c["type"] = "TEXT";
+             c["values"] = bomb;
+         },
+         "Cannot read the variable 'x': Its compressed values are damaged."},
         {"a negative number", [](auto& t, auto&) { t["sampleCount"] = "-6"; },
          "The number of samples of the table is not valid."},
         {"no base64", [](auto&, auto& c) { c["values"] = "@@@"; },

@@ -36,6 +36,9 @@ public:
     QString getFullName() const;
 
     virtual int getCount() const = 0;
+
+    /// Room for `count` values in all. Asking for ever more room is amortised O(1) per value, and
+    /// growing into it does not fail.
     virtual void reserve(int count) = 0;
 
     /// Truncates, or appends undefined values. Appending is amortised O(1) per value.

@@ -44,6 +44,8 @@ public:
     /// Renames the column, and nothing else; false when the resulting full name is taken.
     bool renameVariable(int i, const QString& name);
 
+    /// \name Changing the samples: as a whole or, for want of memory, not at all
+    /// @{
     void reserveSamples(int count);
     void setSampleCount(int count);
     void insertSamples(int rank, int count);
@@ -51,8 +53,9 @@ public:
 
     /// Appends the samples of another table, column by column of the same full name and kind; the
     /// cells of columns that the other does not have are undefined. With `addMissing`, columns that
-    /// only the other has are created.
+    /// only the other has are created. A user error when the samples would be more than 2^31 - 1.
     void appendTable(const HbdDataTable& other, bool addMissing);
+    /// @}
 
     /// Drops all columns and samples.
     void clear();
@@ -61,6 +64,7 @@ public:
 
 private:
     void rebuildIndex();
+    void appendColumns(const HbdDataTable& other, int total, bool addMissing);
 
     std::vector<std::unique_ptr<HbdAVariable>> m_variables;
     QHash<QString, int> m_index;

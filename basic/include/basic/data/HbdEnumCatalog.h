@@ -45,7 +45,7 @@ public:
     /// UNDEFINED_CODE. An invalid colour takes the undefined one when it is asked for.
     bool addCategory(quint16 code, const QString& label, const QColor& color = QColor());
 
-    /// The code of the label; a new label gets the smallest code that is free above all codes.
+    /// The code of the label; a new label gets the code above all codes, or else a free one.
     /// UNDEFINED_CODE when all codes are taken.
     quint16 findOrAdd(const QString& label);
 

@@ -30,7 +30,12 @@ public:
     static bool isUndefinedValue(const Value& value) { return Traits::isUndefined(value); }
 
     int getCount() const override { return static_cast<int>(m_values.size()); }
-    void reserve(int count) override { m_values.reserve(static_cast<std::size_t>(count)); }
+    void reserve(int count) override
+    {
+        const auto wanted = static_cast<std::size_t>(count);
+        if (wanted > m_values.capacity())
+            m_values.reserve(std::max(wanted, m_values.size() + m_values.size() / 2));
+    }
     void resize(int count) override
     {
         m_values.resize(static_cast<std::size_t>(count), Traits::undefined());

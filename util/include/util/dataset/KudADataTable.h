@@ -141,7 +141,8 @@ public:
 
     /// \name Editing samples and cells
     /// @{
-    /// The rank of the new sample, or -1. A row may be shorter than the header.
+    /// The rank of the new sample, or -1 (as below, also when ranks would leave 32 bits). A row may
+    /// be shorter than the header.
     int createSample(const SampleValues& values);
     int createSample(const SampleRow& row);
 
@@ -271,6 +272,7 @@ private:
                                HbdSpan<const double> numbers);
 
     const KudDataTableHeader& header() const;
+    bool mayCreateSamples(int count) const;
 
     struct Data;
     std::unique_ptr<Data> m_data;

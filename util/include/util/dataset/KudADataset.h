@@ -223,6 +223,7 @@ private:
     QMap<QString, VarFlags> m_tagFlags;
     QString m_defaultObjectName;
     std::unique_ptr<HbiIntervalIntSmallO64Disjoint> m_interval;
+    QMap<HbdESupport, HbdVarRoleFlags> m_hiddenRoles; // the tables hide them
     /// As observables: one that tells of its end is no table any more.
     QVector<const KuoAObservable<KudDataTableModif>*> m_observedTables;
 };

@@ -56,7 +56,7 @@ public:
     /// Appends undefined samples or truncates. Tells the model only.
     void setSampleCount(int count);
 
-    /// \name Columns left out of the header
+    /// \name Columns left out of the header; what is left out changes with a reset
     /// @{
     void addStructuralRoleToFilter(const HbdEVarRole& role);
     void addTagToFilter(const QString& tag);
@@ -86,9 +86,12 @@ private:
     bool _updateColumn(const KudDatasetVariable& variable, int firstRank,
                        HbdSpan<const double> numbers) override;
 
+    class NewSample;
+
     KudDatasetVariable nameOf(const HbdAVariable& variable) const;
     bool isFiltered(const HbdAVariable& variable) const;
     bool renameColumns(const KudDatasetVariable& variable, const QString& name);
+    void shownColumnsChanged();
     KudTableModif writeCells(int rank, const SampleValues& values);
     KudTableModif modifOfCells(const SampleRow& row, int count,
                                const HbiIntervalIntSmallDisjoint& ranks) const;

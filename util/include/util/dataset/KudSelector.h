@@ -54,6 +54,10 @@ public:
 
 private:
     void _selectionChanged();
+    void replaceRows(const HbiIntervalIntSmallDisjoint& rows);
+    void columnsWillGo();
+    void columnsHaveGone();
+    void coverNewColumns();
     void refreshBits() const;
 
     KudTableModif::Reason m_reason;
@@ -63,4 +67,6 @@ private:
     mutable int m_selectedCount = 0;
     mutable bool m_bitsAreStale = false; // samples came or went since the bits were filled
     bool m_changed = false;
+    bool m_isQuiet = false; // the selection model changes on our own behalf
+    int m_countBeforeColumnsWent = 0;
 };

@@ -31,7 +31,9 @@ public:
     /// Right and centred by default.
     void setCellAlignment(Qt::Alignment alignment);
 
-    // What the table calls around its own changes.
+    // What the table calls around its own changes. Observers hear of new cells while they are being
+    // inserted; should one of them edit the table, the insertion, whose samples are in place by
+    // then, ends before the next change begins. Ending it again does nothing.
     void beginInsertSamples(int first, int count);
     void endInsertSamples();
     void beginRemoveSamples(int first, int count);
@@ -52,5 +54,6 @@ private:
     QString columnToolTip(int column) const;
 
     KudADataTable& m_table;
+    bool m_isInserting = false;
     Qt::Alignment m_alignment = Qt::AlignRight | Qt::AlignVCenter;
 };

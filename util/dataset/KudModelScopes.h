@@ -1,0 +1,73 @@
+#pragma once
+
+#include <util/dataset/KudADataTable.h>
+#include <util/dataset/KudSelector.h>
+#include <util/dataset/KudTableModel.h>
+
+#include <QtCore/QPointer>
+
+/// Ends an insertion of samples however its scope is left: a model must not be left inserting. The
+/// table, and its model with it, may be gone by then.
+class KudAppendScope
+{
+public:
+    KudAppendScope(KudTableModel* model, int first, int count)
+        : m_model(model)
+    {
+        m_model->beginInsertSamples(first, count);
+    }
+    KudAppendScope(const KudAppendScope&) = delete;
+    KudAppendScope& operator=(const KudAppendScope&) = delete;
+    ~KudAppendScope()
+    {
+        if (m_model)
+            m_model->endInsertSamples();
+    }
+
+private:
+    QPointer<KudTableModel> m_model;
+};
+
+/// The same for a reset.
+class KudResetScope
+{
+public:
+    explicit KudResetScope(KudTableModel* model)
+        : m_model(model)
+    {
+        m_model->beginResetTable();
+    }
+    KudResetScope(const KudResetScope&) = delete;
+    KudResetScope& operator=(const KudResetScope&) = delete;
+    ~KudResetScope() { m_model->endResetTable(); }
+
+private:
+    KudTableModel* m_model;
+};
+
+/// What is selected in a table, for a reset of the model through which the samples keep their
+/// ranks: Qt forgets the selection.
+class KudKeptSelections
+{
+public:
+    explicit KudKeptSelections(KudADataTable& table)
+        : m_table(table)
+        , m_masked(table.getMask()->selectedRows())
+        , m_highlighted(table.getHighlight()->selectedRows())
+    {
+    }
+
+    /// Without a notice, for the samples are selected as before.
+    void restore() const
+    {
+        const bool wasSilent = m_table.lockObservable(true);
+        m_table.getMask()->select(m_masked, Ku::Select);
+        m_table.getHighlight()->select(m_highlighted, Ku::Select);
+        m_table.lockObservable(wasSilent);
+    }
+
+private:
+    KudADataTable& m_table;
+    HbiIntervalIntSmallDisjoint m_masked;
+    HbiIntervalIntSmallDisjoint m_highlighted;
+};
