@@ -82,6 +82,11 @@ else
 fi
 name=$(basename "$table")
 name=${name%.*}
+for ((i = 0; i + 1 < ${#import[@]}; i++)); do
+    if [ "${import[i]}" = --name ]; then
+        name=${import[i + 1]}
+    fi
+done
 
 step "Import: the table becomes a dataset of a project"
 run kelvane import "$table" --project project --name "$name" --replace "${import[@]}"

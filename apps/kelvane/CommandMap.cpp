@@ -129,7 +129,7 @@ MapPicture createPicture(const KudADataset& dataset, const QString& variableName
     picture.title = withUnit(table, variable);
     picture.legendTitle = picture.title;
     picture.subtitle =
-        Tool::tr("%1, %n sample(s)", nullptr, dataset.getObjectCount()).arg(dataset.getName());
+        Tool::tr("%1, %2 samples").arg(dataset.getName()).arg(dataset.getObjectCount());
     const KuuCoordSystem system = dataset.getCoordSystem();
     if (!system.serialize().isEmpty())
         picture.subtitle += QStringLiteral(", ") + system.serialize();
