@@ -75,7 +75,14 @@ bool KudTableModel::setData(const QModelIndex& index, const QVariant& value, int
     if (role != Qt::EditRole || !index.isValid() || !(flags(index) & Qt::ItemIsEditable))
         return false;
     const KudDatasetVariable variable = m_table.getVariableAt(index.column());
-    const QVariant stored = KudTableUtils::editRoleToValue(m_table.getDetails(variable), value);
+    const HbdVariableDetails details = m_table.getDetails(variable);
+    const QVariant stored = KudTableUtils::editRoleToValue(details, value);
+    // What cannot be stored leaves the cell as it is; only an empty text, or N/A, clears it.
+    if (!stored.isValid() && !KudTableUtils::isClearing(value))
+        return false;
+    if (details.type == HbdEVarType::CATEGORY && stored.type() == QVariant::String &&
+        !m_table.getVariableCatalog(variable).containsLabel(stored.toString()))
+        return false;
     return m_table.updateValue(variable, index.row(), stored);
 }
 

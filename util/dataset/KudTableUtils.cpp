@@ -2,6 +2,7 @@
 
 #include <basic/base/HbbStringFormat.h>
 #include <basic/data/HbdANumericVariable.h>
+#include <basic/data/HbdValueTraits.h>
 #include <basic/data/HbdVarTypeFlags.h>
 #include <basic/data/HbdVariableColor.h>
 #include <basic/data/HbdVariableEnum.h>
@@ -87,20 +88,27 @@ QVariant KudTableUtils::valueToRole(int role, const HbdAVariable& variable, int 
     }
 }
 
+bool KudTableUtils::isClearing(const QVariant& value)
+{
+    const QString text = value.toString().trimmed();
+    return !value.isValid() ||
+           (value.type() == QVariant::String && (text.isEmpty() || text == HbbGlobal::STR_NA));
+}
+
 QVariant KudTableUtils::editRoleToValue(const HbdVariableDetails& details, const QVariant& value)
 {
     const bool isText = value.type() == QVariant::String;
-    const QString text = value.toString().trimmed();
-    if (!value.isValid() || (isText && text == HbbGlobal::STR_NA))
-        return QVariant();
     if (details.type == HbdEVarType::TEXT)
-        return value;
-    if (isText && text.isEmpty())
+        return isText && value.toString() == HbbGlobal::STR_NA ? QVariant() : value;
+    if (isClearing(value))
         return QVariant();
     if (!HbdVarTypeFlags::NUMERIC.contains(details.type))
         return value;
-    if (details.type == HbdEVarType::INTEGER)
-        return isText ? QVariant(text) : value;
+    const QString text = value.toString().trimmed();
+    if (details.type == HbdEVarType::INTEGER) {
+        const qint64 number = HbdValueTraits::Integer::fromVariant(isText ? QVariant(text) : value);
+        return HbdValueTraits::Integer::toVariant(number);
+    }
 
     const QVariant number = isText ? typedNumber(text) : value;
     const HbuUnitTransfo transfo = shownTransfo(details).inverted();

@@ -614,10 +614,14 @@ TEST(KudTableModel, ShowsAndEditsInTheDisplayUnitAndTheUsersDecimalSign)
     QLocale::setDefault(QLocale(QLocale::German));
     const struct {
         const char* typed;
+        bool accepted;
         QVariant stored;
-    } cases[] = {{"2.5", 2500.0}, {"2,5", 2500.0}, {"", QVariant()}, {"deep", QVariant()}};
+    } cases[] = {{"2.5", true, 2500.0},
+                 {"2,5", true, 2500.0},
+                 {"deep", false, 2500.0}, // no number: the cell stays as it is
+                 {"", true, QVariant()}};
     for (const auto& c : cases) {
-        EXPECT_TRUE(model.setData(model.index(1, 0), c.typed));
+        EXPECT_EQ(model.setData(model.index(1, 0), c.typed), c.accepted) << c.typed;
         EXPECT_EQ(table.readValues(depth)->getVariant(1), c.stored) << c.typed;
     }
     QLocale::setDefault(before);

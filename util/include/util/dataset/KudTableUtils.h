@@ -22,10 +22,13 @@ constexpr char KELVANE_MIME_DATA[] = "application/x-kelvane";
 KELVANE_UTIL_EXPORT QVariant valueToRole(int role, const HbdAVariable& variable, int rank);
 
 /// What a column of these details stores for an edited value: numbers come in the display unit,
-/// texts with the decimal sign of the C locale or of the user's. An empty text, or STR_NA, is
-/// undefined (an invalid variant).
+/// texts with the decimal sign of the C locale or of the user's. Invalid for a value that clears
+/// the cell, and for a text that is no number where one is needed.
 KELVANE_UTIL_EXPORT QVariant editRoleToValue(const HbdVariableDetails& details,
                                              const QVariant& value);
+
+/// Whether the edited value asks for an undefined cell: invalid, a blank text, or STR_NA.
+KELVANE_UTIL_EXPORT bool isClearing(const QVariant& value);
 
 /// The rows in which anything is selected; empty for null.
 KELVANE_UTIL_EXPORT HbiIntervalIntSmallDisjoint
