@@ -80,8 +80,8 @@ int run(const QCommandLineParser& line)
         wrong += file.errors.isEmpty() ? 0 : 1;
         text += toText(file);
     }
-    text += wrong == 0 ? Tool::tr("%1 memento files, nothing wrong.\n").arg(mementos)
-                       : Tool::tr("%1 memento files, %2 wrong.\n").arg(mementos).arg(wrong);
+    text += wrong == 0 ? Tool::tr("Nothing is wrong; memento files: %1.\n").arg(mementos)
+                       : Tool::tr("Wrong: %1 of %2 memento files.\n").arg(wrong).arg(mementos);
     if (line.isSet(QStringLiteral("json")))
         ToolOutput::print(toJson(path, files, wrong));
     else
