@@ -44,8 +44,14 @@ void KuuAMementoOriginator::setMemento(const KuuMemento& memento, bool adoptId)
 
     // The memento may live in the state that is replaced now.
     const KuuMemento taken = memento;
+    const KuuId ownId = m_id;
     if (adoptId) {
         m_id = taken.getId();
     }
-    _setMemento(taken, adoptId);
+    try {
+        _setMemento(taken, adoptId);
+    } catch (...) {
+        m_id = ownId; // an object that was not restored stays the one that it was
+        throw;
+    }
 }

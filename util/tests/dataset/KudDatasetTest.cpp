@@ -218,7 +218,8 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         try {
-            dataset.setMemento(damaged(c.damage), false);
+            KuuMemento memento(KuuId::generate("Dataset"), damaged(c.damage));
+            dataset.setMemento(memento, true);
             ADD_FAILURE() << "accepted";
         } catch (const HbeUserError& error) {
             EXPECT_THAT(error.what(), testing::StartsWith(c.message));
@@ -226,6 +227,7 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
         EXPECT_TRUE(dataset.getPointTable()->getDataTable().isEqual(before));
         EXPECT_TRUE(recorder.notices.empty());
         EXPECT_FALSE(dataset.isLocked());
+        EXPECT_EQ(dataset.getId(), good.getId().getUuid());
     }
 }
 

@@ -1,0 +1,47 @@
+// Dataset files: any bytes give a dataset or an error that says why; what was made saves and comes
+// back the same.
+#include <util/dataset/KudGenericDatasetFactory.h>
+#include <util/dataset/KudMemoryDataTable.h>
+#include <util/dataset/KudMemoryDatasetPoint.h>
+#include <util/xml/KuxXmlMementoFile.h>
+
+#include <basic/base/HbbDebug.h>
+#include <basic/error/HbeError.h>
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace
+{
+std::unique_ptr<KudADataset> read(const QByteArray& bytes)
+{
+    try {
+        const KuuMemento memento = KuxXmlMementoFile::bytesToMemento(bytes, QStringLiteral("fuzz"));
+        return KudGenericDatasetFactory().create(memento, true);
+    } catch (const HbeError&) {
+        return nullptr;
+    }
+}
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    HbbDebug::setSink([](HbbDebug::Level, const QString&) {});
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char*>(data), int(size));
+    const std::unique_ptr<KudADataset> dataset = read(bytes);
+    const auto* points = KudMemoryDatasetPoint::convert(dataset.get());
+    if (points == nullptr || !points->KuuAMementoOriginator::getId().isValid())
+        return 0;
+
+    const auto again = read(KuxXmlMementoFile::mementoToBytes(points->getMemento()));
+    const auto* same = KudMemoryDatasetPoint::convert(again.get());
+    if (same == nullptr ||
+        !same->getPointTable()->getDataTable().isEqual(points->getPointTable()->getDataTable()))
+        std::abort();
+    return 0;
+}
