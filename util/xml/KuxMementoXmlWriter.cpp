@@ -12,6 +12,7 @@ namespace
 constexpr int INDENT = 4;
 constexpr qint64 MAXIMUM_SIZE = std::numeric_limits<int>::max() - 64;
 constexpr int BLOCK = 32;
+constexpr qint64 SINK_SIZE = 1 << 20; // what is handed to a sink at once, about
 
 // Writes the block as ASCII and answers whether it was only characters that stand as they are. No
 // branch in the loop, so that it becomes vector code: a long text passes at memory speed.
@@ -28,8 +29,9 @@ bool copyPlainBlock(const ushort* in, char* out)
 }
 } // namespace
 
-KuxMementoXmlWriter::KuxMementoXmlWriter()
+KuxMementoXmlWriter::KuxMementoXmlWriter(Sink sink)
     : m_bytes(4096, Qt::Uninitialized)
+    , m_sink(std::move(sink))
 {
     static const char DECLARATION[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     append(DECLARATION, int(sizeof(DECLARATION)) - 1);
@@ -38,7 +40,7 @@ KuxMementoXmlWriter::KuxMementoXmlWriter()
 char* KuxMementoXmlWriter::reserve(qint64 size)
 {
     if (m_size + size > m_bytes.size()) {
-        if (m_size + size > MAXIMUM_SIZE) {
+        if (m_written + m_size + size > MAXIMUM_SIZE) {
             throw HbeError(QObject::tr("A memento of more than 2 GB cannot be written."));
         }
         m_bytes.resize(int(qMin(MAXIMUM_SIZE, 2 * (m_size + size))));
@@ -68,19 +70,26 @@ void KuxMementoXmlWriter::beginElement()
     }
     indent();
     append('<');
-    m_open.push_back({int(m_size), 0, false, false});
+    m_open.push_back({m_names.size(), false, false});
+}
+
+// The end of an element repeats its name, which may have left the buffer by then.
+void KuxMementoXmlWriter::keepName(qint64 from)
+{
+    m_names.append(m_bytes.constData() + from, int(m_size - from));
 }
 
 void KuxMementoXmlWriter::open(QLatin1String name)
 {
     beginElement();
     append(name.data(), name.size());
-    m_open.back().nameLength = name.size();
+    m_names.append(name.data(), name.size());
 }
 
 void KuxMementoXmlWriter::open(const QString& key)
 {
     beginElement();
+    const qint64 from = m_size;
     // Most keys are plain ASCII names: written as they are checked.
     const ushort* in = key.utf16();
     char* out = reserve(key.size());
@@ -95,14 +104,15 @@ void KuxMementoXmlWriter::open(const QString& key)
     } else {
         appendUtf8(KuxXmlText::encodeName(key));
     }
-    m_open.back().nameLength = int(m_size) - m_open.back().nameAt;
+    keepName(from);
 }
 
 void KuxMementoXmlWriter::openRelation(const QString& relation)
 {
     beginElement();
+    const qint64 from = m_size;
     appendUtf8(KuxXmlText::encodeRelation(relation));
-    m_open.back().nameLength = int(m_size) - m_open.back().nameAt;
+    keepName(from);
 }
 
 void KuxMementoXmlWriter::setType(const char* type)
@@ -120,10 +130,17 @@ void KuxMementoXmlWriter::beginText()
 
 void KuxMementoXmlWriter::ascii(const QByteArray& text)
 {
-    if (!text.isEmpty()) {
-        beginText();
-        append(text.constData(), text.size());
+    if (text.isEmpty()) {
+        return;
     }
+    beginText();
+    if (!m_sink || text.size() < SINK_SIZE) {
+        append(text.constData(), text.size());
+        return;
+    }
+    finish();
+    m_sink(text.constData(), text.size());
+    m_written += text.size();
 }
 
 void KuxMementoXmlWriter::text(const QString& text, const QString& key)
@@ -218,18 +235,27 @@ void KuxMementoXmlWriter::close()
 {
     const Element element = m_open.back();
     m_open.pop_back();
-    if (!element.hasText && !element.hasElements) {
+    if (element.hasText || element.hasElements) {
+        if (element.hasElements) {
+            indent();
+        }
+        append("</", 2);
+        append(m_names.constData() + element.nameAt, m_names.size() - element.nameAt);
+        append(">\n", 2);
+    } else {
         append("/>\n", 3);
-        return;
     }
-    if (element.hasElements) {
-        indent();
+    m_names.truncate(element.nameAt);
+    if (m_sink && m_size >= SINK_SIZE) {
+        finish();
     }
-    append("</", 2);
-    char* out = reserve(element.nameLength);
-    std::memcpy(out, m_bytes.constData() + element.nameAt, size_t(element.nameLength));
-    m_size += element.nameLength;
-    append(">\n", 2);
+}
+
+void KuxMementoXmlWriter::finish()
+{
+    m_sink(m_bytes.constData(), m_size);
+    m_written += m_size;
+    m_size = 0;
 }
 
 QByteArray KuxMementoXmlWriter::takeBytes()

@@ -25,6 +25,13 @@ void checkValid(const KuuMemento& memento)
     }
 }
 
+void writeDocument(KuxMementoXmlWriter& writer, const KuuMemento& memento)
+{
+    writer.open(memento.getId().getRelation());
+    writeBody(writer, memento);
+    writer.close();
+}
+
 // The root tag that the file has, and the memento when it is one.
 KuuMemento readBytes(const char* bytes, qint64 size, const QString& name)
 {
@@ -80,9 +87,7 @@ QByteArray KuxXmlMementoFile::mementoToBytes(const KuuMemento& memento)
 {
     checkValid(memento);
     KuxMementoXmlWriter writer;
-    writer.open(memento.getId().getRelation());
-    writeBody(writer, memento);
-    writer.close();
+    writeDocument(writer, memento);
     return writer.takeBytes();
 }
 
@@ -130,7 +135,21 @@ void KuxXmlMementoFile::save(const QDir& directory, const KuuMemento& memento)
 
 void KuxXmlMementoFile::save(const QString& path, const KuuMemento& memento)
 {
-    KuxXmlFile::write(path, mementoToBytes(memento));
+    checkValid(memento);
+    KusSafeFile file(path);
+    if (!file.open()) {
+        KuxXmlFile::failOpening(file, path);
+    }
+    KuxMementoXmlWriter writer([&](const char* bytes, qint64 size) {
+        if (!file.write(bytes, size)) {
+            KuxXmlFile::failWriting(file, path);
+        }
+    });
+    writeDocument(writer, memento);
+    writer.finish();
+    if (!file.commit()) {
+        KuxXmlFile::failWriting(file, path);
+    }
 }
 
 void KuxXmlMementoFile::save(const QDir& directory, const QList<KuuMemento>& mementos)
