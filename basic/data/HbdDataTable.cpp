@@ -24,11 +24,13 @@ HbdDataTable& HbdDataTable::operator=(HbdDataTable other) noexcept
     m_variables.swap(other.m_variables);
     m_index.swap(other.m_index);
     std::swap(m_sampleCount, other.m_sampleCount);
+    std::swap(m_room, other.m_room);
     return *this;
 }
 
 HbdAVariable* HbdDataTable::findVariable(const QString& fullName)
 {
+    m_room = 0;
     const int i = indexOf(fullName);
     return i < 0 ? nullptr : getVariableAt(i);
 }
@@ -53,6 +55,7 @@ HbdAVariable* HbdDataTable::addVariable(std::unique_ptr<HbdAVariable>&& variable
         return nullptr;
 
     m_sampleCount = variable->getCount();
+    m_room = 0;
     m_index.insert(name, getVariableCount());
     m_variables.push_back(std::move(variable));
     return m_variables.back().get();
@@ -92,8 +95,14 @@ bool HbdDataTable::renameVariable(int i, const QString& name)
 
 void HbdDataTable::reserveSamples(int count)
 {
+    if (count <= m_room)
+        return;
+    const qint64 grown = qint64(m_sampleCount) + m_sampleCount / 2;
+    const int room =
+        std::max(count, static_cast<int>(std::min<qint64>(grown, std::numeric_limits<int>::max())));
     for (const auto& variable : m_variables)
-        variable->reserve(count);
+        variable->reserve(room);
+    m_room = room;
 }
 
 void HbdDataTable::setSampleCount(int count)

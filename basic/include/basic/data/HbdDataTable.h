@@ -20,7 +20,11 @@ public:
     int getSampleCount() const { return m_sampleCount; }
     int getVariableCount() const { return static_cast<int>(m_variables.size()); }
 
-    HbdAVariable* getVariableAt(int i) { return m_variables[static_cast<std::size_t>(i)].get(); }
+    HbdAVariable* getVariableAt(int i)
+    {
+        m_room = 0;
+        return m_variables[static_cast<std::size_t>(i)].get();
+    }
     const HbdAVariable* getVariableAt(int i) const
     {
         return m_variables[static_cast<std::size_t>(i)].get();
@@ -69,4 +73,5 @@ private:
     std::vector<std::unique_ptr<HbdAVariable>> m_variables;
     QHash<QString, int> m_index;
     int m_sampleCount = 0;
+    int m_room = 0; // samples that all columns can hold as they are; 0 when somebody may edit one
 };
