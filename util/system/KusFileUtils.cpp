@@ -11,9 +11,11 @@
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QStorageInfo>
 #include <QtCore/QTemporaryFile>
 #include <QtCore/QThread>
+
+#include <filesystem>
+#include <system_error>
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
@@ -197,8 +199,10 @@ qint64 KusFileUtils::getDirectoryFreeSpace(const QFileInfo& info)
     QFileInfo nearest(toPlainAbsolute(info.absoluteFilePath()));
     while (!nearest.exists() && !nearest.isRoot())
         nearest.setFile(nearest.absolutePath());
-    const QStorageInfo storage(nearest.absoluteFilePath());
-    return storage.isValid() ? storage.bytesAvailable() : -1;
+    // Asked of the path, not of the list of mounts: inside of a container that names other places.
+    std::error_code error;
+    const auto space = std::filesystem::space(nearest.absoluteFilePath().toStdU16String(), error);
+    return error ? -1 : static_cast<qint64>(space.available);
 }
 
 bool KusFileUtils::isWritable(const QString& path)
