@@ -8,12 +8,16 @@
 
 #include <util/dataset/KudADataset.h>
 
+#include <basic/error/HbeUserError.h>
+
 #include <algorithm>
 
 namespace
 {
+/// The datasets asked for. Of all datasets, `damaged` counts those that could not be read; the
+/// others are shown all the same.
 std::vector<std::unique_ptr<KudADataset>> readDatasets(const KudDatasetDirectory& project,
-                                                       const QStringList& arguments)
+                                                       const QStringList& arguments, int& damaged)
 {
     ToolProgress progress(Tool::tr("Reading"));
     std::vector<std::unique_ptr<KudADataset>> datasets;
@@ -26,7 +30,12 @@ std::vector<std::unique_ptr<KudADataset>> readDatasets(const KudDatasetDirectory
     for (const KuuId& id : ids) {
         ToolInterrupt::check();
         progress.show(static_cast<qint64>(datasets.size()), ids.size());
-        datasets.push_back(project.read(id));
+        try {
+            datasets.push_back(project.read(id));
+        } catch (const HbeUserError& error) {
+            ToolOutput::printWarning(error.getMessage());
+            ++damaged;
+        }
     }
     std::sort(datasets.begin(), datasets.end(),
               [](const auto& a, const auto& b) { return a->getName() < b->getName(); });
@@ -37,7 +46,9 @@ int run(const QCommandLineParser& line)
 {
     const QStringList arguments = line.positionalArguments();
     const KudDatasetDirectory project(arguments.first());
-    const auto datasets = readDatasets(project, arguments);
+    int damaged = 0;
+    const auto datasets = readDatasets(project, arguments, damaged);
+    const int exitCode = damaged == 0 ? ExitDone : ExitWrongInput;
 
     if (line.isSet(QStringLiteral("json"))) {
         ToolJson json;
@@ -49,7 +60,7 @@ int run(const QCommandLineParser& line)
         json.endArray();
         json.endObject();
         ToolOutput::print(json.toByteArray());
-        return ExitDone;
+        return exitCode;
     }
     QStringList texts;
     for (const auto& dataset : datasets)
@@ -57,7 +68,7 @@ int run(const QCommandLineParser& line)
     ToolOutput::print(texts.isEmpty()
                           ? Tool::tr("The project '%1' holds no datasets.\n").arg(arguments.first())
                           : texts.join(QLatin1Char('\n')));
-    return ExitDone;
+    return exitCode;
 }
 } // namespace
 

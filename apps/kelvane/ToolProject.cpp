@@ -15,10 +15,7 @@ std::unique_ptr<KudADataset> ToolProject::readDataset(const KudDatasetDirectory&
     if (id.isValid())
         return project.read(id);
 
-    QStringList known;
-    const QList<KuuId> ids = project.getIds();
-    for (const KuuId& other : ids)
-        known.append(project.readName(other));
+    QStringList known = project.getNames();
     known.sort();
     throw HbeUserError(
         known.isEmpty() ? Tool::tr("The project '%1' holds no datasets.").arg(project.getPath())

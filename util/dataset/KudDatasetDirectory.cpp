@@ -108,12 +108,34 @@ QString KudDatasetDirectory::readName(const KuuId& id) const
     return name.isEmpty() ? read(id)->getName() : name;
 }
 
+QString KudDatasetDirectory::readNameOrWarn(const KuuId& id) const
+{
+    try {
+        return readName(id);
+    } catch (const HbeUserError& error) {
+        HbbDebug::printWarning(error.getMessage());
+        return QString();
+    }
+}
+
+QStringList KudDatasetDirectory::getNames() const
+{
+    QStringList names;
+    const QList<KuuId> ids = getIds();
+    for (const KuuId& id : ids) {
+        const QString name = readNameOrWarn(id);
+        if (!name.isEmpty())
+            names.append(name);
+    }
+    return names;
+}
+
 KuuId KudDatasetDirectory::findName(const QString& name) const
 {
     KuuId found;
     const QList<KuuId> ids = getIds();
     for (const KuuId& id : ids) {
-        if (readName(id) != name)
+        if (readNameOrWarn(id) != name)
             continue;
         if (found.isValid())
             throw HbeUserError(tr("'%1' holds more than one dataset of the name '%2'.")

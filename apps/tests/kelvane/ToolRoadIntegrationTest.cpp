@@ -267,6 +267,22 @@ TEST_F(ToolRoadTest, checkFaultsWhatIsDamagedAndNothingElse)
     }
 }
 
+TEST_F(ToolRoadTest, aDamagedFileDoesNotShutTheWayToTheOthers)
+{
+    write("a.csv", "x,y,v\n1,2,3\n4,5,6\n");
+    ASSERT_EQ(run({"import", "a.csv", "--project", "p"}).exitCode, 0);
+    write("p/dataset_00000000-0000-0000-0000-000000000001.xml", "no XML");
+
+    const ToolRun all = run({"info", "p", "--json"});
+    EXPECT_EQ(all.exitCode, 1);
+    EXPECT_TRUE(all.err.contains("dataset_00000000")) << all.err.toStdString();
+    EXPECT_EQ(all.json()["datasets"].toArray().size(), 1);
+    EXPECT_EQ(run({"info", "p", "a"}).exitCode, 0);
+    EXPECT_EQ(run({"export", "p", "a", "out.csv"}).exitCode, 0);
+    EXPECT_EQ(read("out.csv"), read("a.csv"));
+    EXPECT_EQ(run({"import", "a.csv", "--project", "p", "--name", "b"}).exitCode, 0);
+}
+
 TEST_F(ToolRoadTest, mapsAreDrawnWithoutADisplay)
 {
     QByteArray text = "x,y,grade,rock\n";

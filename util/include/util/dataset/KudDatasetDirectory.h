@@ -50,6 +50,10 @@ public:
     /// The name of a dataset, without reading its values.
     QString readName(const KuuId& id) const;
 
+    /// The names of all datasets. A damaged file is warned of and left out, here and in findName:
+    /// it must not shut the way to the others.
+    QStringList getNames() const;
+
     /// The dataset of that name, or an id that is not valid. A user error when there are several.
     KuuId findName(const QString& name) const;
 
@@ -66,6 +70,7 @@ public:
 
 private:
     void requireExists() const;
+    QString readNameOrWarn(const KuuId& id) const;
     void checkMemento(FileCheck& file) const;
 
     QDir m_directory;
