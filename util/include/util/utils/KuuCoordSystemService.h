@@ -3,6 +3,7 @@
 #include <util/KuExport.h>
 #include <util/extern/KueProj4Definition.h>
 #include <util/utils/KuCoordSystemMode.h>
+#include <util/utils/KuuCoordSystemConverter.h>
 
 #include <basic/unit/HbuUnit.h>
 
@@ -22,6 +23,8 @@ class KuuCoordSystem;
 class KELVANE_UTIL_EXPORT KuuCoordSystemService
 {
 public:
+    using Converter = KuuCoordSystemConverter;
+
     static KuuCoordSystemService& getInstance();
     /// Prepares the calling thread's PROJ context; false when PROJ finds no database of its own, so
     /// that no code can be known.
