@@ -1,4 +1,5 @@
 #include "HbgPointIndex.h"
+#include "HbgRankSorter.h"
 #include "HbgRingLocator.h"
 
 #include <basic/base/HbbGlobal.h>
@@ -22,11 +23,11 @@ class HbgPointIndex::Disk
 {
 public:
     Disk(const QPointF& place, double distance)
-        // Squares of distances that are very long do not fit into a double.
-        : m_scale(distance < LONG ? 1. : std::ldexp(1., -520))
+        // The square of a longer distance may not fit into a double.
+        : m_scale(distance <= LONG ? 1. : std::ldexp(1., -520))
         , m_x(place.x() * m_scale)
         , m_y(place.y() * m_scale)
-        , m_limit(distance * m_scale * distance * m_scale)
+        , m_limit((distance * m_scale) * (distance * m_scale))
     {
     }
 
@@ -122,7 +123,20 @@ HbgPointIndex::HbgPointIndex(const QVector<double>& x, const QVector<double>& y)
         m_leafCount *= 2;
     m_boxes.resize(2 * m_leafCount);
     m_lowestRanks.resize(2 * m_leafCount);
-    build({1, 0, m_leafCount});
+    build({1, 0, m_leafCount}, boxOf(m_entries.data(), m_entries.data() + m_entries.size()));
+}
+
+HbgPointIndex::Box HbgPointIndex::boxOf(const Entry* begin, const Entry* end)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    Box box{infinity, infinity, -infinity, -infinity};
+    for (const Entry* entry = begin; entry != end; ++entry) {
+        box.xMin = std::min(box.xMin, entry->x);
+        box.xMax = std::max(box.xMax, entry->x);
+        box.yMin = std::min(box.yMin, entry->y);
+        box.yMax = std::max(box.yMax, entry->y);
+    }
+    return box;
 }
 
 /// Like std::nth_element, but several times faster on many points, as no branch of it depends on
@@ -157,71 +171,80 @@ void HbgPointIndex::select(Entry* begin, Entry* middle, Entry* end)
                      [](const Entry& a, const Entry& b) { return a.*AXIS < b.*AXIS; });
 }
 
-void HbgPointIndex::build(const Node& node)
+void HbgPointIndex::build(const Node& node, const Box& bounds)
 {
     Entry* const begin = m_entries.data() + firstPoint(node.leaf);
     Entry* const end = m_entries.data() + firstPoint(node.leaf + node.leafCount);
-    const double infinity = std::numeric_limits<double>::infinity();
-    Box box{infinity, infinity, -infinity, -infinity};
-    int lowestRank = std::numeric_limits<int>::max();
-    for (const Entry* entry = begin; entry != end; ++entry) {
-        box.xMin = std::min(box.xMin, entry->x);
-        box.xMax = std::max(box.xMax, entry->x);
-        box.yMin = std::min(box.yMin, entry->y);
-        box.yMax = std::max(box.yMax, entry->y);
-        lowestRank = std::min(lowestRank, entry->rank);
-    }
-    m_boxes[node.at] = box;
-    m_lowestRanks[node.at] = lowestRank;
-    if (node.leafCount == 1)
+    if (node.leafCount == 1) {
+        m_boxes[node.at] = boxOf(begin, end);
+        std::sort(begin, end, [](const Entry& a, const Entry& b) { return a.rank < b.rank; });
+        m_lowestRanks[node.at] = begin == end ? std::numeric_limits<int>::max() : begin->rank;
         return;
-    Entry* const middle = m_entries.data() + firstPoint(node.leaf + node.leafCount / 2);
-    if (box.xMax - box.xMin > box.yMax - box.yMin)
+    }
+    Entry* const middle = m_entries.data() + firstPoint(node.upper().leaf);
+    Box lowerBounds = bounds;
+    Box upperBounds = bounds;
+    if (bounds.xMax - bounds.xMin > bounds.yMax - bounds.yMin) {
         select<&Entry::x>(begin, middle, end);
-    else
+        lowerBounds.xMax = upperBounds.xMin = middle->x;
+    } else {
         select<&Entry::y>(begin, middle, end);
-    build(node.lower());
-    build(node.upper());
+        lowerBounds.yMax = upperBounds.yMin = middle->y;
+    }
+    build(node.lower(), lowerBounds);
+    build(node.upper(), upperBounds);
+    const Box& a = m_boxes[node.lower().at];
+    const Box& b = m_boxes[node.upper().at];
+    m_boxes[node.at] = {std::min(a.xMin, b.xMin), std::min(a.yMin, b.yMin),
+                        std::max(a.xMax, b.xMax), std::max(a.yMax, b.yMax)};
+    m_lowestRanks[node.at] =
+        std::min(m_lowestRanks[node.lower().at], m_lowestRanks[node.upper().at]);
 }
 
-/// Empties the ranks into a set.
-static HbiIntervalIntSmallDisjoint setOf(std::vector<int>& ranks)
+template <class Region>
+HbiIntervalIntSmallDisjoint HbgPointIndex::collect(const Region& region) const
 {
-    std::sort(ranks.begin(), ranks.end());
+    std::vector<Part> parts;
+    parts.reserve(32);
+    findParts(region, {1, 0, m_leafCount}, parts);
+    size_t most = 0;
+    for (const Part& part : parts)
+        most += static_cast<size_t>(part.end - part.begin);
+    std::vector<int> ranks(most);
+    size_t count = 0;
+    for (const Part& part : parts) {
+        // Every rank is written, and kept by counting it: no branch depends on the points.
+        for (const Entry* entry = part.begin; entry != part.end; ++entry) {
+            ranks[count] = entry->rank;
+            count += part.isWhole || region.contains(entry->x, entry->y) ? 1 : 0;
+        }
+    }
+    ranks.resize(count);
+    HbgRankSorter::sort(ranks);
     HbiIntervalIntSmallDisjoint set;
     set.addSorted(ranks.data(), ranks.size());
     return set;
 }
 
 template <class Region>
-HbiIntervalIntSmallDisjoint HbgPointIndex::collect(const Region& region) const
-{
-    std::vector<int> ranks;
-    collect(region, {1, 0, m_leafCount}, ranks);
-    return setOf(ranks);
-}
-
-template <class Region>
-void HbgPointIndex::collect(const Region& region, const Node& node, std::vector<int>& ranks) const
+void HbgPointIndex::findParts(const Region& region, const Node& node,
+                              std::vector<Part>& parts) const
 {
     const Relation relation = region.relationTo(m_boxes[node.at]);
     if (relation == Relation::OUTSIDE)
         return;
     if (relation == Relation::ACROSS && node.leafCount > 1) {
-        collect(region, node.lower(), ranks);
-        collect(region, node.upper(), ranks);
+        findParts(region, node.lower(), parts);
+        findParts(region, node.upper(), parts);
         return;
     }
-    const Entry* entry = m_entries.data() + firstPoint(node.leaf);
+    const Entry* const begin = m_entries.data() + firstPoint(node.leaf);
     const Entry* const end = m_entries.data() + firstPoint(node.leaf + node.leafCount);
-    // Every rank is written, and kept by counting it.
-    size_t count = ranks.size();
-    ranks.resize(count + static_cast<size_t>(end - entry));
-    for (; entry != end; ++entry) {
-        ranks[count] = entry->rank;
-        count += relation == Relation::AROUND || region.contains(entry->x, entry->y) ? 1 : 0;
-    }
-    ranks.resize(count);
+    // The points are on their way from memory while the rest of the tree is looked at.
+    const size_t count = std::min(static_cast<size_t>(end - begin), LEAF_SIZE);
+    for (size_t i = 0; i < count; i += 4)
+        __builtin_prefetch(begin + i);
+    parts.push_back({begin, end, relation == Relation::AROUND});
 }
 
 int HbgPointIndex::findNearest(const QPointF& place, double tolerance) const
@@ -230,11 +253,11 @@ int HbgPointIndex::findNearest(const QPointF& place, double tolerance) const
         return -1;
     const int none = std::numeric_limits<int>::max();
     int nearest = none;
-    // Long distances are compared more coarsely: only where there is no short one.
-    Disk disk(place, std::min(tolerance, Disk::LONG / 2.));
+    // In the scale of long distances the short ones are nothing: those are compared first.
+    Disk disk(place, std::min(tolerance, Disk::LONG));
     findNearest({1, 0, m_leafCount}, disk, nearest);
-    if (nearest == none && tolerance >= Disk::LONG / 2.) {
-        disk = Disk(place, std::max(tolerance, Disk::LONG));
+    if (nearest == none && tolerance > Disk::LONG) {
+        disk = Disk(place, tolerance);
         findNearest({1, 0, m_leafCount}, disk, nearest);
     }
     return nearest == none ? -1 : nearest;

@@ -11,14 +11,16 @@
 /// The spatial index behind the picks of a point set, over the points whose X and Y are defined.
 /// Never changes once built; any thread.
 ///
-/// A balanced tree: each node halves its points across the longer side of their box, down to leaves
-/// of 32 points at most. Being cut by counts, not by places, it is no deeper and its leaves no
+/// A balanced tree: each node halves its points across the longer side of their bounds, down to
+/// leaves of 16 to 32 points. Being cut by counts, not by places, it is no deeper and its leaves no
 /// fuller for points in one heap, on a line, all equal or with one of them far away. Building costs
-/// O(n log n), a pick O(sqrt(n) + found) at worst. Takes about 23 bytes a point, and twice as much
+/// O(n log n), a pick O(sqrt(n) + found) at worst. It takes less than 29 bytes a point, and no more
 /// while it is built.
 ///
-/// Distances are compared as squares in double precision, by the same arithmetic for a point
-/// and for a box around it, so that no rounding leaves a point out.
+/// Distances are compared as squares in double precision, by the same arithmetic for a point and
+/// for a box around it, so that no rounding leaves a point out. Picks wait for memory more than for
+/// anything else, and after that for branches that cannot be foreseen: hence one array of points in
+/// the order of the leaves.
 class HbgPointIndex
 {
 public:
@@ -49,6 +51,12 @@ private:
         Node lower() const { return {2 * at, leaf, leafCount / 2}; }
         Node upper() const { return {2 * at + 1, leaf + leafCount / 2, leafCount / 2}; }
     };
+    /// Points that follow one another; all of them are in a region, or some may be.
+    struct Part {
+        const Entry* begin;
+        const Entry* end;
+        bool isWhole;
+    };
     class Disk;
     class Rectangle;
     class Ring;
@@ -57,11 +65,13 @@ private:
     size_t firstPoint(size_t leaf) const { return leaf * m_entries.size() / m_leafCount; }
     template <double Entry::*AXIS>
     static void select(Entry* begin, Entry* middle, Entry* end);
-    void build(const Node& node);
+    static Box boxOf(const Entry* begin, const Entry* end);
+    /// The bounds hold the points, not always closely; along their longer side the node is halved.
+    void build(const Node& node, const Box& bounds);
     template <class Region>
     HbiIntervalIntSmallDisjoint collect(const Region& region) const;
     template <class Region>
-    void collect(const Region& region, const Node& node, std::vector<int>& ranks) const;
+    void findParts(const Region& region, const Node& node, std::vector<Part>& parts) const;
     void findNearest(const Node& node, Disk& disk, int& nearest) const;
 
     std::vector<Entry> m_entries; // leaf after leaf
