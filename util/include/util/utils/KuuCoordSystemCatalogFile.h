@@ -19,7 +19,8 @@ struct KELVANE_UTIL_EXPORT KuuCoordSystemCatalogFile {
         UNKNOWN  ///< of a version that this library does not know
     };
 
-    /// One `cs` element. A name is never empty here, and at least one of the others is not.
+    /// One `cs` element. The name is never empty; a favourite may be a name alone, a system has a
+    /// code or a definition.
     struct System {
         QString name;
         QString epsg;
@@ -51,7 +52,8 @@ struct KELVANE_UTIL_EXPORT KuuCoordSystemCatalogFile {
     /// A file with the document element alone.
     static void writeEmpty(const QString& path);
 
-    /// One line that XML can hold: white space simplified, U+FFFD for what it cannot; "unnamed" for
-    /// an empty one.
+    /// One line that XML can hold: white space simplified, U+FFFD for what it cannot.
+    static QString toLine(const QString& text);
+    /// The same, and "unnamed" for an empty one.
     static QString toName(const QString& name);
 };
