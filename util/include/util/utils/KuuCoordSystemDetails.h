@@ -2,7 +2,7 @@
 
 #include <util/KuExport.h>
 #include <util/utils/KuCoordSystemKind.h>
-#include <util/utils/KuuCoordSystemArea.h>
+#include <util/utils/KuuCoordSystemExtent.h>
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -37,7 +37,7 @@ struct KELVANE_UTIL_EXPORT KuuCoordSystemDetails {
     double inverseFlattening = 0.; ///< 0 for a sphere
     QString primeMeridian;
     double primeMeridianLongitude = 0.; ///< degrees east of Greenwich
-    KuuCoordSystemArea area;
+    KuuCoordSystemExtent area;
     QString scope;
     QString proj4; ///< empty where PROJ.4 cannot express the system
     QString wkt2;  ///< ISO 19162:2019
