@@ -52,7 +52,7 @@ Search::Question readQuestion(const QCommandLineParser& line, const QStringList&
     }
     if (line.isSet(QStringLiteral("area"))) {
         const QString text = line.value(QStringLiteral("area"));
-        question.area = KuuCoordSystemExtent::fromText(text);
+        question.area = KuuCoordSystemArea::fromText(text);
         if (!question.area.isValid)
             throw ToolUsageError(Tool::tr("--area is 'lon,lat' or 'west,south,east,north' in "
                                           "degrees, not '%1'")

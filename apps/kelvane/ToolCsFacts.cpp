@@ -104,7 +104,7 @@ QString meridianText(const Details& details)
         .arg(details.primeMeridian, number(details.primeMeridianLongitude));
 }
 
-QString boxText(const KuuCoordSystemExtent& area)
+QString boxText(const KuuCoordSystemArea& area)
 {
     if (!area.isValid)
         return QString();
@@ -198,7 +198,7 @@ void ToolCsFacts::write(ToolJson& json, const KuuCoordSystem& system)
     json.endObject();
 }
 
-void ToolCsFacts::write(ToolJson& json, const KuuCoordSystemExtent& area)
+void ToolCsFacts::write(ToolJson& json, const KuuCoordSystemArea& area)
 {
     if (!area.isValid) {
         json.null();

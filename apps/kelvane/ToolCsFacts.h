@@ -3,7 +3,7 @@
 #include <QtCore/QString>
 
 class KuuCoordSystem;
-struct KuuCoordSystemExtent;
+struct KuuCoordSystemArea;
 class ToolJson;
 
 /// What the tool says of one coordinate system.
@@ -15,5 +15,5 @@ QString toText(const KuuCoordSystem& system);
 void write(ToolJson& json, const KuuCoordSystem& system);
 
 /// The object of an area of use; null for one that nobody stated.
-void write(ToolJson& json, const KuuCoordSystemExtent& area);
+void write(ToolJson& json, const KuuCoordSystemArea& area);
 } // namespace ToolCsFacts

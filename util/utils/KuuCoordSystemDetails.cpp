@@ -1,5 +1,6 @@
 #include <util/utils/KuuCoordSystemDetails.h>
 
+#include "KuuCoordSystemDomain.h"
 #include "KuuCoordSystemProj.h"
 #include "KuuCoordSystemProjKind.h"
 
@@ -7,6 +8,8 @@
 #include <util/utils/KuuCoordSystemService.h>
 
 #include <QtCore/QCoreApplication>
+
+#include <algorithm>
 
 using namespace KuuCoordSystemProj;
 
@@ -94,21 +97,6 @@ void setDatum(const PJ* horizontal, Details& details)
         details.primeMeridianLongitude = proj_todeg(longitude * toRadians);
 }
 
-void setArea(const PJ* crs, Details& details)
-{
-    double west = 0.;
-    double south = 0.;
-    double east = 0.;
-    double north = 0.;
-    const char* name = nullptr;
-    if (!proj_get_area_of_use(context(), crs, &west, &south, &east, &north, &name))
-        return;
-    constexpr double UNKNOWN = -1000.; // PROJ's mark
-    if (west != UNKNOWN)
-        details.area = KuuCoordSystemExtent::fromBox(west, south, east, north);
-    details.area.name = QString::fromUtf8(name);
-}
-
 QVector<Details::Other> toOthers(const PJ_OBJ_LIST* list, const PJ* equivalentTo = nullptr)
 {
     QVector<Details::Other> others;
@@ -145,7 +133,10 @@ KuuCoordSystemDetails KuuCoordSystemDetails::of(const KuuCoordSystem& system)
         return details;
     }
     if (!crs) {
+        // Without the name of PROJ's function: "proj_create: …".
         details.reason = listener.getReason();
+        if (details.reason.startsWith(QLatin1String("proj_")))
+            details.reason = details.reason.section(QStringLiteral(": "), 1);
         return details;
     }
     details.isKnown = true;
@@ -157,7 +148,7 @@ KuuCoordSystemDetails KuuCoordSystemDetails::of(const KuuCoordSystem& system)
     const char* const options[] = {"MULTILINE=YES", nullptr};
     details.wkt2 = QString::fromUtf8(proj_as_wkt(context(), crs.get(), PJ_WKT2_2019, options));
     addAxes(crs.get(), details.axes);
-    setArea(crs.get(), details);
+    details.area = readAreaOfUse(crs.get());
     if (details.isDeprecated)
         details.replacements =
             toOthers(ListPointer(proj_get_non_deprecated(context(), crs.get())).get());
@@ -178,5 +169,14 @@ KuuCoordSystemDetails::findEquivalents(const KuuCoordSystem& system)
         return {};
     const QLatin1String authority = system.hasIgnfCode() ? EPSG : IGNF;
     const ListPointer list(proj_identify(context(), crs.get(), authority.data(), nullptr, nullptr));
-    return toOthers(list.get(), crs.get());
+    QVector<Other> others = toOthers(list.get(), crs.get());
+    // PROJ does not look for all that it would find equivalent; this one is known.
+    if (system.hasIgnfCode() && system.hasEpsgCode()) {
+        const KuuCoordSystem own = KuuCoordSystem::createFromEpsg(system.getEpsgCode());
+        const auto isOwn = [&own](const Other& other) { return other.text == own.serialize(); };
+        others.erase(std::remove_if(others.begin(), others.end(), isOwn), others.end());
+        if (own.isValid())
+            others.prepend({own.serialize(), own.getName()});
+    }
+    return others;
 }

@@ -33,8 +33,8 @@ KuuCoordSystemSearch::Entry toEntry(const PROJ_CRS_INFO& info)
     entry.kind = toCoordSystemKind(info.type);
     entry.isDeprecated = info.deprecated != 0;
     if (info.bbox_valid)
-        entry.area = KuuCoordSystemExtent::fromBox(info.west_lon_degree, info.south_lat_degree,
-                                                   info.east_lon_degree, info.north_lat_degree);
+        entry.area = KuuCoordSystemArea::fromBox(info.west_lon_degree, info.south_lat_degree,
+                                                 info.east_lon_degree, info.north_lat_degree);
     entry.area.name = QString::fromUtf8(info.area_name);
     return entry;
 }

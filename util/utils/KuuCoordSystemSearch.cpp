@@ -142,7 +142,7 @@ auto sortKey(const Hit& hit, double areaSign)
 KuuCoordSystemSearch::Answer KuuCoordSystemSearch::find(const Question& question)
 {
     const Words words = readWords(question.text);
-    const KuuCoordSystemExtent& area = question.area;
+    const KuuCoordSystemArea& area = question.area;
     const auto& records = KuuCoordSystemIndex::getInstance().getRecords();
     std::vector<Hit> hits;
     for (const Record& record : records) {

@@ -3,7 +3,7 @@
 #include <util/KuExport.h>
 #include <util/utils/KuCoordSystemKind.h>
 #include <util/utils/KuCoordSystemMode.h>
-#include <util/utils/KuuCoordSystemExtent.h>
+#include <util/utils/KuuCoordSystemArea.h>
 
 #include <QtCore/QString>
 #include <QtCore/QVector>
@@ -24,7 +24,7 @@ public:
         QString name;
         Ku::CoordSystemMode mode = Ku::CoordSystemMode::PROJECTED;
         Ku::CoordSystemKind kind = Ku::CoordSystemKind::UNKNOWN;
-        KuuCoordSystemExtent area;
+        KuuCoordSystemArea area;
         bool isDeprecated = false;
 
         /// What KuuCoordSystem::unserialize reads.
@@ -36,7 +36,7 @@ public:
         /// to case, accents and punctuation. No words: everything.
         QString text;
         /// When it is valid: the area of use must contain all of it.
-        KuuCoordSystemExtent area;
+        KuuCoordSystemArea area;
         bool withGeographic = true;
         bool withProjected = true;
         bool withDeprecated = true;

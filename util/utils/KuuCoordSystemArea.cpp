@@ -1,4 +1,4 @@
-#include <util/utils/KuuCoordSystemExtent.h>
+#include <util/utils/KuuCoordSystemArea.h>
 
 #include <basic/base/HbbGlobal.h>
 
@@ -25,10 +25,9 @@ double modulo(double longitude)
 }
 } // namespace
 
-KuuCoordSystemExtent KuuCoordSystemExtent::fromBox(double west, double south, double east,
-                                                   double north)
+KuuCoordSystemArea KuuCoordSystemArea::fromBox(double west, double south, double east, double north)
 {
-    KuuCoordSystemExtent extent;
+    KuuCoordSystemArea extent;
     extent.west = west;
     extent.south = south;
     extent.east = east;
@@ -37,7 +36,7 @@ KuuCoordSystemExtent KuuCoordSystemExtent::fromBox(double west, double south, do
     return extent;
 }
 
-KuuCoordSystemExtent KuuCoordSystemExtent::fromText(const QString& text)
+KuuCoordSystemArea KuuCoordSystemArea::fromText(const QString& text)
 {
     QVector<double> numbers;
     for (const QString& word : text.split(QLatin1Char(',')))
@@ -55,20 +54,20 @@ KuuCoordSystemExtent KuuCoordSystemExtent::fromText(const QString& text)
     return fromBox(numbers.at(0), numbers.at(1), numbers.at(2), numbers.at(3));
 }
 
-double KuuCoordSystemExtent::getWidth() const
+double KuuCoordSystemArea::getWidth() const
 {
     const double width = modulo(east - west);
     return width == 0. && east != west ? TURN : width; // -180 to 180 is the world
 }
 
-double KuuCoordSystemExtent::getSize() const
+double KuuCoordSystemArea::getSize() const
 {
     if (!isValid)
         return 0.;
     return getWidth() / TURN * (std::sin(radians(north)) - std::sin(radians(south))) / 2.;
 }
 
-bool KuuCoordSystemExtent::contains(const KuuCoordSystemExtent& other) const
+bool KuuCoordSystemArea::contains(const KuuCoordSystemArea& other) const
 {
     if (!isValid || !other.isValid || other.south < south || other.north > north)
         return false;
