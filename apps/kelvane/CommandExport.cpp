@@ -93,8 +93,8 @@ void exportTo(const QString& path, const QCommandLineParser& line, const Setting
     } else {
         job.setDataset(Kuc::createPoints(dataset, variables));
     }
-    // Without --cs no coordinate systems: with one of longitudes and latitudes the coordinates would
-    // get other names and seven decimals, and what came in would not go out.
+    // Without --cs no coordinate systems: with one of longitudes and latitudes the coordinates
+    // would get other names and seven decimals, and what came in would not go out.
     if (settings.system.isValid()) {
         job.setCoordSystems(dataset.getCoordSystem(), settings.system);
         job.setNodeCoordinates(true);
@@ -157,7 +157,8 @@ ToolCommand createExportCommand()
         "when the export is whole; Ctrl-C, an error or a full disk leaves it as it was.\n"
         "Numbers are written with the digits that came in, or with --precision full as the "
         "shortest text that reads back as the same number.\n"
-        "With --cs the coordinates are converted into another coordinate system; what was done, and "
+        "With --cs the coordinates are converted into another coordinate system; what was done, "
+        "and "
         "how exactly, is said. Longitudes and latitudes are headed so and written in degrees with "
         "seven decimals, other coordinates in the unit of the system. A coordinate that cannot be "
         "converted is undefined. Of a grid, the coordinates of the nodes are written as columns.");

@@ -81,7 +81,8 @@ ToolCommand createInfoCommand()
     command.summary = Tool::tr("Shows the datasets of a project, or one of them.");
     command.details = Tool::tr(
         "For each dataset: its kind, the number of samples, the box of its coordinates, its "
-        "coordinate system, with --cs the box in another one. For each variable: type, role, unit, the unit it is shown in, how many values are defined and "
+        "coordinate system, with --cs the box in another one. For each variable: type, role, unit, "
+        "the unit it is shown in, how many values are defined and "
         "undefined, the minimum, the maximum and the mean, the categories.\n"
         "With --json the facts are one JSON document with numbers in full precision.");
     command.example = QStringLiteral("kelvane info survey\n"

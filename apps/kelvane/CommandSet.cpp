@@ -33,10 +33,10 @@ HbdVariableDetails requireNumbers(const KudADataset& dataset, const ToolUnits::C
 {
     const HbdVariableDetails details = dataset.getVariableDetails(choice.variable);
     if (!HbdVarTypeFlags::NUMERIC.contains(details.type)) {
-        throw HbeUserError(Tool::tr("The variable '%1' has no numbers, so no unit: it is of the "
-                                    "type %2.")
-                               .arg(choice.variable.getFullVariableName(),
-                                    details.type.getKey().toLower()));
+        throw HbeUserError(
+            Tool::tr("The variable '%1' has no numbers, so no unit: it is of the "
+                     "type %2.")
+                .arg(choice.variable.getFullVariableName(), details.type.getKey().toLower()));
     }
     return details;
 }
@@ -52,11 +52,9 @@ void apply(KudADataset& dataset, const KudDatasetVariable& variable,
 void setUnit(KudADataset& dataset, const ToolUnits::Choice& choice)
 {
     HbdVariableDetails details = requireNumbers(dataset, choice);
-    details.unit =
-        ToolUnits::isNone(choice) ? HbuUnit() : ToolUnits::findInAll(choice, details);
-    const bool stillConverts = HbuUnitService::getInstance()
-                                   .getConversion(details.unit, details.displayUnit)
-                                   .isValid();
+    details.unit = ToolUnits::isNone(choice) ? HbuUnit() : ToolUnits::findInAll(choice, details);
+    const bool stillConverts =
+        HbuUnitService::getInstance().getConversion(details.unit, details.displayUnit).isValid();
     if (!stillConverts)
         details.displayUnit = HbuUnit();
     apply(dataset, choice.variable, details);
@@ -94,9 +92,9 @@ void checkCoordinateUnits(const KudADataset& dataset)
                 ? Tool::tr("coordinates are lengths or angles")
                 : Tool::tr("the coordinates of '%1' are in %2")
                       .arg(system.getName(), ToolUnits::toText(system.getUnit()));
-        throw HbeUserError(Tool::tr("The unit %1 does not fit the coordinate '%2': %3.")
-                               .arg(ToolUnits::toText(unit), variable.getFullVariableName(),
-                                    inSystem));
+        throw HbeUserError(
+            Tool::tr("The unit %1 does not fit the coordinate '%2': %3.")
+                .arg(ToolUnits::toText(unit), variable.getFullVariableName(), inSystem));
     }
 }
 
@@ -155,8 +153,9 @@ ToolCommand createSetCommand()
         {CS, QStringLiteral("CS"),
          Tool::tr("The coordinate system: EPSG:code, IGNF:code, PROJ4:definition, local or none.")},
         {UNIT, list, Tool::tr("What values are in: VAR=UNIT,…; may be repeated.")},
-        {DISPLAY, list, Tool::tr("What values are shown and exported in: VAR=UNIT,…; may be "
-                                 "repeated.")},
+        {DISPLAY, list,
+         Tool::tr("What values are shown and exported in: VAR=UNIT,…; may be "
+                  "repeated.")},
         {QStringLiteral("json"), QString(), Tool::tr("The dataset as one JSON document.")},
     };
     command.minArguments = 2;

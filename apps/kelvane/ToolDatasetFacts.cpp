@@ -81,8 +81,8 @@ QString boxText(const HbgBox& box, const HbuUnit& unit, const HbuUnit& elevation
                        .arg(withUnit(rangeText(box.getXMin(), box.getXMax()), unit),
                             withUnit(rangeText(box.getYMin(), box.getYMax()), unit));
     if (box.is3D())
-        text += Tool::tr(", z %1")
-                    .arg(withUnit(rangeText(box.getZMin(), box.getZMax()), elevationUnit));
+        text += Tool::tr(", z %1").arg(
+            withUnit(rangeText(box.getZMin(), box.getZMax()), elevationUnit));
     return text;
 }
 
@@ -122,8 +122,7 @@ HbgBox computeExtent(const KudADataset& dataset, const KuuCoordSystem& other)
     try {
         return ToolExtent::compute(dataset, other);
     } catch (const HbeUserError& error) {
-        ToolOutput::printWarning(
-            Tool::tr("'%1': %2").arg(dataset.getName(), error.getMessage()));
+        ToolOutput::printWarning(Tool::tr("'%1': %2").arg(dataset.getName(), error.getMessage()));
         return HbgBox();
     }
 }
@@ -141,8 +140,8 @@ void writeExtent(ToolJson& json, const KudADataset& dataset, const KuuCoordSyste
 QString extentText(const KudADataset& dataset, const KuuCoordSystem& other)
 {
     const HbgBox box = computeExtent(dataset, other);
-    const QString text = box.isEmpty() ? Tool::tr("not known")
-                                       : boxText(box, other.getUnit(), HbuUnit());
+    const QString text =
+        box.isEmpty() ? Tool::tr("not known") : boxText(box, other.getUnit(), HbuUnit());
     return Tool::tr("\n  in %1 %2").arg(other.serialize().leftJustified(15), text);
 }
 
@@ -209,25 +208,29 @@ QString ToolDatasetFacts::toText(const KudADataset& dataset, const KuuCoordSyste
     QString text = Tool::tr("%1: %2, %3 samples")
                        .arg(dataset.getName(), dataset.getDatasetType().getLabel().toLower())
                        .arg(dataset.getObjectCount());
-    text += Tool::tr("\n  coordinates        %1").arg(boxText(dataset.getBoundingBox(), dataset.getCoordinateUnit(), dataset.getElevationUnit()));
+    text += Tool::tr("\n  coordinates        %1")
+                .arg(boxText(dataset.getBoundingBox(), dataset.getCoordinateUnit(),
+                             dataset.getElevationUnit()));
     text += Tool::tr("\n  coordinate system  %1").arg(coordSystemText(dataset.getCoordSystem()));
     if (other.isValid())
         text += extentText(dataset, other);
     text += QStringLiteral("\n\n");
 
-    ToolTable table({Tool::tr("variable"), Tool::tr("type"), Tool::tr("role"), Tool::tr("unit"), Tool::tr("shown in"),
-                     Tool::tr("defined"), Tool::tr("undefined"), Tool::tr("minimum"),
-                     Tool::tr("maximum"), Tool::tr("mean"), Tool::tr("categories")});
+    ToolTable table({Tool::tr("variable"), Tool::tr("type"), Tool::tr("role"), Tool::tr("unit"),
+                     Tool::tr("shown in"), Tool::tr("defined"), Tool::tr("undefined"),
+                     Tool::tr("minimum"), Tool::tr("maximum"), Tool::tr("mean"),
+                     Tool::tr("categories")});
     table.alignRight(5, 9);
     visitVariables(dataset, [&table](const KudDatasetVariable& variable,
                                      const HbdVariableDetails& details,
                                      const HbdColumnSummary& summary, const QStringList& labels) {
         const bool plain = details.role == HbdEVarRole::NONE;
         table.addRow({variable.getFullVariableName(), typeName(details),
-                      plain ? QString() : details.role.getLabel(), details.unit.getSymbol(), details.displayUnit.getSymbol(),
-                      QString::number(summary.defined), QString::number(summary.undefined),
-                      numberText(summary.minimum), numberText(summary.maximum),
-                      ToolOutput::toText(summary.mean), categoriesText(labels)});
+                      plain ? QString() : details.role.getLabel(), details.unit.getSymbol(),
+                      details.displayUnit.getSymbol(), QString::number(summary.defined),
+                      QString::number(summary.undefined), numberText(summary.minimum),
+                      numberText(summary.maximum), ToolOutput::toText(summary.mean),
+                      categoriesText(labels)});
     });
     return text + table.toText(2);
 }

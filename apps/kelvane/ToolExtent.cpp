@@ -58,10 +58,9 @@ HbgBox ToolExtent::compute(const KudADataset& dataset, const KuuCoordSystem& sys
     // The converter takes both in one unit.
     const HbuUnitTransfo toUnitOfX = HbuUnitService::getInstance().getConversion(
         y->getDetails().unit, dataset.getCoordinateUnit());
-    return convertAll(sampleCount, converter,
-                      [&](int first, int count, double* xs, double* ys) {
-                          x->readNumbers(first, count, xs);
-                          y->readNumbers(first, count, ys);
-                          toUnitOfX.apply(ys, count);
-                      });
+    return convertAll(sampleCount, converter, [&](int first, int count, double* xs, double* ys) {
+        x->readNumbers(first, count, xs);
+        y->readNumbers(first, count, ys);
+        toUnitOfX.apply(ys, count);
+    });
 }

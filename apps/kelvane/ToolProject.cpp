@@ -58,9 +58,8 @@ KuuCoordSystem ToolProject::requireCoordSystem(const KudDatasetDirectory& projec
         !code.isEmpty()
             ? Tool::tr("The coordinate system '%1' of the dataset '%2' is not known here.")
                   .arg(code, dataset.getName())
-        : system.isLocal() ? Tool::tr("The coordinates of the dataset '%1' are local ones.")
-                                 .arg(dataset.getName())
-                           : Tool::tr("The dataset '%1' has no coordinate system.")
-                                 .arg(dataset.getName());
+        : system.isLocal()
+            ? Tool::tr("The coordinates of the dataset '%1' are local ones.").arg(dataset.getName())
+            : Tool::tr("The dataset '%1' has no coordinate system.").arg(dataset.getName());
     throw HbeUserError(state + QLatin1Char('\n') + way);
 }

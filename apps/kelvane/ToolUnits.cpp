@@ -43,8 +43,7 @@ ToolUnits::Choice split(const QString& word, const QString& option, const KudADa
 {
     const int sign = word.lastIndexOf(QLatin1Char('='));
     if (sign < 1 || sign + 1 == word.size()) {
-        throw ToolUsageError(
-            Tool::tr("--%1 takes VAR=UNIT, not '%2'.").arg(option, word));
+        throw ToolUsageError(Tool::tr("--%1 takes VAR=UNIT, not '%2'.").arg(option, word));
     }
     QString name = word.left(sign).trimmed();
     if (name.size() > 1 && name.startsWith(QLatin1Char('"')) && name.endsWith(QLatin1Char('"')))

@@ -39,11 +39,13 @@ int getDecimals(const HbuUnit& length)
     return std::max(0, static_cast<int>(std::ceil(3 + std::log10(metres) - 1e-9)));
 }
 
-/// Decimals that somebody chose for the values are kept.
+/// Numbers that show fractions keep their digits; whole ones are whole no more.
 bool hasOwnDigits(const HbdVariableDetails& details)
 {
+    const bool isWhole = details.format == HbbEFormat::INTEGER ||
+                         (details.format == HbbEFormat::DECIMAL && details.precision <= 0);
     return details.type != HbdEVarType::INTEGER && details.format != HbbEFormat::GENERAL &&
-           details.format != HbbEFormat::INTEGER;
+           !isWhole;
 }
 
 const HbdAVariable* readPoints(const HgdDataSetPoints& points, int axis)

@@ -52,7 +52,8 @@ public:
     const double* findValues(const HbdAVariable& variable) const;
 
     /// How these values are shown: their unit is that of the output system, or for elevations the
-    /// shown one; numbers without decimals of their own are written to the millimetre.
+    /// shown one; whole
+    /// numbers, and those of a GENERAL format, are written to the millimetre.
     HbdVariableDetails describe(const HbdAVariable& variable) const;
 
     /// Makes the values for the samples of a block, as a part of the job.
