@@ -11,6 +11,7 @@ struct KuuCoordSystemTask {
     HbuUnitTransfo heightIn;
     HbuUnitTransfo planeOut; ///< from what PROJ gives
     HbuUnitTransfo heightOut;
+    double toTurn = 0.; ///< 360 degrees, where the results of a reprojection are longitudes
 };
 
 /// Converts some hundreds of points at a time, for one thread: PROJ is called for whole runs of

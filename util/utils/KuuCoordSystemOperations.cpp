@@ -76,13 +76,13 @@ QStringList missingGrids(const PJ* operation)
     return missing;
 }
 
-Operation describe(const PJ* operation, const KuuCoordSystemAreaOfUse& area)
+Operation describe(const PJ* operation, const KuuCoordSystemArea& area)
 {
     Operation facts;
     facts.name = QString::fromUtf8(proj_get_name(operation));
     facts.accuracy = accuracyOf(operation);
     facts.areaName = area.name;
-    if (area.isKnown) {
+    if (area.isValid) {
         const double turn = area.west > area.east ? 360. : 0.;
         facts.area =
             QRectF(area.west, area.south, area.east + turn - area.west, area.north - area.south);
@@ -138,13 +138,13 @@ public:
     bool hasVertical;
 
 private:
-    void describeSides(const KuuCoordSystemAreaProjector& from,
-                       const KuuCoordSystemAreaProjector& to);
-    void addUsable(const KuuCoordSystemAreaProjector& areas);
-    void addMissing(const KuuCoordSystemAreaProjector& areas);
+    void describeSides(const KuuCoordSystemDomainProjector& from,
+                       const KuuCoordSystemDomainProjector& to);
+    void addUsable(const KuuCoordSystemDomainProjector& areas);
+    void addMissing(const KuuCoordSystemDomainProjector& areas);
     void insert(Found operation);
     static bool isBetter(const Found& a, const Found& b);
-    static Found read(const PJ* operation, const KuuCoordSystemAreaProjector& areas);
+    static Found read(const PJ* operation, const KuuCoordSystemDomainProjector& areas);
 
     Listener m_listener;
     PjPointer m_from;
@@ -155,8 +155,8 @@ void KuuCoordSystemOperations::Search::run()
 {
     if (!m_from || !m_to)
         return;
-    const KuuCoordSystemAreaProjector fromAreas(m_from.get());
-    const KuuCoordSystemAreaProjector toAreas(m_to.get());
+    const KuuCoordSystemDomainProjector fromAreas(m_from.get());
+    const KuuCoordSystemDomainProjector toAreas(m_to.get());
     addUsable(fromAreas);
     if (found.empty())
         return;
@@ -164,8 +164,8 @@ void KuuCoordSystemOperations::Search::run()
     describeSides(fromAreas, toAreas);
 }
 
-void KuuCoordSystemOperations::Search::describeSides(const KuuCoordSystemAreaProjector& from,
-                                                     const KuuCoordSystemAreaProjector& to)
+void KuuCoordSystemOperations::Search::describeSides(const KuuCoordSystemDomainProjector& from,
+                                                     const KuuCoordSystemDomainProjector& to)
 {
     // The edges of a projected area are sampled, and bulge between the samples.
     constexpr double BULGE = 0.005;
@@ -174,11 +174,11 @@ void KuuCoordSystemOperations::Search::describeSides(const KuuCoordSystemAreaPro
         side.planeFactor = axisFactor(horizontal.get(), 0);
         side.isGeographic = proj_get_type(horizontal.get()) != PJ_TYPE_PROJECTED_CRS;
         side.heightFactor = hasVertical ? heightFactor(crs.get()) : 1.;
-        KuuCoordSystemAreaOfUse area = KuuCoordSystemAreaOfUse::read(crs.get());
-        return area.isKnown ? area : KuuCoordSystemAreaOfUse::read(horizontal.get());
+        KuuCoordSystemArea area = readAreaOfUse(crs.get());
+        return area.isValid ? area : readAreaOfUse(horizontal.get());
     };
-    const KuuCoordSystemAreaOfUse fromArea = describeSide(fromSide, m_from);
-    const KuuCoordSystemAreaOfUse toArea = describeSide(toSide, m_to);
+    const KuuCoordSystemArea fromArea = describeSide(fromSide, m_from);
+    const KuuCoordSystemArea toArea = describeSide(toSide, m_to);
     const double fromMargin = fromSide.isGeographic ? 0. : BULGE;
     const double toMargin = toSide.isGeographic ? 0. : BULGE;
     fromSide.ownArea = from.project(fromArea, fromMargin);
@@ -189,9 +189,9 @@ void KuuCoordSystemOperations::Search::describeSides(const KuuCoordSystemAreaPro
 
 KuuCoordSystemOperations::Search::Found
 KuuCoordSystemOperations::Search::read(const PJ* operation,
-                                       const KuuCoordSystemAreaProjector& areas)
+                                       const KuuCoordSystemDomainProjector& areas)
 {
-    const KuuCoordSystemAreaOfUse area = KuuCoordSystemAreaOfUse::read(operation);
+    const KuuCoordSystemArea area = readAreaOfUse(operation);
     Found result;
     result.facts = describe(operation, area);
     Candidate& candidate = result.candidate;
@@ -203,7 +203,7 @@ KuuCoordSystemOperations::Search::read(const PJ* operation,
     return result;
 }
 
-void KuuCoordSystemOperations::Search::addUsable(const KuuCoordSystemAreaProjector& areas)
+void KuuCoordSystemOperations::Search::addUsable(const KuuCoordSystemDomainProjector& areas)
 {
     const ListPointer list = findOperations(
         m_from.get(), m_to.get(), PROJ_GRID_AVAILABILITY_DISCARD_OPERATION_IF_MISSING_GRID);
@@ -253,7 +253,7 @@ void KuuCoordSystemOperations::Search::insert(Found operation)
 
 /// Those that would be used, were their files here: nothing at least as accurate stands in for them
 /// on all of their area.
-void KuuCoordSystemOperations::Search::addMissing(const KuuCoordSystemAreaProjector& areas)
+void KuuCoordSystemOperations::Search::addMissing(const KuuCoordSystemDomainProjector& areas)
 {
     const ListPointer list =
         findOperations(m_from.get(), m_to.get(), PROJ_GRID_AVAILABILITY_IGNORED);

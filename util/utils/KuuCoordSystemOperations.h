@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KuuCoordSystemAreas.h"
+#include "KuuCoordSystemDomain.h"
 
 #include <util/utils/KuuCoordSystemConverter.h>
 
@@ -17,9 +17,9 @@ class KuuCoordSystemOperations
 public:
     /// An operation whose files are there.
     struct Candidate {
-        QByteArray pipeline;     ///< as PROJ writes it
-        KuuCoordSystemArea area; ///< of use, in coordinates of the first system
-        double accuracy = 0.;    ///< in metres; D_FFFF: unknown
+        QByteArray pipeline;       ///< as PROJ writes it
+        KuuCoordSystemDomain area; ///< of use, in coordinates of the first system
+        double accuracy = 0.;      ///< in metres; D_FFFF: unknown
         bool isBallpark = false;
         bool needsGrids = false;
         bool isAtSea = false;
@@ -30,8 +30,8 @@ public:
         double planeFactor = 1.;  ///< of the units of its axes, in radians or metres
         double heightFactor = 1.; ///< in metres
         bool isGeographic = false;
-        KuuCoordSystemArea ownArea;   ///< where it is for, in coordinates of this side
-        KuuCoordSystemArea otherArea; ///< where the other system is for, likewise
+        KuuCoordSystemDomain ownArea;   ///< where it is for, in coordinates of this side
+        KuuCoordSystemDomain otherArea; ///< where the other system is for, likewise
     };
 
     /// From the cache, or found and put there. The texts are those of KuuCoordSystemProj.

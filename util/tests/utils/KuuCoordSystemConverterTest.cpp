@@ -25,7 +25,7 @@ TEST(KuuCoordSystemConverter, agreesWithPublishedCoordinates)
         {"EPSG:4258", {12., 55.}, "EPSG:25832", {691875.6321, 6098907.8250}, 1e-4},
         {"IGNF:LAMBE", {600000., 2600545.4523}, "IGNF:LAMB93", {652760.737, 7033791.243}, 1e-3},
         {"EPSG:4326", {3., 46.5}, "EPSG:2154", {700000., 6600000.}, 1e-6},
-        {"EPSG:4807", {0., 52.}, "EPSG:27572", {600000., 2200000.}, 1e-6}, // gons
+        {"EPSG:4807", {0., 46.8}, "EPSG:27572", {600000., 2200000.}, 1e-6}, // its axes are in gons
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(QString("%1 to %2").arg(row.from, row.to).toStdString());

@@ -2,7 +2,7 @@
 
 #include "KuuCoordSystemProj.h"
 
-#include <QtCore/QString>
+#include <util/utils/KuuCoordSystemArea.h>
 
 #include <limits>
 #include <vector>
@@ -30,7 +30,7 @@ struct KuuCoordSystemBox {
 
 /// Where an operation or a system is for, in the coordinates of a system that PROJ takes: east
 /// before north, in the units of its axes. Several boxes where it crosses the antimeridian.
-struct KuuCoordSystemArea {
+struct KuuCoordSystemDomain {
     std::vector<KuuCoordSystemBox> boxes = std::vector<KuuCoordSystemBox>(1);
     double period = 0.; ///< a full turn of the longitudes; 0 for projected coordinates
 
@@ -39,32 +39,23 @@ struct KuuCoordSystemArea {
     bool contains(double x, double y) const;
     /// One of the boxes holds all of it (as it stands, no turns).
     bool contains(const KuuCoordSystemBox& box) const;
-    bool contains(const KuuCoordSystemArea& other) const;
+    bool contains(const KuuCoordSystemDomain& other) const;
     /// Some point of the box may be in.
     bool intersects(const KuuCoordSystemBox& box) const;
 };
 
 /// What the authority says of an operation's or a system's area of use.
-struct KuuCoordSystemAreaOfUse {
-    bool isKnown = false;
-    double west = 0.; ///< all in degrees; greater than the east across the antimeridian
-    double south = 0.;
-    double east = 0.;
-    double north = 0.;
-    QString name;
-
-    static KuuCoordSystemAreaOfUse read(const PJ* object);
-};
+KuuCoordSystemArea readAreaOfUse(const PJ* object);
 
 /// Turns areas of use into areas in the coordinates of one system.
-class KuuCoordSystemAreaProjector
+class KuuCoordSystemDomainProjector
 {
 public:
-    explicit KuuCoordSystemAreaProjector(const PJ* crs);
+    explicit KuuCoordSystemDomainProjector(const PJ* crs);
 
     /// As PROJ does when it chooses among operations; everywhere for an unknown area and where
     /// nothing of it has an image. `margin` widens it by a part of its size.
-    KuuCoordSystemArea project(const KuuCoordSystemAreaOfUse& area, double margin = 0.) const;
+    KuuCoordSystemDomain project(const KuuCoordSystemArea& area, double margin = 0.) const;
 
 private:
     KuuCoordSystemBox projectBox(double west, double south, double east, double north) const;

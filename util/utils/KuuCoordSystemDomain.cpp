@@ -1,4 +1,4 @@
-#include "KuuCoordSystemAreas.h"
+#include "KuuCoordSystemDomain.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,12 +38,12 @@ PjPointer createFromGeographic(const PJ* crs)
 }
 } // namespace
 
-bool KuuCoordSystemArea::isEverywhere() const
+bool KuuCoordSystemDomain::isEverywhere() const
 {
     return contains(KuuCoordSystemBox());
 }
 
-bool KuuCoordSystemArea::contains(double x, double y) const
+bool KuuCoordSystemDomain::contains(double x, double y) const
 {
     for (const KuuCoordSystemBox& box : boxes) {
         if (box.contains(x, y) ||
@@ -53,19 +53,19 @@ bool KuuCoordSystemArea::contains(double x, double y) const
     return false;
 }
 
-bool KuuCoordSystemArea::contains(const KuuCoordSystemBox& box) const
+bool KuuCoordSystemDomain::contains(const KuuCoordSystemBox& box) const
 {
     return std::any_of(boxes.begin(), boxes.end(),
                        [&box](const KuuCoordSystemBox& own) { return own.contains(box); });
 }
 
-bool KuuCoordSystemArea::contains(const KuuCoordSystemArea& other) const
+bool KuuCoordSystemDomain::contains(const KuuCoordSystemDomain& other) const
 {
     return std::all_of(other.boxes.begin(), other.boxes.end(),
                        [this](const KuuCoordSystemBox& box) { return contains(box); });
 }
 
-bool KuuCoordSystemArea::intersects(const KuuCoordSystemBox& box) const
+bool KuuCoordSystemDomain::intersects(const KuuCoordSystemBox& box) const
 {
     for (const KuuCoordSystemBox& own : boxes) {
         for (const double shift : {0., period, -period}) {
@@ -79,20 +79,19 @@ bool KuuCoordSystemArea::intersects(const KuuCoordSystemBox& box) const
     return false;
 }
 
-KuuCoordSystemAreaOfUse KuuCoordSystemAreaOfUse::read(const PJ* object)
+KuuCoordSystemArea readAreaOfUse(const PJ* object)
 {
-    KuuCoordSystemAreaOfUse area;
+    KuuCoordSystemArea area;
     const char* name = nullptr;
-    area.isKnown = object &&
+    area.isValid = object &&
                    proj_get_area_of_use(context(), object, &area.west, &area.south, &area.east,
                                         &area.north, &name) != 0 &&
                    area.west >= -180. && area.north <= 90.; // -1000: not known
-    if (name)
-        area.name = QString::fromUtf8(name);
+    area.name = QString::fromUtf8(name);
     return area;
 }
 
-KuuCoordSystemAreaProjector::KuuCoordSystemAreaProjector(const PJ* crs)
+KuuCoordSystemDomainProjector::KuuCoordSystemDomainProjector(const PJ* crs)
 {
     PjPointer horizontal = horizontalPart(PjPointer(proj_clone(context(), crs)));
     if (!horizontal)
@@ -104,8 +103,8 @@ KuuCoordSystemAreaProjector::KuuCoordSystemAreaProjector(const PJ* crs)
     m_fromGeographic = createFromGeographic(horizontal.get());
 }
 
-KuuCoordSystemBox KuuCoordSystemAreaProjector::projectBox(double west, double south, double east,
-                                                          double north) const
+KuuCoordSystemBox KuuCoordSystemDomainProjector::projectBox(double west, double south, double east,
+                                                            double north) const
 {
     constexpr int STEPS = 20;
     double x[4 * (STEPS + 1)];
@@ -136,14 +135,14 @@ KuuCoordSystemBox KuuCoordSystemAreaProjector::projectBox(double west, double so
     return box;
 }
 
-KuuCoordSystemArea KuuCoordSystemAreaProjector::project(const KuuCoordSystemAreaOfUse& area,
-                                                        double margin) const
+KuuCoordSystemDomain KuuCoordSystemDomainProjector::project(const KuuCoordSystemArea& area,
+                                                            double margin) const
 {
-    KuuCoordSystemArea result;
+    KuuCoordSystemDomain result;
     result.period = m_period;
     const bool isWorld =
         area.west <= -180. && area.east >= 180. && area.south <= -90. && area.north >= 90.;
-    if (!area.isKnown || isWorld || !m_fromGeographic)
+    if (!area.isValid || isWorld || !m_fromGeographic)
         return result;
     std::vector<KuuCoordSystemBox> boxes;
     if (area.west <= area.east) {
