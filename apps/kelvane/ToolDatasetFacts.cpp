@@ -116,9 +116,12 @@ QString coordSystemText(const KuuCoordSystem& system)
     return text;
 }
 
-/// The extent in another system; empty, with a warning, where it cannot be told.
+/// The extent in another system; empty where it cannot be told, with a warning where a system is
+/// the reason.
 HbgBox computeExtent(const KudADataset& dataset, const KuuCoordSystem& other)
 {
+    if (!dataset.getCoordSystem().isValid())
+        return HbgBox();
     try {
         return ToolExtent::compute(dataset, other);
     } catch (const HbeUserError& error) {

@@ -31,11 +31,9 @@ QStringList keysOf(const HbuEUnitClass& unitClass)
 
 [[noreturn]] void throwUnknown(const QString& text, const HbuEUnitClass& unitClass)
 {
-    const QStringList keys = keysOf(unitClass);
-    throw HbeUserError(Tool::tr("There is no unit '%1' of the class %2%3\nThere are: %4")
+    throw HbeUserError(Tool::tr("There is no unit '%1' of the class %2.\nThere are: %3")
                            .arg(text, unitClass.getLabel().toLower(),
-                                ToolCommandLine::getHint(text, keys),
-                                keys.join(QStringLiteral(", "))));
+                                keysOf(unitClass).join(QStringLiteral(", "))));
 }
 
 /// The name and the unit of one VAR=UNIT; the last sign counts, as no unit has one.
@@ -88,12 +86,11 @@ HbuUnit ToolUnits::findInClass(const Choice& choice, const HbdVariableDetails& d
     const HbuUnit unit = find(unitClass, choice.unit);
     if (unit.isValid())
         return unit;
-    throw HbeUserError(Tool::tr("The variable '%1' is in '%2', and '%3' is no unit of the class "
-                                "%4%5\nThere are: %6")
-                           .arg(choice.variable.getFullVariableName(), details.unit.getSymbol(),
-                                choice.unit, unitClass.getLabel().toLower(),
-                                ToolCommandLine::getHint(choice.unit, keysOf(unitClass)),
-                                keysOf(unitClass).join(QStringLiteral(", "))));
+    throw HbeUserError(
+        Tool::tr(
+            "The variable '%1' is in '%2', and '%3' is no unit of the class %4.\nThere are: %5")
+            .arg(choice.variable.getFullVariableName(), details.unit.getSymbol(), choice.unit,
+                 unitClass.getLabel().toLower(), keysOf(unitClass).join(QStringLiteral(", "))));
 }
 
 HbuUnit ToolUnits::findInAll(const Choice& choice, const HbdVariableDetails& details)
