@@ -155,6 +155,10 @@ KuuCoordSystemConverter::Counts& KuuCoordSystemConverter::Counts::operator+=(con
     outside += other.outside;
     ballpark += other.ballpark;
     worstAccuracy = std::max(worstAccuracy, other.worstAccuracy); // D_FFFF is the greatest
+    if (byOperation.size() < other.byOperation.size())
+        byOperation.resize(other.byOperation.size());
+    for (int i = 0; i < other.byOperation.size(); ++i)
+        byOperation[i] += other.byOperation[i];
     return *this;
 }
 

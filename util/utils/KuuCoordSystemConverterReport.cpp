@@ -3,11 +3,12 @@
 #include <basic/base/HbbGlobal.h>
 #include <basic/base/HbbStringFormat.h>
 
+using Counts = KuuCoordSystemConverter::Counts;
 using Operation = KuuCoordSystemConverter::Operation;
 
 namespace
 {
-constexpr int MAX_LINES = 8; // of one kind
+constexpr int MAX_LINES = 5; // of one kind
 constexpr int MAX_NAME = 100;
 
 QString toText(double value)
@@ -56,37 +57,55 @@ void appendSome(QStringList& lines, const QStringList& more)
 {
     lines += more.mid(0, MAX_LINES);
     if (more.size() > MAX_LINES)
-        lines += KuuCoordSystemConverter::tr("(%1 more)").arg(more.size() - MAX_LINES);
+        lines += KuuCoordSystemConverter::tr("(and %1 more)").arg(more.size() - MAX_LINES);
 }
 
-QStringList describeOperations(const QVector<Operation>& operations)
+QString describeUse(const Operation& operation)
+{
+    return KuuCoordSystemConverter::tr("Operation: %1 (%2)\nArea of use: %3")
+        .arg(shortened(operation.name), describeAccuracy(operation.accuracy),
+             describeArea(operation));
+}
+
+QString warnOfFiles(const Operation& operation)
+{
+    return KuuCoordSystemConverter::tr("Warning: \"%1\" (%2) would be preferred in its area of "
+                                       "use, %3, but it lacks the file %4.")
+        .arg(shortened(operation.name), describeAccuracy(operation.accuracy),
+             describeArea(operation), operation.grids.join(QStringLiteral(", ")));
+}
+
+QString warnOfBallpark(const Operation& operation)
+{
+    return KuuCoordSystemConverter::tr("Warning: \"%1\" leaves a change of datum out: where it is "
+                                       "used, results may be wrong by tens or hundreds of metres.")
+        .arg(shortened(operation.name));
+}
+
+/// Only those that were used where `points` is not empty.
+QStringList describeOperations(const QVector<Operation>& operations, const QVector<qint64>& points)
 {
     QStringList usable;
     QStringList lacking;
     QStringList ballpark;
-    for (const Operation& operation : operations) {
-        const QString name = shortened(operation.name);
-        const QString accuracy = describeAccuracy(operation.accuracy);
+    for (int i = 0; i < operations.size(); ++i) {
+        const Operation& operation = operations.at(i);
         if (!operation.grids.isEmpty()) {
-            lacking += KuuCoordSystemConverter::tr("Warning: \"%1\" (%2) would be preferred in "
-                                                   "its area of use, %3, but a file is missing: %4")
-                           .arg(name, accuracy, describeArea(operation),
-                                operation.grids.join(QStringLiteral(", ")));
+            lacking += warnOfFiles(operation);
             continue;
         }
-        usable += KuuCoordSystemConverter::tr("Operation: %1 (%2)\nArea of use: %3")
-                      .arg(name, accuracy, describeArea(operation));
-        if (operation.isBallpark) {
-            ballpark += KuuCoordSystemConverter::tr(
-                            "Warning: \"%1\" leaves the change of datum out: where it is used, "
-                            "results may be wrong by tens or hundreds of metres.")
-                            .arg(name);
-        }
+        if (points.value(i, points.isEmpty() ? 1 : 0) == 0)
+            continue;
+        usable += describeUse(operation);
+        if (!points.isEmpty() && points.at(i) != 0)
+            usable.last() += KuuCoordSystemConverter::tr("\nPoints: %1").arg(points.at(i));
+        if (operation.isBallpark)
+            ballpark += warnOfBallpark(operation);
     }
     QStringList lines;
-    if (usable.size() > 1) {
-        lines += KuuCoordSystemConverter::tr("%1 operations; each point takes the first one whose "
-                                             "area of use holds it.")
+    if (usable.size() > 1 && points.isEmpty()) {
+        lines += KuuCoordSystemConverter::tr("%1 operations; each point takes the most accurate "
+                                             "one whose area of use holds it.")
                      .arg(usable.size());
     }
     appendSome(lines, usable);
@@ -94,38 +113,47 @@ QStringList describeOperations(const QVector<Operation>& operations)
     appendSome(lines, lacking);
     return lines;
 }
+
+QString describePoints(const Counts& counts, bool isReprojection)
+{
+    using C = KuuCoordSystemConverter;
+    QStringList lines{C::tr("Converted: %1").arg(counts.converted)};
+    if (isReprojection && counts.converted > 0)
+        lines.last() += QStringLiteral(" (%1)").arg(describeAccuracy(counts.worstAccuracy));
+    if (counts.undefined > 0)
+        lines += C::tr("Undefined before: %1").arg(counts.undefined);
+    if (counts.failed > 0)
+        lines += C::tr("Warning: not convertible, undefined now: %1").arg(counts.failed);
+    if (counts.outside > 0) {
+        lines += C::tr("Warning: outside of the area of use of one of the systems: %1")
+                     .arg(counts.outside);
+    }
+    if (counts.ballpark > 0)
+        lines += C::tr("Warning: converted without a change of datum: %1").arg(counts.ballpark);
+    return lines.join(QLatin1Char('\n'));
+}
 } // namespace
 
-QString KuuCoordSystemConverter::getReport() const
+QString KuuCoordSystemConverter::describeWork(const QVector<qint64>& points) const
 {
-    QStringList lines{tr("From %1").arg(describe(d->from, d->fromUnit)),
-                      tr("To %1").arg(describe(d->to, d->toUnit))};
+    QStringList lines{tr("From: %1").arg(describe(d->from, d->fromUnit)),
+                      tr("To: %1").arg(describe(d->to, d->toUnit))};
     if (isIdentity())
         lines += tr("Nothing changes.");
     else if (!isReprojection())
         lines += tr("Only units change.");
     else
-        lines += describeOperations(getOperations());
+        lines += describeOperations(getOperations(), points);
     return lines.join(QLatin1Char('\n'));
+}
+
+QString KuuCoordSystemConverter::getReport() const
+{
+    return describeWork({});
 }
 
 QString KuuCoordSystemConverter::getReport(const Counts& counts) const
 {
-    QStringList lines{getReport(), tr("%1 points converted").arg(counts.converted)};
-    if (isReprojection() && counts.converted > 0)
-        lines.last() += QStringLiteral(", ") + describeAccuracy(counts.worstAccuracy);
-    if (counts.failed > 0)
-        lines += tr("Warning: %1 points could not be converted.").arg(counts.failed);
-    if (counts.undefined > 0)
-        lines += tr("%1 points were undefined.").arg(counts.undefined);
-    if (counts.outside > 0) {
-        lines += tr("Warning: %1 of the converted points are outside of the area of use of one of "
-                    "the systems.")
-                     .arg(counts.outside);
-    }
-    if (counts.ballpark > 0) {
-        lines += tr("Warning: %1 points were converted without the change of datum.")
-                     .arg(counts.ballpark);
-    }
-    return lines.join(QLatin1Char('\n'));
+    return describeWork(counts.byOperation) + QLatin1Char('\n') +
+           describePoints(counts, isReprojection());
 }
