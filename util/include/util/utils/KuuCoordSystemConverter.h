@@ -5,6 +5,7 @@
 
 #include <basic/geometry/HbgBox.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QPointF>
 #include <QtCore/QRectF>
 #include <QtCore/QStringList>
@@ -33,6 +34,8 @@ class HbgGeomPolygon;
 /// cannot convert becomes undefined in all its coordinates and is counted, never an infinity.
 class KELVANE_UTIL_EXPORT KuuCoordSystemConverter
 {
+    Q_DECLARE_TR_FUNCTIONS(KuuCoordSystemConverter)
+
 public:
     /// One of the operations that PROJ knows between the two systems.
     struct Operation {
