@@ -44,7 +44,7 @@ void pick(const KuuGeometrySet& parishes, const KuuGeometrySet& roads)
     const QPointF house(1.86, 47.815);
     std::printf("the house is in parish %d\n", parishes.pointToRank(house, 0.0));
     std::printf("the road to it is %d\n", roads.pointToRank(house, 0.01));
-    print("parishes around the lake:", parishes.pointToRanks({1.85, 47.84}, 0.0));
+    print("parishes in the lake:", parishes.pointToRanks({1.85, 47.84}, 0.0));
     print("parishes in the rectangle:", parishes.rectangleToRanks({1.88, 47.85, 0.05, 0.02}));
     print("roads in the lasso:", roads.polygonToRanks({{1.7, 47.7}, {1.9, 47.7}, {1.8, 47.9}}));
 }

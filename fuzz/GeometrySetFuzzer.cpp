@@ -13,7 +13,7 @@
 
 namespace
 {
-constexpr std::size_t MAX_INPUT = 1 << 14;
+constexpr std::size_t LARGEST_INPUT = 1 << 14;
 constexpr qint64 MAX_CELLS = 100000; ///< of a set that is looked into: they cost no input
 
 template <class T>
@@ -85,7 +85,7 @@ void checkPicks(const KuuGeometrySet& set, const HbgBox& box)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size > MAX_INPUT)
+    if (size > LARGEST_INPUT)
         return 0;
     const QVariantMap map = readMap(QByteArray(reinterpret_cast<const char*>(data), int(size)));
     bool ok = false;

@@ -4,6 +4,7 @@
 
 #include <QtCore/QVariantMap>
 
+#include <limits>
 #include <vector>
 
 class HbgGeomGrid;
@@ -72,9 +73,12 @@ struct Counts {
     quint64 sum = 0;
 };
 
-/// Counts of at most 2^31 - 1 elements, none of them negative.
-Counts readCounts(const QVariantMap& map, const QString& key);
+/// As many counts as elsewhere is said, none of them negative.
 Counts readCounts(const QVariantMap& map, const QString& key, quint64 length);
+
+/// The number of elements of a set; it makes an array that got lost a fault, and no empty set.
+void writeCount(QVariantMap& map, qint64 count);
+quint64 readCount(const QVariantMap& map, qint64 most = std::numeric_limits<int>::max());
 
 void encode(const HbgGeomPointSet& points, QVariantMap& map);
 void encode(const HbgGeomPolylineSet& polylines, QVariantMap& map);

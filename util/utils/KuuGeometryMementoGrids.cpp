@@ -113,6 +113,7 @@ void KuuGeometryMemento::encode(const HbgSparseGrid& grid, QVariantMap& map)
             next = interval.getMax() + 1;
         }
     }
+    writeCount(map, grid.isValid() ? grid.getCellCount() : 0);
     writeArray(map, CELLS, runs);
 }
 
@@ -120,10 +121,11 @@ void KuuGeometryMemento::decode(const QVariantMap& map, HbgSparseGrid& grid)
 {
     HbgGeomGrid whole(grid.getDimension());
     decode(map, whole);
-    const PackedArray<qint64> array(map, CELLS);
-    require(array.getLength() % 2 == 0);
-
     const qint64 nodeCount = std::max<qint64>(whole.getNodeCount(), 0); // undefined is negative
+    const quint64 count = readCount(map, nodeCount);
+    const PackedArray<qint64> array(map, CELLS);
+    require(array.getLength() % 2 == 0 && array.getLength() / 2 <= count);
+
     HbiIntervalIntSmallO64Disjoint nodes;
     qint64 next = 0;
     const std::vector<qint64> runs = array.unpack();
@@ -136,5 +138,6 @@ void KuuGeometryMemento::decode(const QVariantMap& map, HbgSparseGrid& grid)
         nodes.add(HbiIntervalIntSmallO64(next, next + length - 1));
         next += length;
     }
+    require(quint64(nodes.getCount()) == count);
     grid = HbgSparseGrid(whole, nodes);
 }

@@ -20,6 +20,7 @@ using KuuGeometryMemento::require;
 
 namespace
 {
+const QString COUNT = QStringLiteral("count");
 const QString COORDINATES = QStringLiteral("coordinates");
 const QString POINTS = QStringLiteral("points");
 const QString CLOSED = QStringLiteral("closed");
@@ -32,8 +33,6 @@ const QString CORNERS = QStringLiteral("corners");
 const QString X = QStringLiteral("x");
 const QString Y = QStringLiteral("y");
 const QString Z = QStringLiteral("z");
-
-constexpr quint64 MAX_COUNT = std::numeric_limits<int>::max();
 
 /// The coordinates of all vertices: X of all, then Y of all, then Z of all if there are elevations.
 class Vertices
@@ -113,10 +112,9 @@ void decodeTexts(const QVariantMap& map, HbgGeomPointSet& points)
 }
 } // namespace
 
-static Counts countsOf(const PackedArray<qint32>& array)
+Counts KuuGeometryMemento::readCounts(const QVariantMap& map, const QString& key, quint64 length)
 {
-    require(array.getLength() <= MAX_COUNT);
-    Counts result{array.unpack(), 0};
+    Counts result{readArray<qint32>(map, key, length), 0};
     for (const qint32 count : result.counts) {
         require(count >= 0);
         result.sum += quint64(count);
@@ -124,16 +122,17 @@ static Counts countsOf(const PackedArray<qint32>& array)
     return result;
 }
 
-Counts KuuGeometryMemento::readCounts(const QVariantMap& map, const QString& key)
+void KuuGeometryMemento::writeCount(QVariantMap& map, qint64 count)
 {
-    return countsOf(PackedArray<qint32>(map, key));
+    map[COUNT] = QString::number(count);
 }
 
-Counts KuuGeometryMemento::readCounts(const QVariantMap& map, const QString& key, quint64 length)
+quint64 KuuGeometryMemento::readCount(const QVariantMap& map, qint64 most)
 {
-    const PackedArray<qint32> array(map, key);
-    require(array.getLength() == length);
-    return countsOf(array);
+    bool isNumber = false;
+    const qint64 count = map.value(COUNT).toString().toLongLong(&isNumber);
+    require(isNumber && count >= 0 && count <= most);
+    return quint64(count);
 }
 
 void KuuGeometryMemento::encode(const HbgGeomPointSet& points, QVariantMap& map)
@@ -144,6 +143,7 @@ void KuuGeometryMemento::encode(const HbgGeomPointSet& points, QVariantMap& map)
     std::copy_n(points.getY().constData(), count, vertices.axis(1));
     if (!points.getZ().isEmpty())
         std::copy_n(points.getZ().constData(), count, vertices.axis(2));
+    writeCount(map, points.getCount());
     vertices.write(map);
 }
 
@@ -154,10 +154,8 @@ void KuuGeometryMemento::decode(const QVariantMap& map, HbgGeomPointSet& points)
         return;
     }
     const int axisCount = points.getDimension().getValue();
-    const PackedArray<double> coordinates(map, COORDINATES);
-    const quint64 count = coordinates.getLength() / quint64(axisCount);
-    require(count <= MAX_COUNT);
-    Vertices vertices(coordinates, count, axisCount);
+    const quint64 count = readCount(map);
+    Vertices vertices({map, COORDINATES}, count, axisCount);
     points.setCoordinates(column(vertices.axis(0), count), column(vertices.axis(1), count),
                           axisCount == 3 ? column(vertices.axis(2), count) : QVector<double>());
 }
@@ -177,6 +175,7 @@ void KuuGeometryMemento::encode(const HbgGeomPolylineSet& polylines, QVariantMap
         for (const HbgVector3D& point : polyline.getPoints())
             vertices.put(point);
     }
+    writeCount(map, polylines.getCount());
     writeArray(map, POINTS, counts);
     writeArray(map, CLOSED, closed);
     vertices.write(map);
@@ -185,7 +184,7 @@ void KuuGeometryMemento::encode(const HbgGeomPolylineSet& polylines, QVariantMap
 void KuuGeometryMemento::decode(const QVariantMap& map, HbgGeomPolylineSet& polylines)
 {
     const HbgEDimension dimension = polylines.getDimension();
-    const Counts points = readCounts(map, POINTS);
+    const Counts points = readCounts(map, POINTS, readCount(map));
     const auto closed = readArray<quint8>(map, CLOSED, points.counts.size());
     require(std::all_of(closed.begin(), closed.end(), [](quint8 flag) { return flag <= 1; }));
     Vertices vertices({map, COORDINATES}, points.sum, dimension.getValue());
@@ -224,6 +223,7 @@ void KuuGeometryMemento::encode(const HbgGeomPolygonSet& polygons, QVariantMap& 
                 putRing(polygon.getHole(contour, hole));
         }
     }
+    writeCount(map, polygons.getCount());
     writeArray(map, CONTOURS, contours);
     writeArray(map, HOLES, holes);
     writeArray(map, CORNERS, corners);
@@ -232,7 +232,7 @@ void KuuGeometryMemento::encode(const HbgGeomPolygonSet& polygons, QVariantMap& 
 
 void KuuGeometryMemento::decode(const QVariantMap& map, HbgGeomPolygonSet& polygons)
 {
-    const Counts contours = readCounts(map, CONTOURS);
+    const Counts contours = readCounts(map, CONTOURS, readCount(map));
     const Counts holes = readCounts(map, HOLES, contours.sum);
     const Counts corners = readCounts(map, CORNERS, contours.sum + holes.sum);
     Vertices vertices({map, COORDINATES}, corners.sum, 2);
@@ -266,6 +266,7 @@ void KuuGeometryMemento::encode(const HbgMeshSet& meshes, QVariantMap& map)
         for (const HbgVector3D& vertex : mesh.getVertices())
             vertices.put(vertex);
     }
+    writeCount(map, meshes.getCount());
     writeArray(map, VERTICES, vertexCounts);
     writeArray(map, CELLS, cells);
     writeArray(map, CORNERS, corners);
@@ -276,14 +277,14 @@ void KuuGeometryMemento::decode(const QVariantMap& map, HbgMeshSet& meshes)
 {
     HbgMesh mesh(meshes.getType());
     const int cornerCount = mesh.getCornerCount();
-    const Counts vertexCounts = readCounts(map, VERTICES);
+    const Counts vertexCounts = readCounts(map, VERTICES, readCount(map));
     const Counts cells = readCounts(map, CELLS, vertexCounts.counts.size());
     const auto corners = readArray<qint32>(map, CORNERS, cells.sum * quint64(cornerCount));
     Vertices vertices({map, COORDINATES}, vertexCounts.sum, 3);
 
     auto nextCorner = corners.begin();
     for (std::size_t i = 0; i < cells.counts.size(); ++i) {
-        require(quint64(cells.counts[i]) * quint64(cornerCount) <= MAX_COUNT);
+        require(cells.counts[i] <= std::numeric_limits<int>::max() / cornerCount);
         QVector<int> meshCorners(cells.counts[i] * cornerCount);
         std::copy_n(nextCorner, meshCorners.size(), meshCorners.begin());
         nextCorner += meshCorners.size();
