@@ -239,8 +239,10 @@ TEST(KuuGeometrySetMemento, RefusesNumbersThatContradictEachOther)
                              {"cells", packed<qint32>({1})},
                              {"corners", packed<qint32>({0, 1, 1})},
                              {"coordinates", packed({0., 1., 0., 0., 0., 1.})}};
-    const QVariantMap points{
-        {"kind", "POINTS"}, {"dimension", "DIM_3D"}, {"coordinates", packed({0., 1., 2.})}};
+    const QVariantMap points{{"kind", "POINTS"},
+                             {"dimension", "DIM_3D"},
+                             {"count", "1"},
+                             {"coordinates", packed({0., 1., 2.})}};
     const QVariantMap grid = KuuGeometrySet(GRID_3D).toVariantMap();
     QVariantMap sparse = cells(GRID_3D, HbiIntervalIntSmallO64(1, 2)).toVariantMap();
     const qint32 MANY = std::numeric_limits<qint32>::max();
