@@ -28,21 +28,20 @@ void HbgRingLocator::build(const QVector<Corner>& corners)
     std::vector<HbgSegment> edges;
     edges.reserve(static_cast<size_t>(corners.size()));
     HbgVector2D from = placeOf(corners.last());
+    m_box = HbgRectangle::of(from, from);
     for (const Corner& corner : corners) {
         const HbgVector2D to = placeOf(corner);
         m_box.unite(to);
         edges.push_back({from, to});
         from = to;
     }
-    m_low = m_box.getYMin();
-    m_high = m_box.getYMax();
     fillSlabs(edges);
 }
 
 int HbgRingLocator::slab(double y) const
 {
     // Written so that a ring without height, or one too high for a double, has one slab in use.
-    const double part = (y - m_low) / (m_high - m_low) * m_slabCount;
+    const double part = (y - m_box.low.y) / (m_box.high.y - m_box.low.y) * m_slabCount;
     return part > 0. ? static_cast<int>(std::min(part, m_slabCount - 1.)) : 0;
 }
 

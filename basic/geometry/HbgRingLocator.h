@@ -23,7 +23,8 @@ public:
     explicit HbgRingLocator(const QVector<QPointF>& corners);
     explicit HbgRingLocator(const QVector<HbgVector2D>& corners);
 
-    const HbgBox& getBoundingBox() const { return m_box; }
+    const HbgRectangle& getBox() const { return m_box; }
+    HbgBox getBoundingBox() const { return {m_box.low, m_box.high}; }
     HbgWinding locate(const HbgVector2D& place) const;
     bool contains(double x, double y) const { return locate({x, y}).isIn(); }
 
@@ -46,9 +47,7 @@ private:
     int slab(double y) const;
     void fillSlabs(const std::vector<HbgSegment>& edges);
 
-    HbgBox m_box;
-    double m_low = 0.;
-    double m_high = 0.;
+    HbgRectangle m_box;
     int m_slabCount = 1;
     std::vector<size_t> m_first;     // rank in m_edges of the first edge of each slab, and the end
     std::vector<HbgSegment> m_edges; // of each slab, those that reach into it

@@ -193,10 +193,8 @@ Ranks HbgShapeIndex::findMeeting(const QVector<QPointF>& lasso) const
     if (lasso.size() < 3 || !std::all_of(lasso.begin(), lasso.end(), isPlace))
         return {};
     const HbgRingLocator ring(lasso);
-    const HbgBox& box = ring.getBoundingBox();
-    const HbgRectangle area{{box.getXMin(), box.getYMin()}, {box.getXMax(), box.getYMax()}};
     std::vector<int> ranks;
-    d->collect(area, ranks, [&](const Run& run) { return d->meets(run, ring); });
+    d->collect(ring.getBox(), ranks, [&](const Run& run) { return d->meets(run, ring); });
     if (d->areas) // as for a rectangle: its border is in one piece
         d->areas->findAll(placeOf(lasso.first()), ranks);
     return ranksOf(ranks);
