@@ -158,7 +158,7 @@ TEST(HbuUnitTransfo, invertsComposesAndSkipsUndefinedValues)
     std::mt19937 random(1);
     std::uniform_real_distribution<double> number(-50., 50.);
     for (int i = 0; i < 1000; ++i) {
-        const HbuUnitTransfo a = HbuUnitTransfo::ratio(number(random), 7., number(random));
+        const HbuUnitTransfo a = HbuUnitTransfo::affineRatio(number(random), number(random), 7.);
         const HbuUnitTransfo b = HbuUnitTransfo::affine(number(random), number(random));
         const double x = number(random);
         EXPECT_TRUE(a.followedBy(a.inverted()).isIdentity());
