@@ -7,8 +7,6 @@
 #include <QtCore/QMap>
 #include <QtCore/QObject>
 
-class QDomDocument;
-
 /// The units that the user defines: held by the unit service (HbuUnitService) beside the built-in
 /// ones, kept in `unit_user.xml` in the user's directory (KusFileUser); docs/formats/unit-user.md
 /// describes the file.
