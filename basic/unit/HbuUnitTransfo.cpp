@@ -1,8 +1,9 @@
 #include <basic/unit/HbuUnitTransfo.h>
 
+#include "HbuUnitKernel.h"
+
 #include <basic/base/HbbGlobal.h>
 
-#include <algorithm>
 #include <cmath>
 #include <numeric>
 
@@ -32,25 +33,6 @@ bool divides(double dividend, double divisor, double& quotient)
 {
     quotient = dividend / divisor;
     return std::fma(quotient, divisor, -dividend) == 0.;
-}
-
-/// In blocks, and with two loops, because the compiler makes vector instructions of these: in one
-/// loop it would branch around the arithmetic for an undefined value. A NaN needs no test, for
-/// arithmetic hands it on.
-template <class Convert>
-void convertAll(double* values, qint64 count, const Convert& converted)
-{
-    constexpr int BLOCK = 64;
-    double results[BLOCK];
-    while (count > 0) {
-        const int size = static_cast<int>(std::min<qint64>(count, BLOCK));
-        for (int i = 0; i < size; ++i)
-            results[i] = converted(values[i]);
-        for (int i = 0; i < size; ++i)
-            values[i] = values[i] == HbbGlobal::D_FFFF ? values[i] : results[i];
-        values += size;
-        count -= size;
-    }
 }
 } // namespace
 
@@ -112,18 +94,14 @@ void HbuUnitTransfo::apply(double* values, qint64 count) const
     const bool needsDivision =
         !divides(m_numerator, m_denominator, factor) || !divides(m_offset, m_denominator, shift);
     // Without an offset none is added: it would take the sign of a negative zero.
-    if (!needsDivision && !isAffine()) {
-        convertAll(values, count, [factor](double value) { return value * factor; });
-    } else if (!needsDivision) {
-        convertAll(values, count, [factor, shift](double value) { return value * factor + shift; });
-    } else if (!isAffine()) {
-        convertAll(values, count,
-                   [n = m_numerator, d = m_denominator](double value) { return value * n / d; });
-    } else {
-        convertAll(values, count, [n = m_numerator, o = m_offset, d = m_denominator](double value) {
-            return (value * n + o) / d;
-        });
-    }
+    if (!needsDivision && !isAffine())
+        HbuUnitKernel::multiply(values, count, factor);
+    else if (!needsDivision)
+        HbuUnitKernel::multiplyAdd(values, count, factor, shift);
+    else if (!isAffine())
+        HbuUnitKernel::scale(values, count, m_numerator, m_denominator);
+    else
+        HbuUnitKernel::scaleAdd(values, count, m_numerator, m_offset, m_denominator);
 }
 
 bool HbuUnitTransfo::operator==(const HbuUnitTransfo& other) const
