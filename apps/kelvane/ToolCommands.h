@@ -7,3 +7,4 @@ ToolCommand createInfoCommand();
 ToolCommand createExportCommand();
 ToolCommand createCheckCommand();
 ToolCommand createMapCommand();
+ToolCommand createConvertCommand();
