@@ -84,7 +84,7 @@ TEST_F(ToolCsTest, pagesForPeopleNameWhatMatters)
          {"kind            projected, Lambert Conic Conformal (1SP)", "unit            Metre",
           "prime meridian  Paris, 2.33722917\u00b0 east of Greenwich",
           "semi-major axis 6378249.2 m", "IGNF:LAMBE"}},
-        {"EPSG:31700", {"deprecated for  EPSG:3844"}},
+        {"EPSG:31700", {"Oblique Stereographic, deprecated\n", "replaced by     EPSG:3844"}},
         {"WGS 84", {"IGNF:WGS84G  WGS 84", "kind            geographic\n", "EPSG:4326"}},
         {"PROJ4:+proj=utm +zone=31 +ellps=intl +towgs84=1,2,3",
          {"Transverse Mercator", "International 1924"}},
