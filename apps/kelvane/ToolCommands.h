@@ -4,6 +4,7 @@
 
 ToolCommand createImportCommand();
 ToolCommand createInfoCommand();
+ToolCommand createSetCommand();
 ToolCommand createExportCommand();
 ToolCommand createCheckCommand();
 ToolCommand createMapCommand();

@@ -20,7 +20,7 @@ constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
 
 std::vector<ToolCommand> createCommands()
 {
-    return {createImportCommand(), createInfoCommand(), createExportCommand(),
+    return {createImportCommand(), createInfoCommand(), createSetCommand(), createExportCommand(),
             createCheckCommand(),  createMapCommand(),  createCsCommand()};
 }
 

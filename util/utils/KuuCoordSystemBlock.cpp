@@ -97,29 +97,17 @@ void KuuCoordSystemBlock::choose()
         return;
     // Points that stand together in an array mostly lie together.
     const KuuCoordSystemBox box = boxOf(m_x, m_y);
-    const auto first =
-        std::find_if(candidates.begin(), candidates.end(),
-                     [&box](const auto& candidate) { return candidate.area.intersects(box); });
-    if (first != candidates.end() && first->area.contains(box)) {
-        m_isOneChoice = true;
-        m_choices[0] = static_cast<int>(first - candidates.begin());
-        return;
-    }
-    for (int i = 0; i < m_count; ++i) {
-        const int choice = choose(m_x[i], m_y[i], -1);
+    m_isOneChoice =
+        std::all_of(candidates.begin(), candidates.end(), [&box](const auto& candidate) {
+            return candidate.area.contains(box) || !candidate.area.intersects(box);
+        });
+    const int count = m_isOneChoice ? 1 : m_count;
+    for (int i = 0; i < count; ++i) {
+        const double x = m_isOneChoice ? box.xMin : m_x[i];
+        const double y = m_isOneChoice ? box.yMin : m_y[i];
+        const int choice = m_operations->choose(x, y, [](int) { return false; });
         m_choices[i] = choice < 0 ? m_operations->getFallback() : choice;
     }
-}
-
-/// The first candidate behind `after` whose area holds the place, or -1.
-int KuuCoordSystemBlock::choose(double x, double y, int after) const
-{
-    const auto& candidates = m_operations->getCandidates();
-    for (std::size_t i = static_cast<std::size_t>(after + 1); i < candidates.size(); ++i) {
-        if (candidates[i].area.contains(x, y))
-            return static_cast<int>(i);
-    }
-    return -1;
 }
 
 /// A point may lie in the box of an operation's area and still not be covered by its files; the
@@ -130,11 +118,15 @@ void KuuCoordSystemBlock::retry(int i)
         std::fill_n(m_choices, m_count, m_choices[0]);
         m_isOneChoice = false;
     }
-    int candidate = choose(m_oldX[i], m_oldY[i], -1);
-    for (int tries = 1; candidate >= 0 && tries < MAX_TRIES && !isConverted(i); ++tries) {
-        candidate = choose(m_oldX[i], m_oldY[i], candidate);
-        if (candidate >= 0)
-            run(i, i + 1, candidate);
+    int tried[MAX_TRIES] = {m_choices[i]};
+    for (int tries = 1; tries < MAX_TRIES && !isConverted(i); ++tries) {
+        const int candidate = m_operations->choose(m_oldX[i], m_oldY[i], [&](int other) {
+            return std::find(tried, tried + tries, other) != tried + tries;
+        });
+        if (candidate < 0)
+            break;
+        tried[tries] = candidate;
+        run(i, i + 1, candidate);
     }
     if (!isConverted(i) && m_operations->getFallback() >= 0)
         run(i, i + 1, m_operations->getFallback());
@@ -210,6 +202,8 @@ void KuuCoordSystemBlock::countUse(Counts& counts) const
         const auto& used = candidates[static_cast<std::size_t>(m_choices[m_isOneChoice ? 0 : i])];
         const qint64 points = m_isOneChoice ? counts.converted : 1;
         counts.ballpark += used.isBallpark ? points : 0;
+        if (m_uses)
+            m_uses[used.operation] += points;
         counts.worstAccuracy = std::max(counts.worstAccuracy, used.accuracy); // D_FFFF is greatest
         if (m_isOneChoice)
             return;

@@ -11,6 +11,7 @@ struct KuuCoordSystemTask {
     HbuUnitTransfo heightIn;
     HbuUnitTransfo planeOut; ///< from what PROJ gives
     HbuUnitTransfo heightOut;
+    double toTurn = 0.; ///< 360 degrees, where the results of a reprojection are longitudes
 };
 
 /// Converts some hundreds of points at a time, for one thread: PROJ is called for whole runs of
@@ -21,9 +22,11 @@ class KuuCoordSystemBlock
 public:
     static constexpr int SIZE = 1024; ///< all of it stays in the processor's cache
 
-    explicit KuuCoordSystemBlock(const KuuCoordSystemTask& task)
+    /// `uses` counts points by operation; may be null.
+    explicit KuuCoordSystemBlock(const KuuCoordSystemTask& task, qint64* uses = nullptr)
         : m_task(task)
         , m_operations(task.operations.get())
+        , m_uses(uses)
     {
     }
 
@@ -37,7 +40,6 @@ private:
     void finish(KuuCoordSystemConverter::Counts& counts);
     void reproject();
     void choose();
-    int choose(double x, double y, int after) const;
     void retry(int i);
     void run(int first, int end, int candidate);
     void countUse(KuuCoordSystemConverter::Counts& counts) const;
@@ -47,6 +49,7 @@ private:
 
     const KuuCoordSystemTask& m_task;
     const KuuCoordSystemOperations* m_operations; // borrowed from the task
+    qint64* const m_uses;
     int m_count = 0;
     bool m_hasHeights = false;
     bool m_isOneChoice = true; // m_choices[0] stands for all

@@ -117,6 +117,8 @@ KuuCoordSystemTask createTask(const KuuCoordSystem& from, const Units& fromUnits
     task.heightIn = toFactor(fromUnits.height, fromSide.heightFactor);
     task.planeOut = toFactor(toUnits.plane, toSide.planeFactor).inverted();
     task.heightOut = toFactor(toUnits.height, toSide.heightFactor).inverted();
+    if (toSide.isGeographic)
+        task.toTurn = task.planeOut.apply(toSide.ownArea.period);
     return task;
 }
 } // namespace
@@ -153,6 +155,10 @@ KuuCoordSystemConverter::Counts& KuuCoordSystemConverter::Counts::operator+=(con
     outside += other.outside;
     ballpark += other.ballpark;
     worstAccuracy = std::max(worstAccuracy, other.worstAccuracy); // D_FFFF is the greatest
+    if (byOperation.size() < other.byOperation.size())
+        byOperation.resize(other.byOperation.size());
+    for (int i = 0; i < other.byOperation.size(); ++i)
+        byOperation[i] += other.byOperation[i];
     return *this;
 }
 
@@ -242,9 +248,8 @@ double KuuCoordSystemConverter::transformDistance(double distance, const QPointF
     HbgVector2D toEast = east - origin;
     HbgVector2D toNorth = north - origin;
     if (d->to.isGeographic()) { // the shorter way round
-        const double turn = toFactor(d->toUnit, 1.).inverted().apply(2. * std::acos(-1.));
-        toEast.x = std::remainder(toEast.x, turn);
-        toNorth.x = std::remainder(toNorth.x, turn);
+        toEast.x = std::remainder(toEast.x, d->task.toTurn);
+        toNorth.x = std::remainder(toNorth.x, d->task.toTurn);
     }
     return std::copysign((toEast.length() + toNorth.length()) / 2., distance);
 }

@@ -38,6 +38,8 @@ public:
     Counts work(int threads)
     {
         std::vector<std::thread> workers;
+        if (m_task.operations)
+            m_counts.byOperation.fill(0, m_task.operations->getOperations().size());
         try {
             for (int i = 1; i < threads; ++i)
                 workers.emplace_back([this] { convertBlocks(); });
@@ -58,7 +60,9 @@ private:
         Counts counts;
         std::exception_ptr error;
         try {
-            KuuCoordSystemBlock block(m_task);
+            if (m_task.operations)
+                counts.byOperation.fill(0, m_task.operations->getOperations().size());
+            KuuCoordSystemBlock block(m_task, counts.byOperation.data());
             while (!m_isStopped.load(std::memory_order_relaxed) && convertNext(block, counts)) {
             }
         } catch (...) {
@@ -66,7 +70,7 @@ private:
             m_isStopped = true;
         }
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_counts += counts;
+        m_counts += counts; // within the room that the calling thread made
         if (error && !m_error)
             m_error = error;
     }

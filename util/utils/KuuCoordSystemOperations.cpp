@@ -126,13 +126,15 @@ public:
     void run();
     QString getReason() const { return m_listener.getReason(); }
 
-    /// With the facts of each; in the order of preference.
+    /// An operation, the most accurate one first; without candidate where its files are missing.
     struct Found {
         Operation facts;
-        Candidate candidate; // without text where files are missing
-        bool isFallback = false;
+        KuuCoordSystemDomain area;
+        int candidate = -1;
     };
     std::vector<Found> found;
+    std::vector<Candidate> candidates;
+    int fallback = -1;
     Side fromSide;
     Side toSide;
     bool hasVertical;
@@ -143,8 +145,6 @@ private:
     void addUsable(const KuuCoordSystemDomainProjector& areas);
     void addMissing(const KuuCoordSystemDomainProjector& areas);
     void insert(Found operation);
-    static bool isBetter(const Found& a, const Found& b);
-    static Found read(const PJ* operation, const KuuCoordSystemDomainProjector& areas);
 
     Listener m_listener;
     PjPointer m_from;
@@ -158,7 +158,7 @@ void KuuCoordSystemOperations::Search::run()
     const KuuCoordSystemDomainProjector fromAreas(m_from.get());
     const KuuCoordSystemDomainProjector toAreas(m_to.get());
     addUsable(fromAreas);
-    if (found.empty())
+    if (candidates.empty())
         return;
     addMissing(fromAreas);
     describeSides(fromAreas, toAreas);
@@ -187,28 +187,11 @@ void KuuCoordSystemOperations::Search::describeSides(const KuuCoordSystemDomainP
     toSide.otherArea = to.project(fromArea, toMargin);
 }
 
-KuuCoordSystemOperations::Search::Found
-KuuCoordSystemOperations::Search::read(const PJ* operation,
-                                       const KuuCoordSystemDomainProjector& areas)
-{
-    const KuuCoordSystemArea area = readAreaOfUse(operation);
-    Found result;
-    result.facts = describe(operation, area);
-    Candidate& candidate = result.candidate;
-    candidate.area = areas.project(area);
-    candidate.accuracy = result.facts.accuracy;
-    candidate.isBallpark = result.facts.isBallpark;
-    candidate.needsGrids = proj_coordoperation_get_grid_used_count(context(), operation) > 0;
-    candidate.isAtSea = area.name.contains(QLatin1String("- offshore"));
-    return result;
-}
-
 void KuuCoordSystemOperations::Search::addUsable(const KuuCoordSystemDomainProjector& areas)
 {
     const ListPointer list = findOperations(
         m_from.get(), m_to.get(), PROJ_GRID_AVAILABILITY_DISCARD_OPERATION_IF_MISSING_GRID);
     const int count = list ? proj_list_get_count(list.get()) : 0;
-    bool hasFallback = false;
     for (int i = 0; i < count; ++i) {
         const PjPointer operation(proj_list_get(context(), list.get(), i));
         const PjPointer normalized(
@@ -218,36 +201,32 @@ void KuuCoordSystemOperations::Search::addUsable(const KuuCoordSystemDomainProje
                        : nullptr;
         if (!text)
             continue;
-        const QByteArray pipeline(text);
-        if (!PjPointer(proj_create(context(), pipeline.constData())))
+        Candidate candidate;
+        candidate.pipeline = text;
+        if (!PjPointer(proj_create(context(), candidate.pipeline.constData())))
             continue;
-        Found result = read(operation.get(), areas);
-        result.candidate.pipeline = pipeline;
-        result.isFallback = !hasFallback && !result.candidate.needsGrids;
-        hasFallback = hasFallback || result.isFallback;
-        insert(std::move(result));
+        const KuuCoordSystemArea area = readAreaOfUse(operation.get());
+        const Operation facts = describe(operation.get(), area);
+        candidate.area = areas.project(area);
+        candidate.accuracy = facts.accuracy;
+        candidate.isBallpark = facts.isBallpark;
+        candidate.isAtSea = area.name.contains(QLatin1String("- offshore"));
+        const int rank = static_cast<int>(candidates.size());
+        if (fallback < 0 &&
+            proj_coordoperation_get_grid_used_count(context(), operation.get()) == 0)
+            fallback = rank;
+        insert({facts, candidate.area, rank});
+        candidates.push_back(std::move(candidate));
     }
 }
 
-/// The more accurate of two takes the points that both could take; of two equals, the one for the
-/// smaller area. Areas on land come before those at sea, which reach ashore with their boxes.
-bool KuuCoordSystemOperations::Search::isBetter(const Found& a, const Found& b)
-{
-    const double accuracyA = a.candidate.accuracy;
-    const double accuracyB = b.candidate.accuracy;
-    if (accuracyA == HbbGlobal::D_FFFF || accuracyB == HbbGlobal::D_FFFF || a.candidate.isAtSea)
-        return false;
-    if (accuracyA != accuracyB)
-        return accuracyA < accuracyB;
-    return b.candidate.area.contains(a.candidate.area) &&
-           !a.candidate.area.contains(b.candidate.area);
-}
-
+/// Behind those that are as accurate; operations without accuracy stay behind all others.
 void KuuCoordSystemOperations::Search::insert(Found operation)
 {
-    const auto place = std::find_if(found.begin(), found.end(), [&operation](const Found& other) {
-        return isBetter(operation, other);
-    });
+    const auto place =
+        std::upper_bound(found.begin(), found.end(), operation, [](const Found& a, const Found& b) {
+            return a.facts.accuracy < b.facts.accuracy;
+        });
     found.insert(place, std::move(operation));
 }
 
@@ -263,21 +242,31 @@ void KuuCoordSystemOperations::Search::addMissing(const KuuCoordSystemDomainProj
         const PjPointer operation(proj_list_get(context(), list.get(), i));
         if (!operation || missingGrids(operation.get()).isEmpty())
             continue;
-        Found result = read(operation.get(), areas);
-        const bool isNeeded =
-            std::none_of(found.begin(), found.end(), [&result](const Found& other) {
-                return other.candidate.accuracy <= result.candidate.accuracy &&
-                       other.candidate.area.contains(result.candidate.area);
+        const KuuCoordSystemArea area = readAreaOfUse(operation.get());
+        Found result{describe(operation.get(), area), areas.project(area), -1};
+        const bool isReplaced =
+            std::any_of(found.begin(), found.end(), [&result](const Found& other) {
+                return other.facts.accuracy <= result.facts.accuracy &&
+                       other.area.contains(result.area);
             });
-        if (isNeeded && result.candidate.accuracy != HbbGlobal::D_FFFF)
+        if (!isReplaced)
             missing.push_back(std::move(result));
     }
-    for (Found& operation : missing) {
-        const auto place = std::find_if(found.begin(), found.end(), [&](const Found& other) {
-            return other.candidate.accuracy > operation.candidate.accuracy;
-        });
-        found.insert(place, std::move(operation));
-    }
+    for (Found& operation : missing)
+        insert(std::move(operation));
+}
+
+/// PROJ's rule for two operations that could both take a point: the more accurate one, of two
+/// equals the one for the smaller area. Areas at sea reach ashore with their boxes and do not
+/// displace others.
+static bool isBetterCandidate(const KuuCoordSystemOperations::Candidate& a,
+                              const KuuCoordSystemOperations::Candidate& b)
+{
+    if (a.accuracy == HbbGlobal::D_FFFF || b.accuracy == HbbGlobal::D_FFFF || a.isAtSea)
+        return false;
+    if (a.accuracy != b.accuracy)
+        return a.accuracy < b.accuracy;
+    return b.area.contains(a.area) && !a.area.contains(b.area);
 }
 
 KuuCoordSystemOperations::KuuCoordSystemOperations(const QString& from, const QString& to)
@@ -286,13 +275,17 @@ KuuCoordSystemOperations::KuuCoordSystemOperations(const QString& from, const QS
     m_id = ++lastId;
     Search search(from, to);
     search.run();
-    for (Search::Found& operation : search.found) {
+    m_candidates = std::move(search.candidates);
+    m_fallback = search.fallback;
+    for (const Search::Found& operation : search.found) {
+        if (operation.candidate >= 0)
+            m_candidates[static_cast<std::size_t>(operation.candidate)].operation =
+                m_operations.size();
         m_operations.append(operation.facts);
-        if (operation.candidate.pipeline.isEmpty())
-            continue;
-        if (operation.isFallback)
-            m_fallback = static_cast<int>(m_candidates.size());
-        m_candidates.push_back(std::move(operation.candidate));
+    }
+    for (const Candidate& a : m_candidates) {
+        for (const Candidate& b : m_candidates)
+            m_isBetter.push_back(isBetterCandidate(a, b));
     }
     if (m_candidates.empty()) {
         const QString reason = search.getReason();

@@ -20,8 +20,8 @@ public:
         QByteArray pipeline;       ///< as PROJ writes it
         KuuCoordSystemDomain area; ///< of use, in coordinates of the first system
         double accuracy = 0.;      ///< in metres; D_FFFF: unknown
+        int operation = -1;        ///< its rank in getOperations()
         bool isBallpark = false;
-        bool needsGrids = false;
         bool isAtSea = false;
     };
 
@@ -39,11 +39,15 @@ public:
     static std::shared_ptr<const KuuCoordSystemOperations> find(const QString& from,
                                                                 const QString& to);
 
-    /// In the order of preference; never empty.
+    /// In PROJ's order; never empty.
     const std::vector<Candidate>& getCandidates() const { return m_candidates; }
+    /// The candidate for a place, but for those that `isExcluded` answers true of: the one that
+    /// PROJ takes. -1: the place is in no candidate's area.
+    template <class Predicate>
+    int choose(double x, double y, Predicate isExcluded) const;
     /// The one for points in no candidate's area; -1: none.
     int getFallback() const { return m_fallback; }
-    /// Those for people: also those that lack files.
+    /// Those for people, the most accurate first: also those that lack files.
     const QVector<KuuCoordSystemConverter::Operation>& getOperations() const
     {
         return m_operations;
@@ -62,7 +66,14 @@ public:
 private:
     class Search;
 
+    bool isBetter(int a, int b) const
+    {
+        return m_isBetter[static_cast<std::size_t>(a) * m_candidates.size() +
+                          static_cast<std::size_t>(b)];
+    }
+
     std::vector<Candidate> m_candidates;
+    std::vector<bool> m_isBetter; // of two candidates, the first
     QVector<KuuCoordSystemConverter::Operation> m_operations;
     int m_fallback = -1;
     Side m_from;
@@ -70,3 +81,15 @@ private:
     bool m_hasVertical = false;
     quint64 m_id; // no other's, ever
 };
+
+template <class Predicate>
+int KuuCoordSystemOperations::choose(double x, double y, Predicate isExcluded) const
+{
+    int best = -1;
+    for (int i = 0; i < static_cast<int>(m_candidates.size()); ++i) {
+        if (!isExcluded(i) && m_candidates[static_cast<std::size_t>(i)].area.contains(x, y) &&
+            (best < 0 || isBetter(i, best)))
+            best = i;
+    }
+    return best;
+}

@@ -47,6 +47,15 @@ TEST_F(ToolUsageTest, exitCodesAndHints)
         {{"export", "p", "good", "o.csv", "--precision", "half"}, 2, "full"},
         {{"export", "p", "good", "none/o.csv"}, 1, "none/o.csv"},
         {{"export", "p", "good", "p"}, 1, "'p'"},
+        {{"export", "p", "good", "o.csv", "--cs", "EPSG:4326"}, 1, "kelvane set p good --cs"},
+        {{"export", "p", "good", "o.csv", "--cs", "WGS84"}, 1, "WGS84"},
+        {{"export", "p", "good", "o.csv", "--units", "zinc"}, 2, "VAR=UNIT, not 'zinc'"},
+        {{"export", "p", "good", "o.csv", "--units", "zinq=%"}, 1, "did you mean 'zinc'?"},
+        {{"export", "p", "good", "o.csv", "--units", "zinc=%"}, 1, "'zinc' has no unit"},
+        {{"set", "p", "good"}, 2, "Nothing to set"},
+        {{"set", "p", "god", "--cs", "EPSG:4326"}, 1, "did you mean 'good'?"},
+        {{"set", "p", "good", "--unit", "zinc=ppmm"}, 1, "did you mean 'ppm'?"},
+        {{"set", "p", "good", "--unit", "zinc=RATIO:kg"}, 1, "There are: "},
         {{"map", "p", "good", "m.png", "--variable", "gold"}, 1, "There are: x, y, zinc"},
         {{"map", "p", "good", "none/m.png"}, 1, "none/m.png"},
         {{"cs"}, 2, "Usage: kelvane cs search"},
@@ -77,7 +86,7 @@ TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
 {
     EXPECT_TRUE(run({"--version"}).out.startsWith("kelvane "));
     const QByteArray help = run({"--help"}).out;
-    for (const char* command : {"import", "info", "export", "check", "map", "cs"}) {
+    for (const char* command : {"import", "info", "set", "export", "check", "map", "cs"}) {
         const ToolRun result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "");
