@@ -8,3 +8,4 @@ ToolCommand createSetCommand();
 ToolCommand createExportCommand();
 ToolCommand createCheckCommand();
 ToolCommand createMapCommand();
+ToolCommand createCsCommand();

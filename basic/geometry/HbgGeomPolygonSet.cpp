@@ -1,5 +1,7 @@
 #include <basic/geometry/HbgGeomPolygonSet.h>
 
+#include "HbgShapeIndex.h"
+
 #include <basic/error/HbeProgrammingError.h>
 
 static const char* const SOURCE = "geometry/HbgGeomPolygonSet";
@@ -62,6 +64,31 @@ void HbgGeomPolygonSet::clear()
 {
     m_index.drop();
     m_polygons.clear();
+}
+
+std::shared_ptr<const HbgShapeIndex> HbgGeomPolygonSet::index() const
+{
+    return m_index.get([this] { return std::make_shared<const HbgShapeIndex>(m_polygons); });
+}
+
+int HbgGeomPolygonSet::pointToRank(const QPointF& place) const
+{
+    return index()->findFirstHolding(place);
+}
+
+HbiIntervalIntSmallDisjoint HbgGeomPolygonSet::pointToRanks(const QPointF& place) const
+{
+    return index()->findHolding(place);
+}
+
+HbiIntervalIntSmallDisjoint HbgGeomPolygonSet::rectangleToRanks(const QRectF& rectangle) const
+{
+    return index()->findMeeting(rectangle);
+}
+
+HbiIntervalIntSmallDisjoint HbgGeomPolygonSet::polygonToRanks(const QVector<QPointF>& lasso) const
+{
+    return index()->findMeeting(lasso);
 }
 
 bool HbgGeomPolygonSet::operator==(const HbgGeomPolygonSet& other) const

@@ -1,5 +1,7 @@
 #include <basic/geometry/HbgGeomPolylineSet.h>
 
+#include "HbgShapeIndex.h"
+
 #include <basic/error/HbeProgrammingError.h>
 
 static const char* const SOURCE = "geometry/HbgGeomPolylineSet";
@@ -69,6 +71,33 @@ void HbgGeomPolylineSet::clear()
 {
     m_index.drop();
     m_polylines.clear();
+}
+
+std::shared_ptr<const HbgShapeIndex> HbgGeomPolylineSet::index() const
+{
+    return m_index.get([this] { return std::make_shared<const HbgShapeIndex>(m_polylines); });
+}
+
+int HbgGeomPolylineSet::pointToRank(const QPointF& place, double tolerance) const
+{
+    return index()->findNearest(place, tolerance);
+}
+
+HbiIntervalIntSmallDisjoint HbgGeomPolylineSet::pointToRanks(const QPointF& place,
+                                                             double tolerance) const
+{
+    return index()->findNear(place, tolerance);
+}
+
+HbiIntervalIntSmallDisjoint HbgGeomPolylineSet::rectangleToRanks(const QRectF& rectangle) const
+{
+    return index()->findMeeting(rectangle);
+}
+
+HbiIntervalIntSmallDisjoint
+HbgGeomPolylineSet::polygonToRanks(const QVector<QPointF>& polygon) const
+{
+    return index()->findMeeting(polygon);
 }
 
 bool HbgGeomPolylineSet::operator==(const HbgGeomPolylineSet& other) const

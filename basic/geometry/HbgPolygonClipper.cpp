@@ -1,17 +1,12 @@
 #include "HbgPolygonClipper.h"
-
-#define BOOST_ALLOW_DEPRECATED_HEADERS // Boost 1.74 reads one of its own
-#include <boost/geometry.hpp>
-#include <boost/geometry/geometries/point_xy.hpp>
+#include "HbgBoostGeometry.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace bg = boost::geometry;
 
-using Point = bg::model::d2::point_xy<double>;
-using Box = bg::model::box<Point>;
-using Polygon = bg::model::polygon<Point>;
+using Polygon = bg::model::polygon<HbgVector2D>;
 
 namespace
 {
@@ -43,8 +38,8 @@ public:
             fill(part.inners()[static_cast<size_t>(hole)], polygon.getHole(contour, hole));
         bg::correct(part);
 
-        const Box box(Point(m_box.getXMin() * m_scale, m_box.getYMin() * m_scale),
-                      Point(m_box.getXMax() * m_scale, m_box.getYMax() * m_scale));
+        const HbgRectangle box{{m_box.getXMin() * m_scale, m_box.getYMin() * m_scale},
+                               {m_box.getXMax() * m_scale, m_box.getYMax() * m_scale}};
         bg::model::multi_polygon<Polygon> pieces;
         try {
             bg::intersection(part, box, pieces);
@@ -61,15 +56,15 @@ private:
     {
         ring.reserve(static_cast<size_t>(corners.size()) + 1);
         for (const HbgVector2D& corner : corners)
-            ring.emplace_back(corner.x * m_scale, corner.y * m_scale);
+            ring.push_back(m_scale * corner);
     }
     HbgGeomPolygon::Ring cornersOf(const Polygon::ring_type& ring) const
     {
         HbgGeomPolygon::Ring corners;
         corners.reserve(static_cast<int>(ring.size()));
-        for (const Point& corner : ring) // where edges are cut, rounding may leave the box
-            corners.append({std::clamp(corner.x() / m_scale, m_box.getXMin(), m_box.getXMax()),
-                            std::clamp(corner.y() / m_scale, m_box.getYMin(), m_box.getYMax())});
+        for (const HbgVector2D& corner : ring) // where edges are cut, rounding may leave the box
+            corners.append({std::clamp(corner.x / m_scale, m_box.getXMin(), m_box.getXMax()),
+                            std::clamp(corner.y / m_scale, m_box.getYMin(), m_box.getYMax())});
         return corners;
     }
     void addPiece(const Polygon& piece)

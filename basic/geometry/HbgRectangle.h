@@ -3,6 +3,8 @@
 #include <basic/geometry/HbgVector2D.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 /// A closed rectangle along the axes that is never empty: corners in order, finite unless they were
 /// pushed outwards on purpose. The plain form of HbgBox for inner loops.
@@ -13,6 +15,17 @@ struct HbgRectangle {
     static HbgRectangle of(const HbgVector2D& a, const HbgVector2D& b)
     {
         return {{std::min(a.x, b.x), std::min(a.y, b.y)}, {std::max(a.x, b.x), std::max(a.y, b.y)}};
+    }
+
+    /// Surely holds every place at the distance: rounding may only widen it.
+    static HbgRectangle around(const HbgVector2D& place, double distance)
+    {
+        const double reach = distance * (1. + 1e-15);
+        const double infinity = std::numeric_limits<double>::infinity();
+        return {
+            {std::nextafter(place.x - reach, -infinity),
+             std::nextafter(place.y - reach, -infinity)},
+            {std::nextafter(place.x + reach, infinity), std::nextafter(place.y + reach, infinity)}};
     }
 
     void unite(const HbgVector2D& place)

@@ -58,6 +58,18 @@ TEST_F(ToolUsageTest, exitCodesAndHints)
         {{"set", "p", "good", "--unit", "zinc=RATIO:kg"}, 1, "There are: "},
         {{"map", "p", "good", "m.png", "--variable", "gold"}, 1, "There are: x, y, zinc"},
         {{"map", "p", "good", "none/m.png"}, 1, "none/m.png"},
+        {{"cs"}, 2, "Usage: kelvane cs search"},
+        {{"cs", "shw"}, 2, "did you mean 'show'?"},
+        {{"cs", "search"}, 2, "--area, is missing"},
+        {{"cs", "search", "utm", "--area", "2,91"}, 2, "not '2,91'"},
+        {{"cs", "search", "utm", "--limit", "0"}, 2, "not '0'"},
+        {{"cs", "search", "no such system"}, 1, "No coordinate system is found"},
+        {{"cs", "show"}, 2, "Usage: kelvane cs show CS"},
+        {{"cs", "show", "EPSG:99999999"}, 1, "crs not found"},
+        {{"cs", "show", "epsg:2154"}, 1, "EPSG:2154  RGF93"},
+        {{"cs", "show", "EPSG:5703"}, 1, "neither geographic nor projected"},
+        {{"cs", "show", "lambert-93"}, 1, "Did you mean:\n  EPSG:2154"},
+        {{"cs", "favorites", "toggle", "EPSG:2154"}, 2, "add|remove CS"},
     };
     const QStringList before = entries();
     for (const Case& c : cases) {
@@ -74,7 +86,7 @@ TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
 {
     EXPECT_TRUE(run({"--version"}).out.startsWith("kelvane "));
     const QByteArray help = run({"--help"}).out;
-    for (const char* command : {"import", "info", "set", "export", "check", "map"}) {
+    for (const char* command : {"import", "info", "set", "export", "check", "map", "cs"}) {
         const ToolRun result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "");
