@@ -9,3 +9,4 @@ ToolCommand createExportCommand();
 ToolCommand createCheckCommand();
 ToolCommand createMapCommand();
 ToolCommand createCsCommand();
+ToolCommand createConvertCommand();

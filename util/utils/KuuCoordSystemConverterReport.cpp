@@ -9,7 +9,7 @@ using Operation = KuuCoordSystemConverter::Operation;
 namespace
 {
 constexpr int MAX_LINES = 5; // of one kind
-constexpr int MAX_NAME = 100;
+constexpr int MAX_NAME = 160;
 
 QString toText(double value)
 {
@@ -82,12 +82,19 @@ QString warnOfBallpark(const Operation& operation)
         .arg(shortened(operation.name));
 }
 
+QString warnOfSilence(const Operation& operation)
+{
+    return KuuCoordSystemConverter::tr("Warning: nobody states how exact \"%1\" is; metres are "
+                                       "possible.")
+        .arg(shortened(operation.name));
+}
+
 /// Only those that were used where `points` is not empty.
 QStringList describeOperations(const QVector<Operation>& operations, const QVector<qint64>& points)
 {
     QStringList usable;
     QStringList lacking;
-    QStringList ballpark;
+    QStringList doubtful;
     for (int i = 0; i < operations.size(); ++i) {
         const Operation& operation = operations.at(i);
         if (!operation.grids.isEmpty()) {
@@ -100,7 +107,9 @@ QStringList describeOperations(const QVector<Operation>& operations, const QVect
         if (!points.isEmpty() && points.at(i) != 0)
             usable.last() += KuuCoordSystemConverter::tr("\nPoints: %1").arg(points.at(i));
         if (operation.isBallpark)
-            ballpark += warnOfBallpark(operation);
+            doubtful += warnOfBallpark(operation);
+        else if (operation.accuracy == HbbGlobal::D_FFFF)
+            doubtful += warnOfSilence(operation);
     }
     QStringList lines;
     if (usable.size() > 1 && points.isEmpty()) {
@@ -109,7 +118,7 @@ QStringList describeOperations(const QVector<Operation>& operations, const QVect
                      .arg(usable.size());
     }
     appendSome(lines, usable);
-    appendSome(lines, ballpark);
+    appendSome(lines, doubtful);
     appendSome(lines, lacking);
     return lines;
 }
