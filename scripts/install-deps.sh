@@ -10,7 +10,7 @@ set -euo pipefail
 
 run=(g++ cmake ninja-build pkg-config ccache
     qtbase5-dev qtbase5-dev-tools libboost-dev libproj-dev proj-data libzstd-dev zlib1g-dev)
-test=(git libgtest-dev libgmock-dev python3 python3-numpy zstd locales
+test=(git libgtest-dev libgmock-dev python3 python3-numpy zstd locales units
     fonts-dejavu-core)
 bench=(libbenchmark-dev libsqlite3-dev)
 check=(git python3 clang clang-format clang-tidy libclang-rt-14-dev doxygen)

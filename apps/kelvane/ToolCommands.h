@@ -4,6 +4,8 @@
 
 ToolCommand createImportCommand();
 ToolCommand createInfoCommand();
+ToolCommand createSetCommand();
 ToolCommand createExportCommand();
 ToolCommand createCheckCommand();
 ToolCommand createMapCommand();
+ToolCommand createCsCommand();

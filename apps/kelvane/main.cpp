@@ -20,8 +20,8 @@ constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
 
 std::vector<ToolCommand> createCommands()
 {
-    return {createImportCommand(), createInfoCommand(), createExportCommand(), createCheckCommand(),
-            createMapCommand()};
+    return {createImportCommand(), createInfoCommand(), createSetCommand(), createExportCommand(),
+            createCheckCommand(),  createMapCommand(),  createCsCommand()};
 }
 
 QString generalHelp(const std::vector<ToolCommand>& commands)

@@ -42,18 +42,18 @@ public:
         const double dy = y * m_scale - m_y;
         return dx * dx + dy * dy;
     }
-    double distanceTo(const Box& box) const
+    double distanceTo(const HbgRectangle& box) const
     {
-        const double dx = std::max({box.xMin * m_scale - m_x, m_x - box.xMax * m_scale, 0.});
-        const double dy = std::max({box.yMin * m_scale - m_y, m_y - box.yMax * m_scale, 0.});
+        const double dx = std::max({box.low.x * m_scale - m_x, m_x - box.high.x * m_scale, 0.});
+        const double dy = std::max({box.low.y * m_scale - m_y, m_y - box.high.y * m_scale, 0.});
         return dx * dx + dy * dy;
     }
-    Relation relationTo(const Box& box) const
+    Relation relationTo(const HbgRectangle& box) const
     {
         if (distanceTo(box) > m_limit)
             return Relation::OUTSIDE;
-        const double dx = std::max(m_x - box.xMin * m_scale, box.xMax * m_scale - m_x);
-        const double dy = std::max(m_y - box.yMin * m_scale, box.yMax * m_scale - m_y);
+        const double dx = std::max(m_x - box.low.x * m_scale, box.high.x * m_scale - m_x);
+        const double dy = std::max(m_y - box.low.y * m_scale, box.high.y * m_scale - m_y);
         return dx * dx + dy * dy <= m_limit ? Relation::AROUND : Relation::ACROSS;
     }
     bool contains(double x, double y) const { return distanceTo(x, y) <= m_limit; }
@@ -68,27 +68,26 @@ private:
 class HbgPointIndex::Rectangle
 {
 public:
-    explicit Rectangle(const Box& box)
-        : m_box(box)
+    explicit Rectangle(const HbgRectangle& area)
+        : m_area(area)
     {
     }
 
-    Relation relationTo(const Box& box) const
+    Relation relationTo(const HbgRectangle& box) const
     {
-        if (box.xMin > m_box.xMax || box.xMax < m_box.xMin || box.yMin > m_box.yMax ||
-            box.yMax < m_box.yMin)
+        if (!m_area.intersects(box))
             return Relation::OUTSIDE;
-        return contains(box.xMin, box.yMin) && contains(box.xMax, box.yMax) ? Relation::AROUND
-                                                                            : Relation::ACROSS;
+        return m_area.contains(box) ? Relation::AROUND : Relation::ACROSS;
     }
     bool contains(double x, double y) const
     {
         // Without branches: whether a point is in cannot be foreseen.
-        return (x >= m_box.xMin) & (x <= m_box.xMax) & (y >= m_box.yMin) & (y <= m_box.yMax);
+        return (x >= m_area.low.x) & (x <= m_area.high.x) & (y >= m_area.low.y) &
+               (y <= m_area.high.y);
     }
 
 private:
-    Box m_box;
+    HbgRectangle m_area;
 };
 
 class HbgPointIndex::Ring
@@ -96,20 +95,21 @@ class HbgPointIndex::Ring
 public:
     explicit Ring(const QVector<QPointF>& corners)
         : m_ring(corners)
-        , m_bounds({m_ring.getBoundingBox().getXMin(), m_ring.getBoundingBox().getYMin(),
-                    m_ring.getBoundingBox().getXMax(), m_ring.getBoundingBox().getYMax()})
     {
     }
 
-    Relation relationTo(const Box& box) const
+    Relation relationTo(const HbgRectangle& box) const
     {
-        return m_bounds.relationTo(box) == Relation::OUTSIDE ? Relation::OUTSIDE : Relation::ACROSS;
+        if (!m_ring.getBox().intersects(box))
+            return Relation::OUTSIDE;
+        if (m_ring.hasEdge(box, [](const HbgSegment&) { return true; }))
+            return Relation::ACROSS;
+        return contains(box.low.x, box.low.y) ? Relation::AROUND : Relation::OUTSIDE;
     }
     bool contains(double x, double y) const { return m_ring.contains(x, y); }
 
 private:
     HbgRingLocator m_ring;
-    Rectangle m_bounds;
 };
 
 HbgPointIndex::HbgPointIndex(const QVector<double>& x, const QVector<double>& y)
@@ -126,16 +126,13 @@ HbgPointIndex::HbgPointIndex(const QVector<double>& x, const QVector<double>& y)
     build({1, 0, m_leafCount}, boxOf(m_entries.data(), m_entries.data() + m_entries.size()));
 }
 
-HbgPointIndex::Box HbgPointIndex::boxOf(const Entry* begin, const Entry* end)
+HbgRectangle HbgPointIndex::boxOf(const Entry* begin, const Entry* end)
 {
-    const double infinity = std::numeric_limits<double>::infinity();
-    Box box{infinity, infinity, -infinity, -infinity};
-    for (const Entry* entry = begin; entry != end; ++entry) {
-        box.xMin = std::min(box.xMin, entry->x);
-        box.xMax = std::max(box.xMax, entry->x);
-        box.yMin = std::min(box.yMin, entry->y);
-        box.yMax = std::max(box.yMax, entry->y);
-    }
+    if (begin == end)
+        return {}; // of no use to anybody
+    HbgRectangle box = HbgRectangle::of({begin->x, begin->y}, {begin->x, begin->y});
+    for (const Entry* entry = begin + 1; entry != end; ++entry)
+        box.unite({entry->x, entry->y});
     return box;
 }
 
@@ -171,7 +168,7 @@ void HbgPointIndex::select(Entry* begin, Entry* middle, Entry* end)
                      [](const Entry& a, const Entry& b) { return a.*AXIS < b.*AXIS; });
 }
 
-void HbgPointIndex::build(const Node& node, const Box& bounds)
+void HbgPointIndex::build(const Node& node, const HbgRectangle& bounds)
 {
     Entry* const begin = m_entries.data() + firstPoint(node.leaf);
     Entry* const end = m_entries.data() + firstPoint(node.leaf + node.leafCount);
@@ -182,21 +179,20 @@ void HbgPointIndex::build(const Node& node, const Box& bounds)
         return;
     }
     Entry* const middle = m_entries.data() + firstPoint(node.upper().leaf);
-    Box lowerBounds = bounds;
-    Box upperBounds = bounds;
-    if (bounds.xMax - bounds.xMin > bounds.yMax - bounds.yMin) {
+    HbgRectangle lowerBounds = bounds;
+    HbgRectangle upperBounds = bounds;
+    if (bounds.high.x - bounds.low.x > bounds.high.y - bounds.low.y) {
         select<&Entry::x>(begin, middle, end);
-        lowerBounds.xMax = upperBounds.xMin = middle->x;
+        lowerBounds.high.x = upperBounds.low.x = middle->x;
     } else {
         select<&Entry::y>(begin, middle, end);
-        lowerBounds.yMax = upperBounds.yMin = middle->y;
+        lowerBounds.high.y = upperBounds.low.y = middle->y;
     }
     build(node.lower(), lowerBounds);
     build(node.upper(), upperBounds);
-    const Box& a = m_boxes[node.lower().at];
-    const Box& b = m_boxes[node.upper().at];
-    m_boxes[node.at] = {std::min(a.xMin, b.xMin), std::min(a.yMin, b.yMin),
-                        std::max(a.xMax, b.xMax), std::max(a.yMax, b.yMax)};
+    m_boxes[node.at] = m_boxes[node.lower().at];
+    m_boxes[node.at].unite(m_boxes[node.upper().at].low);
+    m_boxes[node.at].unite(m_boxes[node.upper().at].high);
     m_lowestRanks[node.at] =
         std::min(m_lowestRanks[node.lower().at], m_lowestRanks[node.upper().at]);
 }
@@ -307,10 +303,10 @@ HbiIntervalIntSmallDisjoint HbgPointIndex::findWithin(const QPointF& place, doub
 
 HbiIntervalIntSmallDisjoint HbgPointIndex::findWithin(const QRectF& rectangle) const
 {
-    const QRectF area = rectangle.normalized();
-    if (!isPlace(area.topLeft()) || !isPlace(area.bottomRight()))
+    if (!isPlace(rectangle.topLeft()) || !isPlace(rectangle.bottomRight()))
         return {};
-    return collect(Rectangle({area.left(), area.top(), area.right(), area.bottom()}));
+    return collect(Rectangle(HbgRectangle::of({rectangle.left(), rectangle.top()},
+                                              {rectangle.right(), rectangle.bottom()})));
 }
 
 HbiIntervalIntSmallDisjoint HbgPointIndex::findWithin(const QVector<QPointF>& polygon) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HbgRectangle.h"
+
 #include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 
 #include <QtCore/QPointF>
@@ -38,9 +40,6 @@ private:
         double y;
         int rank;
     };
-    struct Box {
-        double xMin, yMin, xMax, yMax;
-    };
     /// A node of the tree: the children of node i are 2 i and 2 i + 1, the root is 1. Its points
     /// are those of some consecutive leaves.
     struct Node {
@@ -65,9 +64,9 @@ private:
     size_t firstPoint(size_t leaf) const { return leaf * m_entries.size() / m_leafCount; }
     template <double Entry::*AXIS>
     static void select(Entry* begin, Entry* middle, Entry* end);
-    static Box boxOf(const Entry* begin, const Entry* end);
+    static HbgRectangle boxOf(const Entry* begin, const Entry* end);
     /// The bounds hold the points, not always closely; along their longer side the node is halved.
-    void build(const Node& node, const Box& bounds);
+    void build(const Node& node, const HbgRectangle& bounds);
     template <class Region>
     HbiIntervalIntSmallDisjoint collect(const Region& region) const;
     template <class Region>
@@ -77,6 +76,6 @@ private:
     std::vector<Entry> m_entries; // leaf after leaf
     size_t m_leafCount = 1;       // a power of two
     // Of the nodes.
-    std::vector<Box> m_boxes;
+    std::vector<HbgRectangle> m_boxes;
     std::vector<int> m_lowestRanks;
 };

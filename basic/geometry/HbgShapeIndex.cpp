@@ -45,8 +45,7 @@ Ranks ranksOf(std::vector<int>& ranks)
 {
     std::sort(ranks.begin(), ranks.end());
     Ranks set;
-    for (const int rank : ranks)
-        set.add(rank);
+    set.addSorted(ranks.data(), ranks.size());
     return set;
 }
 

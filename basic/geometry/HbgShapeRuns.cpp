@@ -6,7 +6,7 @@
 #include <cmath>
 
 /// Segments in a run at most: fewer make a larger tree, more make more tests in vain.
-static constexpr size_t RUN_LENGTH = 16;
+static constexpr size_t RUN_LENGTH = 24;
 
 HbgShapeRuns::HbgShapeRuns(const QVector<HbgGeomPolyline>& polylines)
 {

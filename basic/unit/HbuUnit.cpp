@@ -11,7 +11,7 @@ struct HbuUnit::Data {
     HbuEUnitClass unitClass;
     HbuEUnitSystem unitSystem;
     HbuUnitTransfo transfo;
-    const char* sourceName; // of a built-in unit, for translation; null for the user's
+    const HbuUnitRow* row; // of a built-in unit; null for the user's
 
     bool operator==(const Data& o) const
     {
@@ -32,7 +32,7 @@ HbuUnit::HbuUnit(const HbuUnitRow& row)
     : m_data(std::make_shared<const Data>(Data{
           QString::fromUtf8(row.key), QString::fromUtf8(row.name), QString::fromUtf8(row.symbol),
           HbuEUnitClass::fromValue(row.unitClass), HbuEUnitSystem::fromValue(row.unitSystem),
-          HbuUnitTransfo::ratio(row.numerator, row.denominator, row.shift), row.name}))
+          HbuUnitTransfo::affineRatio(row.numerator, row.offset, row.denominator), &row}))
 {
 }
 
@@ -56,8 +56,7 @@ QString HbuUnit::getName() const
 {
     if (!m_data)
         return {};
-    return m_data->sourceName ? QCoreApplication::translate("HbuUnit", m_data->sourceName)
-                              : m_data->name;
+    return m_data->row ? QCoreApplication::translate("HbuUnit", m_data->row->name) : m_data->name;
 }
 
 QString HbuUnit::getSymbol() const
@@ -78,6 +77,16 @@ HbuEUnitSystem HbuUnit::getUnitSystem() const
 HbuUnitTransfo HbuUnit::getTransfo() const
 {
     return m_data ? m_data->transfo : HbuUnitTransfo::invalid();
+}
+
+bool HbuUnit::isBuiltIn() const
+{
+    return m_data && m_data->row;
+}
+
+QString HbuUnit::getSource() const
+{
+    return isBuiltIn() ? QString::fromUtf8(m_data->row->source) : QString();
 }
 
 bool HbuUnit::operator==(const HbuUnit& other) const

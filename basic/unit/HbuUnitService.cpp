@@ -2,6 +2,9 @@
 
 #include "HbuUnitTable.h"
 
+#include <QtCore/QHash>
+#include <QtCore/QSet>
+
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -10,12 +13,28 @@
 
 struct HbuUnitService::Private {
     std::map<int, QVector<HbuUnit>> builtIn; // by class value; never changes
-    QVector<HbuUnit> user;
-    mutable std::shared_mutex mutex; // guards `user`
+    QSet<QString> builtInKeys;
+    std::map<int, HbuUnit> user; // by number, in order of creation
+    int lastNumber = 0;
+    QMultiHash<QString, int> userNumbers; // by key
+    mutable std::shared_mutex mutex;      // guards the user's units
 
     /// The first unit of the class that is wanted, or an invalid one; the caller holds the lock.
     template <class Visitor>
     HbuUnit find(const HbuEUnitClass& unitClass, const Visitor& isWanted) const
+    {
+        const HbuUnit unit = findBuiltIn(unitClass, isWanted);
+        if (unit.isValid())
+            return unit;
+        for (const auto& numbered : user) {
+            if (numbered.second.getUnitClass() == unitClass && isWanted(numbered.second))
+                return numbered.second;
+        }
+        return {};
+    }
+
+    template <class Visitor>
+    HbuUnit findBuiltIn(const HbuEUnitClass& unitClass, const Visitor& isWanted) const
     {
         const auto units = builtIn.find(unitClass.getValue());
         if (units != builtIn.end()) {
@@ -24,31 +43,37 @@ struct HbuUnitService::Private {
                     return unit;
             }
         }
-        for (const HbuUnit& unit : user) {
-            if (unit.getUnitClass() == unitClass && isWanted(unit))
-                return unit;
-        }
         return {};
     }
 
-    HbuUnit findKey(const HbuEUnitClass& unitClass, const QString& key) const
-    {
-        return find(unitClass, [&key](const HbuUnit& unit) { return unit.getKey() == key; });
-    }
-    bool isKeyUsed(const QString& key) const;
+    HbuUnit findKey(const HbuEUnitClass& unitClass, const QString& key) const;
+    /// The number of the user unit with the key: that of the class, or else the first one; 0 when
+    /// there is none.
+    int getUserNumber(const QString& key, const HbuEUnitClass& unitClass) const;
 };
 
 using ReadLock = std::shared_lock<std::shared_mutex>;
 using WriteLock = std::unique_lock<std::shared_mutex>;
 
-bool HbuUnitService::Private::isKeyUsed(const QString& key) const
+HbuUnit HbuUnitService::Private::findKey(const HbuEUnitClass& unitClass, const QString& key) const
 {
-    const auto hasKey = [&key](const HbuUnit& unit) { return unit.getKey() == key; };
-    for (const auto& units : builtIn) {
-        if (std::any_of(units.second.begin(), units.second.end(), hasKey))
-            return true;
+    const int number = getUserNumber(key, unitClass);
+    if (number != 0 && user.at(number).getUnitClass() == unitClass)
+        return user.at(number);
+    if (!builtInKeys.contains(key))
+        return {};
+    return findBuiltIn(unitClass, [&key](const HbuUnit& unit) { return unit.getKey() == key; });
+}
+
+int HbuUnitService::Private::getUserNumber(const QString& key, const HbuEUnitClass& unitClass) const
+{
+    int first = 0;
+    for (auto it = userNumbers.constFind(key); it != userNumbers.cend() && it.key() == key; ++it) {
+        if (user.at(it.value()).getUnitClass() == unitClass)
+            return it.value();
+        first = first == 0 ? it.value() : std::min(first, it.value());
     }
-    return std::any_of(user.begin(), user.end(), hasKey);
+    return first;
 }
 
 HbuUnitService& HbuUnitService::getInstance()
@@ -63,6 +88,10 @@ HbuUnitService::HbuUnitService()
     d->builtIn[HbuEUnitClass::E_NONE].append(HbuUnit::none());
     for (const HbuUnitRow* row = HbuUnitTable::begin(); row != HbuUnitTable::end(); ++row)
         d->builtIn[row->unitClass].append(HbuUnit(*row));
+    for (const auto& units : d->builtIn) {
+        for (const HbuUnit& unit : units.second)
+            d->builtInKeys.insert(unit.getKey());
+    }
 }
 
 HbuUnitService::~HbuUnitService() = default;
@@ -144,7 +173,7 @@ QString HbuUnitService::getUniqueKey(const QString& name) const
     const ReadLock lock(d->mutex);
     const QString base = name.isEmpty() ? QStringLiteral("unit") : name;
     QString key = base;
-    for (int i = 2; d->isKeyUsed(key); ++i)
+    for (int i = 2; d->builtInKeys.contains(key) || d->userNumbers.contains(key); ++i)
         key = base + QLatin1Char('_') + QString::number(i);
     return key;
 }
@@ -163,7 +192,8 @@ HbuUnit HbuUnitService::addUnit(const HbuUnit& unit)
     const WriteLock lock(d->mutex);
     if (d->findKey(unit.getUnitClass(), unit.getKey()).isValid())
         return {};
-    d->user.append(unit);
+    d->user.emplace(++d->lastNumber, unit);
+    d->userNumbers.insert(unit.getKey(), d->lastNumber);
     return unit;
 }
 
@@ -172,34 +202,31 @@ bool HbuUnitService::updateUnit(const HbuUnit& unit)
     if (!isAcceptable(unit))
         return false;
     const WriteLock lock(d->mutex);
-    HbuUnit* replaced = nullptr;
-    for (HbuUnit& candidate : d->user) {
-        if (candidate.getKey() != unit.getKey())
-            continue;
-        if (!replaced || candidate.getUnitClass() == unit.getUnitClass())
-            replaced = &candidate;
-    }
-    if (!replaced)
+    const int number = d->getUserNumber(unit.getKey(), unit.getUnitClass());
+    if (number == 0)
         return false;
-    const bool changesClass = replaced->getUnitClass() != unit.getUnitClass();
+    HbuUnit& replaced = d->user.at(number);
+    const bool changesClass = replaced.getUnitClass() != unit.getUnitClass();
     if (changesClass && d->findKey(unit.getUnitClass(), unit.getKey()).isValid())
         return false;
-    *replaced = unit;
+    replaced = unit;
     return true;
 }
 
 bool HbuUnitService::removeUnit(const QString& key)
 {
     const WriteLock lock(d->mutex);
-    const auto end = std::remove_if(d->user.begin(), d->user.end(),
-                                    [&key](const HbuUnit& unit) { return unit.getKey() == key; });
-    const bool found = end != d->user.end();
-    d->user.erase(end, d->user.end());
-    return found;
+    const QList<int> numbers = d->userNumbers.values(key);
+    for (const int number : numbers)
+        d->user.erase(number);
+    return d->userNumbers.remove(key) > 0;
 }
 
 QVector<HbuUnit> HbuUnitService::getUserUnits() const
 {
     const ReadLock lock(d->mutex);
-    return d->user;
+    QVector<HbuUnit> units;
+    for (const auto& numbered : d->user)
+        units.append(numbered.second);
+    return units;
 }

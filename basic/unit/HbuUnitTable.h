@@ -10,10 +10,11 @@ struct HbuUnitRow {
     const char* key;    ///< ASCII, unique within the class; goes into files
     const char* symbol; ///< UTF-8
     const char* name;   ///< in the source language
-    /// reference = value * numerator / denominator + shift
+    const char* source; ///< who publishes the factor
+    /// reference = (value * numerator + offset) / denominator
     double numerator;
     double denominator;
-    double shift;
+    double offset = 0.;
 };
 
 /// The built-in units, in the order in which lists show them.

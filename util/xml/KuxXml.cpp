@@ -76,7 +76,7 @@ QDomElement KuxXml::createTextNode(QDomDocument& document, const QString& name, 
 {
     QDomElement element = document.createElement(name);
     if (!text.isEmpty()) {
-        element.appendChild(document.createTextNode(text));
+        element.appendChild(document.createTextNode(KuxXmlText::toXmlText(text, name)));
     }
     return element;
 }
@@ -90,7 +90,7 @@ QDomElement KuxXml::createCDataNode(QDomDocument& document, const QString& name,
     }
     QDomElement element = document.createElement(name);
     if (!text.isEmpty()) {
-        element.appendChild(document.createCDATASection(text));
+        element.appendChild(document.createCDATASection(KuxXmlText::toXmlText(text, name)));
     }
     return element;
 }

@@ -248,6 +248,63 @@ TEST(KudADataset, TurnsTheNoticesOfItsTableIntoItsOwn)
     EXPECT_TRUE(recorder.notices[1].modifForTable(&table).testReason(KudTableModif::Reset));
 }
 
+// The unit of a column comes before that of the system; elevations take no angle.
+TEST(KudADataset, KnowsTheUnitsOfItsCoordinates)
+{
+    const auto length = [](const char* key) {
+        return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, key);
+    };
+    const HbuUnit degree = HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, "deg");
+    const KuuCoordSystem lambert = KuuCoordSystem::createFromEpsg("2154");
+    const KuuCoordSystem wgs84 = KuuCoordSystem::createFromEpsg("4326");
+    const struct {
+        KuuCoordSystem system;
+        HbuUnit x, z;
+        HbuUnit coordinateUnit, elevationUnit;
+    } cases[] = {
+        {{}, {}, {}, {}, {}},
+        {lambert, {}, {}, length("m"), length("m")},
+        {lambert, HbuUnit::none(), HbuUnit::none(), length("m"), length("m")},
+        {lambert, length("km"), {}, length("km"), length("km")},
+        {lambert, length("km"), length("ft"), length("km"), length("ft")},
+        {wgs84, {}, {}, degree, {}},
+        {wgs84, {}, length("ft"), degree, length("ft")},
+        {KuuCoordSystem::createLocal(length("ft")), {}, {}, length("ft"), length("ft")},
+    };
+    for (const auto& c : cases) {
+        KudMemoryDatasetPoint dataset("Units");
+        dataset.setCoordSystem(c.system);
+        HbdVariableDetails x("x", HbdEVarType::REAL, HbdEVarRole::X_COORDINATE);
+        HbdVariableDetails z("z", HbdEVarType::REAL, HbdEVarRole::Z_COORDINATE);
+        x.unit = c.x;
+        z.unit = c.z;
+        dataset.createVariable(x, HbdESupport::POINT);
+        dataset.createVariable(z, HbdESupport::POINT);
+        KudMemoryDatasetPoint restored("Restored");
+        restored.setMemento(dataset.getMemento(), false);
+        for (const KudMemoryDatasetPoint* d : {&dataset, &restored}) {
+            EXPECT_EQ(d->getCoordinateUnit(), c.coordinateUnit);
+            EXPECT_EQ(d->getElevationUnit(), c.elevationUnit);
+        }
+    }
+}
+
+TEST(KudADataset, TellsOfAnotherCoordinateSystemOnce)
+{
+    Recorder recorder;
+    KudMemoryDatasetPoint dataset("Campaign");
+    fillWithEverything(dataset);
+    dataset.addObserver(&recorder);
+    dataset.setCoordSystem(KuuCoordSystem::createFromEpsg("28992"));
+    dataset.setCoordSystem(KuuCoordSystem::createFromEpsg("28992"));
+    ASSERT_EQ(recorder.notices.size(), 1U);
+    EXPECT_TRUE(recorder.notices[0]
+                    .modifForTable(dataset.getPointTable())
+                    .testReason(KudTableModif::Reset));
+    dataset.setCoordSystem(KuuCoordSystem());
+    EXPECT_EQ(recorder.notices.size(), 2U);
+}
+
 TEST(KudMemoryDatasetPoint, HasOneObjectASample)
 {
     KudMemoryDatasetPoint dataset("Holes");

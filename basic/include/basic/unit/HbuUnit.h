@@ -41,6 +41,11 @@ public:
     /// Towards the reference unit of the class; invalid for a default unit.
     HbuUnitTransfo getTransfo() const;
 
+    /// Of the built-in table, not the user's.
+    bool isBuiltIn() const;
+    /// Who publishes the factor of a built-in unit, in English; else empty.
+    QString getSource() const;
+
     /// All fields are equal.
     bool operator==(const HbuUnit& other) const;
     bool operator!=(const HbuUnit& other) const { return !(*this == other); }

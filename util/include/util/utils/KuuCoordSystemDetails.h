@@ -45,8 +45,8 @@ struct KELVANE_UTIL_EXPORT KuuCoordSystemDetails {
     QVector<Other> replacements; ///< of a deprecated system
 
     static KuuCoordSystemDetails of(const KuuCoordSystem& system);
-    /// The systems of the other authority (EPSG for an IGNF code, IGNF for an EPSG code) that PROJ
-    /// finds equivalent but for the axis order, the best first; none for a system without a code.
-    /// Takes up to half a second.
+    /// The systems of the other authority (EPSG for a system with an IGNF code, IGNF for others)
+    /// that PROJ finds equivalent but for the axis order, the system's own EPSG code first; none
+    /// for a system without codes. Takes up to half a second.
     static QVector<Other> findEquivalents(const KuuCoordSystem& system);
 };

@@ -49,9 +49,10 @@ public:
     };
 
     /// Best is an exact code; then systems that are not deprecated come before the others; then an
-    /// exact name, a name that begins with the text, names with all the words as whole words, as
-    /// beginnings of words, somewhere, and words elsewhere; then systems in common use (those of
-    /// the shipped catalog), 2D before 3D before compound, and smaller areas first when an area was
+    /// exact name, a name that begins with the text, a name with the words one behind the other,
+    /// and the rest. Among equals systems in common use (those of the shipped catalog) come first,
+    /// then names with the words as whole words, as beginnings, inside of words, and words
+    /// elsewhere; then 2D before 3D before compound, and smaller areas first when an area was
     /// given, larger ones otherwise.
     static Answer find(const Question& question);
     static Answer find(const QString& text, int limit = 50);

@@ -34,7 +34,8 @@ public:
     static void saveXml(const QString& path, const QDomDocument& document);
     static int getIndent() { return 4; }
 
-    /// A new element; an empty text gives no child.
+    /// A new element; an empty text gives no child. Here and below, a character that XML cannot
+    /// hold becomes U+FFFD, with a warning: the file would not be read again.
     static QDomElement createTextNode(QDomDocument& document, const QString& name,
                                       const QString& text);
     static QDomElement createCDataNode(QDomDocument& document, const QString& name,
