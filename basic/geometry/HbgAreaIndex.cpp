@@ -21,6 +21,8 @@ class Ring
 public:
     explicit Ring(const HbgGeomPolygon::Ring& corners)
         : m_corners(corners)
+        , m_first(m_corners.constData())
+        , m_count(m_corners.size())
     {
         if (corners.size() >= LARGE_RING)
             m_locator = std::make_unique<const HbgRingLocator>(corners);
@@ -31,12 +33,14 @@ public:
         if (m_locator)
             return m_locator->locate(place);
         HbgWinding winding(place);
-        winding.addRing(m_corners);
+        winding.addRing(m_first, m_count);
         return winding;
     }
 
 private:
     HbgGeomPolygon::Ring m_corners; // shared with the polygon
+    const HbgVector2D* m_first;
+    int m_count;
     std::unique_ptr<const HbgRingLocator> m_locator;
 };
 

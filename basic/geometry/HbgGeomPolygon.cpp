@@ -172,7 +172,7 @@ bool HbgGeomPolygon::contains(const QPointF& place) const
     const HbgVector2D at(place.x(), place.y());
     const auto windingOf = [&at](const Ring& ring) {
         HbgWinding winding(at);
-        winding.addRing(ring);
+        winding.addRing(ring.constData(), ring.size());
         return winding;
     };
     return std::any_of(m_parts.begin(), m_parts.end(), [&windingOf](const Part& part) {

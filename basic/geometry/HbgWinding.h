@@ -15,7 +15,9 @@ public:
     void add(const HbgVector2D& a, const HbgVector2D& b)
     {
         const double y = m_place.y;
-        if ((y < a.y && y < b.y) || (y > a.y && y > b.y) || (m_place.x > a.x && m_place.x > b.x))
+        if (y < a.y ? y < b.y : y > a.y && y > b.y)
+            return;
+        if (m_place.x > a.x && m_place.x > b.x)
             return;
         // What is counted are the edges on the right of the place.
         if (m_place.x >= a.x || m_place.x >= b.x) {
@@ -32,16 +34,10 @@ public:
             --m_turns;
     }
     /// The edges of a ring that is closed implicitly.
-    template <class Ring>
-    void addRing(const Ring& ring)
+    void addRing(const HbgVector2D* corners, int count)
     {
-        if (ring.isEmpty())
-            return;
-        HbgVector2D from(ring.last());
-        for (const HbgVector2D& to : ring) {
-            add(from, to);
-            from = to;
-        }
+        for (int i = 0; i < count; ++i)
+            add(corners[i ? i - 1 : count - 1], corners[i]);
     }
 
     /// The border is in.

@@ -211,6 +211,6 @@ int main(int argc, char** argv)
     return runWithLimits(argc, argv,
                          {{"rectangleToRanks/small", "rectangleInBoost/small", 1},
                           {"rectangleToRanks/large", "rectangleInBoost/large", 1},
-                          {"placeToRanks", "placeInBoost", 1},
+                          {"placeToRanks", "placeInBoost", 1.2},
                           {"buildIndex", "buildInBoost", 3}});
 }
