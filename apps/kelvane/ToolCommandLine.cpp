@@ -63,7 +63,9 @@ QStringList withArgumentsLast(const ToolCommand& command, const QStringList& wor
             command.options.begin(), command.options.end(), [&word](const ToolOption& option) {
                 return !option.value.isEmpty() && word == QStringLiteral("--") + option.name;
             });
-        if (takesNext && i + 1 < words.size())
+        if (takesNext && i + 1 == words.size())
+            return words; // its value is missing, which the parser will say
+        if (takesNext)
             options += words.at(++i);
     }
     return arguments.isEmpty() ? options : options << QStringLiteral("--") << arguments;
