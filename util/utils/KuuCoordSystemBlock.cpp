@@ -23,15 +23,34 @@ Counts KuuCoordSystemBlock::convert(double* x, double* y, double* z, int count, 
     return counts;
 }
 
+/// Copies between an array of the caller and one of ours.
+static void copy(const double* from, qint64 fromStride, double* to, qint64 toStride, int count)
+{
+    if (fromStride == 1 && toStride == 1) {
+        std::copy_n(from, count, to);
+        return;
+    }
+    for (int i = 0; i < count; ++i)
+        to[i * toStride] = from[i * fromStride];
+}
+
 void KuuCoordSystemBlock::read(const double* x, const double* y, const double* z, qint64 stride)
 {
-    for (int i = 0; i < m_count; ++i) {
-        m_x[i] = x[i * stride];
-        m_y[i] = y[i * stride];
-        m_isUndefined[i] = HbbGlobal::isUndefined(m_x[i]) || HbbGlobal::isUndefined(m_y[i]);
+    copy(x, stride, m_x, 1, m_count);
+    copy(y, stride, m_y, 1, m_count);
+    const Scan given = scan(m_x, m_y);
+    m_isClean =
+        given.isFinite && given.box.xMax < HbbGlobal::D_FFFF && given.box.yMax < HbbGlobal::D_FFFF;
+    if (!m_isClean) {
+        for (int i = 0; i < m_count; ++i)
+            m_isUndefined[i] = HbbGlobal::isUndefined(m_x[i]) || HbbGlobal::isUndefined(m_y[i]);
     }
-    m_task.planeIn.apply(m_x, m_count);
-    m_task.planeIn.apply(m_y, m_count);
+    m_oldBox = given.box;
+    if (!m_task.planeIn.isIdentity()) {
+        m_task.planeIn.apply(m_x, m_count);
+        m_task.planeIn.apply(m_y, m_count);
+        m_oldBox = scan(m_x, m_y).box;
+    }
     if (!z)
         return;
     for (int i = 0; i < m_count; ++i) {
@@ -41,29 +60,42 @@ void KuuCoordSystemBlock::read(const double* x, const double* y, const double* z
     m_task.heightIn.apply(m_z, m_count);
 }
 
-/// The box around the points that have a place.
-KuuCoordSystemBox KuuCoordSystemBlock::boxOf(const double* x, const double* y) const
+/// One pass, in two halves that the processor works on at once.
+KuuCoordSystemBlock::Scan KuuCoordSystemBlock::scan(const double* x, const double* y) const
 {
-    KuuCoordSystemBox box;
-    std::swap(box.xMin, box.xMax);
-    std::swap(box.yMin, box.yMax);
-    for (int i = 0; i < m_count; ++i) {
-        const bool counts = !m_isUndefined[i] && std::isfinite(x[i]) && std::isfinite(y[i]);
-        const double px = counts ? x[i] : box.xMin;
-        const double py = counts ? y[i] : box.yMin;
-        if (!counts)
-            continue;
-        box.xMin = std::min(box.xMin, px);
-        box.xMax = std::max(box.xMax, px);
-        box.yMin = std::min(box.yMin, py);
-        box.yMax = std::max(box.yMax, py);
+    struct Half {
+        double xMin = HUGE_VAL;
+        double yMin = HUGE_VAL;
+        double xMax = -HUGE_VAL;
+        double yMax = -HUGE_VAL;
+        double zero = 0.; // NaN as soon as a value is not finite
+
+        void add(double px, double py)
+        {
+            xMin = px < xMin ? px : xMin;
+            yMin = py < yMin ? py : yMin;
+            xMax = px > xMax ? px : xMax;
+            yMax = py > yMax ? py : yMax;
+            zero += 0. * px + 0. * py;
+        }
+    };
+    Half first;
+    Half second;
+    int i = 0;
+    for (; i + 1 < m_count; i += 2) {
+        first.add(x[i], y[i]);
+        second.add(x[i + 1], y[i + 1]);
     }
-    return box;
+    if (i < m_count)
+        first.add(x[i], y[i]);
+    return {{std::min(first.xMin, second.xMin), std::min(first.yMin, second.yMin),
+             std::max(first.xMax, second.xMax), std::max(first.yMax, second.yMax)},
+            first.zero + second.zero == 0.};
 }
 
 void KuuCoordSystemBlock::reproject()
 {
-    for (int i = 0; i < m_count; ++i) {
+    for (int i = 0; !m_isClean && i < m_count; ++i) {
         if (m_isUndefined[i])
             m_x[i] = HUGE_VAL; // PROJ passes over it
     }
@@ -82,7 +114,7 @@ void KuuCoordSystemBlock::reproject()
     if (m_operations->getCandidates().size() == 1)
         return;
     for (int i = 0; i < m_count; ++i) {
-        if (!m_isUndefined[i] && !isConverted(i))
+        if (!isUndefined(i) && !isConverted(i))
             retry(i);
     }
 }
@@ -96,7 +128,7 @@ void KuuCoordSystemBlock::choose()
     if (m_isOneChoice)
         return;
     // Points that stand together in an array mostly lie together.
-    const KuuCoordSystemBox box = boxOf(m_x, m_y);
+    const KuuCoordSystemBox& box = m_oldBox;
     m_isOneChoice =
         std::all_of(candidates.begin(), candidates.end(), [&box](const auto& candidate) {
             return candidate.area.contains(box) || !candidate.area.intersects(box);
@@ -118,6 +150,13 @@ void KuuCoordSystemBlock::retry(int i)
         std::fill_n(m_choices, m_count, m_choices[0]);
         m_isOneChoice = false;
     }
+    const auto runAgain = [this, i](int candidate) {
+        m_x[i] = m_oldX[i];
+        m_y[i] = m_oldY[i];
+        if (m_hasHeights)
+            m_z[i] = m_oldZ[i];
+        run(i, i + 1, candidate);
+    };
     int tried[MAX_TRIES] = {m_choices[i]};
     for (int tries = 1; tries < MAX_TRIES && !isConverted(i); ++tries) {
         const int candidate = m_operations->choose(m_oldX[i], m_oldY[i], [&](int other) {
@@ -126,22 +165,18 @@ void KuuCoordSystemBlock::retry(int i)
         if (candidate < 0)
             break;
         tried[tries] = candidate;
-        run(i, i + 1, candidate);
+        runAgain(candidate);
     }
     if (!isConverted(i) && m_operations->getFallback() >= 0)
-        run(i, i + 1, m_operations->getFallback());
+        runAgain(m_operations->getFallback());
 }
 
-/// Converts the points from `first` to `end` from what they were.
+/// Converts the points from `first` to `end`.
 void KuuCoordSystemBlock::run(int first, int end, int candidate)
 {
     const auto count = static_cast<std::size_t>(end - first);
     if (!m_isOneChoice)
         std::fill(m_choices + first, m_choices + end, candidate);
-    std::copy(m_oldX + first, m_oldX + end, m_x + first);
-    std::copy(m_oldY + first, m_oldY + end, m_y + first);
-    if (m_hasHeights)
-        std::copy(m_oldZ + first, m_oldZ + end, m_z + first);
     PJ* pipeline = candidate < 0 ? nullptr : m_operations->getPipeline(candidate);
     if (!pipeline) {
         std::fill(m_x + first, m_x + end, HUGE_VAL);
@@ -170,26 +205,30 @@ bool KuuCoordSystemBlock::isInside(int i) const
 
 void KuuCoordSystemBlock::finish(Counts& counts)
 {
-    for (int i = 0; i < m_count; ++i) {
-        if (m_isUndefined[i])
-            ++counts.undefined;
-        else if (isConverted(i))
-            ++counts.converted;
-        else
-            ++counts.failed;
+    const Scan after = scan(m_x, m_y);
+    m_isAllConverted = m_isClean && after.isFinite && !m_hasHeights;
+    if (m_isAllConverted) {
+        counts.converted = m_count;
+    } else {
+        for (int i = 0; i < m_count; ++i) {
+            if (isUndefined(i))
+                ++counts.undefined;
+            else if (isConverted(i))
+                ++counts.converted;
+            else
+                ++counts.failed;
+        }
     }
     if (!m_operations || counts.converted == 0)
         return;
     countUse(counts);
     const KuuCoordSystemOperations::Side& from = m_operations->getFrom();
     const KuuCoordSystemOperations::Side& to = m_operations->getTo();
-    const KuuCoordSystemBox before = boxOf(m_oldX, m_oldY);
-    const KuuCoordSystemBox after = boxOf(m_x, m_y);
-    if (from.ownArea.contains(before) && from.otherArea.contains(before) &&
-        to.ownArea.contains(after) && to.otherArea.contains(after))
+    if (from.ownArea.contains(m_oldBox) && from.otherArea.contains(m_oldBox) &&
+        to.ownArea.contains(after.box) && to.otherArea.contains(after.box))
         return;
     for (int i = 0; i < m_count; ++i)
-        counts.outside += !m_isUndefined[i] && isConverted(i) && !isInside(i);
+        counts.outside += !isUndefined(i) && isConverted(i) && !isInside(i);
 }
 
 /// What the operations that were used are worth.
@@ -197,7 +236,7 @@ void KuuCoordSystemBlock::countUse(Counts& counts) const
 {
     const auto& candidates = m_operations->getCandidates();
     for (int i = 0; i < m_count; ++i) {
-        if (m_isUndefined[i] || !isConverted(i))
+        if (isUndefined(i) || !isConverted(i))
             continue;
         const auto& used = candidates[static_cast<std::size_t>(m_choices[m_isOneChoice ? 0 : i])];
         const qint64 points = m_isOneChoice ? counts.converted : 1;
@@ -216,10 +255,14 @@ void KuuCoordSystemBlock::write(double* x, double* y, double* z, qint64 stride)
     m_task.planeOut.apply(m_y, m_count);
     if (z)
         m_task.heightOut.apply(m_z, m_count);
+    if (m_isAllConverted) {
+        copy(m_x, 1, x, stride, m_count);
+        copy(m_y, 1, y, stride, m_count);
+        return;
+    }
     for (int i = 0; i < m_count; ++i) {
         // A place of which a coordinate is missing has no image. Units change one by one.
-        const bool isLost =
-            (m_isUndefined[i] && m_operations) || (!m_isUndefined[i] && !isConverted(i));
+        const bool isLost = isUndefined(i) ? m_operations != nullptr : !isConverted(i);
         x[i * stride] = isLost ? HbbGlobal::D_FFFF : m_x[i];
         y[i * stride] = isLost ? HbbGlobal::D_FFFF : m_y[i];
         if (z && !HbbGlobal::isUndefined(z[i * stride]))

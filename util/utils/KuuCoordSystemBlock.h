@@ -44,8 +44,14 @@ private:
     void run(int first, int end, int candidate);
     void countUse(KuuCoordSystemConverter::Counts& counts) const;
     bool isInside(int i) const;
+    bool isUndefined(int i) const { return !m_isClean && m_isUndefined[i]; }
     bool isConverted(int i) const;
-    KuuCoordSystemBox boxOf(const double* x, const double* y) const;
+    /// What points have in common.
+    struct Scan {
+        KuuCoordSystemBox box; // a point that is not finite may make it larger than it is
+        bool isFinite;
+    };
+    Scan scan(const double* x, const double* y) const;
 
     const KuuCoordSystemTask& m_task;
     const KuuCoordSystemOperations* m_operations; // borrowed from the task
@@ -53,7 +59,10 @@ private:
     int m_count = 0;
     bool m_hasHeights = false;
     bool m_isOneChoice = true; // m_choices[0] stands for all
-    double m_x[SIZE];          // what PROJ takes, then what it gives
+    bool m_isClean = true;     // nothing is undefined: the flags are not filled
+    bool m_isAllConverted = false;
+    KuuCoordSystemBox m_oldBox;
+    double m_x[SIZE]; // what PROJ takes, then what it gives
     double m_y[SIZE];
     double m_z[SIZE];
     double m_oldX[SIZE]; // what PROJ took

@@ -116,30 +116,20 @@ double* valuesOf(HbdAVariable& variable)
     return real->editValues().data();
 }
 
-/// The images of a ring's corners; failed and undefined ones are counted.
-bool convertRing(const KuuCoordSystemConverter& converter, HbgGeomPolygon::Ring& ring,
-                 Counts& counts)
-{
-    if (ring.isEmpty())
-        return true;
-    const Counts own = converter.convert(&ring[0].x, &ring[0].y, nullptr, ring.size(), 2);
-    counts += own;
-    return own.converted == ring.size();
-}
-
-/// Empty when a corner has no image, or a ring collapses.
-HbgGeomPolygon imageOf(const KuuCoordSystemConverter& converter, const HbgGeomPolygon& polygon,
-                       Counts& counts)
+/// Empty when a corner has no image, or a ring collapses. `convertRing` answers whether all corners
+/// of a ring have one.
+template <class ConvertRing>
+HbgGeomPolygon imageOf(const HbgGeomPolygon& polygon, ConvertRing convertRing)
 {
     HbgGeomPolygon image;
     bool isWhole = true;
     for (int i = 0; i < polygon.getContourCount(); ++i) {
         HbgGeomPolygon::Ring ring = polygon.getContour(i);
-        isWhole = convertRing(converter, ring, counts) && isWhole;
+        isWhole = convertRing(ring) && isWhole;
         isWhole = isWhole && image.addContour(ring);
         for (int hole = 0; hole < polygon.getHoleCount(i); ++hole) {
             ring = polygon.getHole(i, hole);
-            isWhole = convertRing(converter, ring, counts) && isWhole;
+            isWhole = convertRing(ring) && isWhole;
             isWhole = isWhole && image.addHole(i, ring);
         }
     }
@@ -187,11 +177,18 @@ Counts KuuCoordSystemConverter::convertWanted(HbcAProgress& progress)
         total += item.count;
     progress.initCounter(total);
     Counts counts;
+    const auto convertRing = [&](HbgGeomPolygon::Ring& ring) {
+        const Counts own =
+            d->convert(&ring[0].x, &ring[0].y, nullptr, ring.size(), 2, 0, &progress);
+        counts += own;
+        return own.converted == ring.size();
+    };
     for (const Wanted& item : wanted) {
         progress.checkCancelled();
         if (item.polygon) {
-            *item.polygon = imageOf(*this, *item.polygon, counts);
-            progress.advance(item.count);
+            HbgGeomPolygon image = imageOf(*item.polygon, convertRing);
+            progress.checkCancelled(); // or it lacks corners
+            *item.polygon = std::move(image);
         } else {
             counts += d->convert(item.x, item.y, item.z, item.count, item.stride, 0, &progress);
         }

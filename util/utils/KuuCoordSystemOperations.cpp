@@ -345,8 +345,12 @@ PJ* KuuCoordSystemOperations::getPipeline(int candidate) const
         std::vector<bool> isTried;
     };
     constexpr std::size_t LIMIT = 16; // files stay open with them
-    context();                        // made before the list, so it goes after it
-    thread_local std::list<Entry> entries;
+    struct Entries {
+        PJ_CONTEXT* context = KuuCoordSystemProj::context(); // made first, so it goes last
+        std::list<Entry> list;
+    };
+    thread_local Entries own;
+    std::list<Entry>& entries = own.list;
 
     auto entry = std::find_if(entries.begin(), entries.end(),
                               [this](const Entry& known) { return known.id == m_id; });
@@ -361,11 +365,11 @@ PJ* KuuCoordSystemOperations::getPipeline(int candidate) const
     } else if (entry != entries.begin()) {
         entries.splice(entries.begin(), entries, entry);
     }
-    Entry& own = entries.front();
+    Entry& first = entries.front();
     const auto i = static_cast<std::size_t>(candidate);
-    if (!own.isTried[i]) {
-        own.isTried[i] = true;
-        own.pipelines[i].reset(proj_create(context(), m_candidates[i].pipeline.constData()));
+    if (!first.isTried[i]) {
+        first.isTried[i] = true;
+        first.pipelines[i].reset(proj_create(own.context, m_candidates[i].pipeline.constData()));
     }
-    return own.pipelines[i].get();
+    return first.pipelines[i].get();
 }

@@ -24,14 +24,18 @@ class HbgGeomPolygon;
 /// context.
 ///
 /// Coordinates are x = east or longitude and y = north or latitude, on both sides, whatever the
-/// authorities' axis orders. Each side has a unit: a length unit or, for a geographic system, an
-/// angle unit. A length unit of a geographic system is that of the elevations alone; longitudes and
-/// latitudes are then in degrees. Elevations are in the side's length unit, metres where it has
-/// none; systems without a vertical part hand them through, but for the unit.
+/// authorities' axis orders (a system whose own axes run west or south keeps them so). Each side
+/// has a unit: a length unit or, for a geographic system, an angle unit. A length unit of a
+/// geographic system is that of the elevations alone; longitudes and latitudes are then in degrees.
+/// Elevations are in the side's length unit, metres where it has none. PROJ converts elevations
+/// where both systems have a vertical part (a point without one stands at 0 then); they are handed
+/// through otherwise, but for the unit.
 ///
 /// Two systems of one transformation (KuuCoordSystem::isSameTransfo), local ones included, convert
-/// units only. Undefined coordinates (HbbGlobal::D_FFFF, NaN) stay undefined. A point that PROJ
-/// cannot convert becomes undefined in all its coordinates and is counted, never an infinity.
+/// units only. Undefined coordinates (HbbGlobal::D_FFFF, NaN) stay undefined, and a point of which
+/// x or y is undefined has no image: a reprojection leaves nothing of it defined. A point that PROJ
+/// cannot convert, or with an infinite coordinate, becomes undefined in all its coordinates and is
+/// counted, never an infinity.
 class KELVANE_UTIL_EXPORT KuuCoordSystemConverter
 {
     Q_DECLARE_TR_FUNCTIONS(KuuCoordSystemConverter)
