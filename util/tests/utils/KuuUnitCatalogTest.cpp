@@ -230,7 +230,6 @@ TEST_F(KuuUnitCatalogTest, AFileThatIsNoneGivesNothing)
         whole + whole,
         QByteArray(whole).replace("catalog>", "catalogue>"),
         QByteArray(whole).replace("</key>", "</Key>"),
-        "<x:catalog xmlns:x='x'>" + units + "</x:catalog>",
         "<r>" + whole + "</r>",
         QByteArray(1000, '\0') + whole,
         "\xff\xfe" + whole,
