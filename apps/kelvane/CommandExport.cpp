@@ -1,9 +1,11 @@
 #include "ToolCommandLine.h"
 #include "ToolCommands.h"
+#include "ToolConversion.h"
 #include "ToolInterrupt.h"
 #include "ToolOutput.h"
 #include "ToolProgress.h"
 #include "ToolProject.h"
+#include "ToolUnits.h"
 #include "ToolUsageError.h"
 
 #include <util/calc/KucDataSets.h>
@@ -24,6 +26,7 @@ struct Settings {
     KueCsvSeparator separator;
     KueDecimalSeparator decimal;
     bool fullPrecision = false;
+    KuuCoordSystem system; ///< that of the file; not valid: the coordinates stay as they are
 };
 
 Settings readSettings(const QCommandLineParser& line)
@@ -43,6 +46,7 @@ Settings readSettings(const QCommandLineParser& line)
         ToolCommandLine::readWord(line, QStringLiteral("precision"), {QStringLiteral("full")});
         settings.fullPrecision = true;
     }
+    settings.system = ToolProject::readCoordSystem(line);
     return settings;
 }
 
@@ -54,23 +58,28 @@ KudDatasetVariableList readVariables(const QCommandLineParser& line, const KudAD
         return Kuc::getExportedVariables(dataset);
 
     const KueCsv list(QLatin1Char(','), false, QLatin1Char('"'), QLatin1Char('.'));
-    const KudADataTable& table = *dataset.getObjectTable();
-    QStringList known;
-    for (int i = 0; i < table.getVariableCount(); ++i)
-        known.append(table.getVariableAt(i).getFullVariableName());
-
     KudDatasetVariableList variables;
-    for (const QString& name : list.parseDelimitedRow(line.value(QStringLiteral("variables")))) {
-        const KudDatasetVariable variable = table.getVariableFromName(name);
-        if (!variable.isValid()) {
-            throw HbeUserError(Tool::tr("The dataset '%1' has no variable '%2'%3\nIt has: %4")
-                                   .arg(dataset.getName(), name,
-                                        ToolCommandLine::getHint(name, known),
-                                        known.join(QStringLiteral(", "))));
-        }
-        variables.append(variable);
-    }
+    for (const QString& name : list.parseDelimitedRow(line.value(QStringLiteral("variables"))))
+        variables.append(ToolProject::findVariable(dataset, name));
     return variables;
+}
+
+/// The units that the line asks for, each said, since no header tells of it.
+void setUnits(KucExportData& job, const QCommandLineParser& line, const KudADataset& dataset,
+              const KudDatasetVariableList& variables)
+{
+    for (const ToolUnits::Choice& choice :
+         ToolUnits::read(line, QStringLiteral("units"), dataset)) {
+        const QString name = choice.variable.getFullVariableName();
+        if (!variables.contains(choice.variable, true))
+            throw HbeUserError(Tool::tr("--units names the variable '%1', which is not exported: "
+                                        "add it to --variables.")
+                                   .arg(name));
+        const HbuUnit unit =
+            ToolUnits::findInClass(choice, dataset.getVariableDetails(choice.variable));
+        job.setUnit(name, unit);
+        ToolOutput::printNote(Tool::tr("'%1' is written in %2.").arg(name, unit.getSymbol()));
+    }
 }
 
 void exportTo(const QString& path, const QCommandLineParser& line, const Settings& settings,
@@ -84,15 +93,23 @@ void exportTo(const QString& path, const QCommandLineParser& line, const Setting
     } else {
         job.setDataset(Kuc::createPoints(dataset, variables));
     }
-    // No coordinate systems: with one of longitudes and latitudes the coordinates would get other
-    // names and seven decimals, and what came in would not go out.
+    // Without --cs no coordinate systems: with one of longitudes and latitudes the coordinates
+    // would get other names and seven decimals, and what came in would not go out.
+    if (settings.system.isValid()) {
+        job.setCoordSystems(dataset.getCoordSystem(), settings.system);
+        job.setNodeCoordinates(true);
+    }
+    setUnits(job, line, dataset, variables);
     job.setUndefString(line.value(QStringLiteral("undefined")));
     job.setFullPrecision(settings.fullPrecision);
     job.setEncodingStrategy(
         std::make_unique<KucExportDataEncodingCsv>(path, settings.separator, settings.decimal)
             .release());
-    ToolProgress progress(Tool::tr("Exporting '%1'").arg(dataset.getName()));
-    ToolInterrupt::run(job, progress);
+    {
+        ToolProgress progress(Tool::tr("Exporting '%1'").arg(dataset.getName()));
+        ToolInterrupt::run(job, progress);
+    }
+    ToolConversion::print(job);
 }
 
 /// Exports beside the file and puts it in place when it is whole. What is no regular file (a pipe,
@@ -122,6 +139,8 @@ int run(const QCommandLineParser& line)
     const QStringList arguments = line.positionalArguments();
     const KudDatasetDirectory project(arguments.at(0));
     const auto dataset = ToolProject::readDataset(project, arguments.at(1));
+    if (settings.system.isValid())
+        ToolProject::requireCoordSystem(project, *dataset);
     exportSafely(arguments.at(2), line, settings, *dataset);
     return ExitDone;
 }
@@ -137,10 +156,17 @@ ToolCommand createExportCommand()
         "A header line with the names of the variables, then one line a sample. FILE is replaced "
         "when the export is whole; Ctrl-C, an error or a full disk leaves it as it was.\n"
         "Numbers are written with the digits that came in, or with --precision full as the "
-        "shortest text that reads back as the same number.");
+        "shortest text that reads back as the same number.\n"
+        "With --cs the coordinates are converted into another coordinate system; what was done, "
+        "and "
+        "how exactly, is said. Longitudes and latitudes are headed so and written in degrees with "
+        "seven decimals, other coordinates in the unit of the system. A coordinate that cannot be "
+        "converted is undefined. Of a grid, the coordinates of the nodes are written as columns.");
     command.example = QStringLiteral("kelvane export survey samples samples.csv\n"
                                      "kelvane export survey samples zinc.csv --variables x,y,zinc "
-                                     "--separator semicolon --decimal comma --undefined NA");
+                                     "--separator semicolon --decimal comma --undefined NA\n"
+                                     "kelvane export survey samples world.csv --cs EPSG:4326 "
+                                     "--units zinc=%,depth=ft");
     command.options = {
         {QStringLiteral("separator"), QStringLiteral("S"),
          Tool::tr("comma, the default, or semicolon.")},
@@ -149,6 +175,10 @@ ToolCommand createExportCommand()
          Tool::tr("Stands for undefined values; nothing by default.")},
         {QStringLiteral("variables"), QStringLiteral("LIST"),
          Tool::tr("The variables to export, in this order: a,b,\"c, with a comma\".")},
+        {QStringLiteral("cs"), QStringLiteral("CS"),
+         Tool::tr("The coordinate system of the file: EPSG:code, IGNF:code or PROJ4:definition.")},
+        {QStringLiteral("units"), QStringLiteral("LIST"),
+         Tool::tr("The units to write variables in: VAR=UNIT,…; may be repeated.")},
         {QStringLiteral("precision"), QStringLiteral("full"),
          Tool::tr("Writes every digit that a number has.")},
     };

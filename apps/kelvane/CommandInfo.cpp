@@ -46,6 +46,7 @@ int run(const QCommandLineParser& line)
 {
     const QStringList arguments = line.positionalArguments();
     const KudDatasetDirectory project(arguments.first());
+    const KuuCoordSystem other = ToolProject::readCoordSystem(line);
     int damaged = 0;
     const auto datasets = readDatasets(project, arguments, damaged);
     const int exitCode = damaged == 0 ? ExitDone : ExitWrongInput;
@@ -56,7 +57,7 @@ int run(const QCommandLineParser& line)
         json.key("project").value(arguments.first());
         json.key("datasets").beginArray();
         for (const auto& dataset : datasets)
-            ToolDatasetFacts::write(json, *dataset);
+            ToolDatasetFacts::write(json, *dataset, other);
         json.endArray();
         json.endObject();
         ToolOutput::print(json.toByteArray());
@@ -64,7 +65,7 @@ int run(const QCommandLineParser& line)
     }
     QStringList texts;
     for (const auto& dataset : datasets)
-        texts.append(ToolDatasetFacts::toText(*dataset));
+        texts.append(ToolDatasetFacts::toText(*dataset, other));
     ToolOutput::print(texts.isEmpty()
                           ? Tool::tr("The project '%1' holds no datasets.\n").arg(arguments.first())
                           : texts.join(QLatin1Char('\n')));
@@ -80,12 +81,18 @@ ToolCommand createInfoCommand()
     command.summary = Tool::tr("Shows the datasets of a project, or one of them.");
     command.details = Tool::tr(
         "For each dataset: its kind, the number of samples, the box of its coordinates, its "
-        "coordinate system. For each variable: type, role, unit, how many values are defined and "
+        "coordinate system, with --cs the box in another one. For each variable: type, role, unit, "
+        "the unit it is shown in, how many values are defined and "
         "undefined, the minimum, the maximum and the mean, the categories.\n"
         "With --json the facts are one JSON document with numbers in full precision.");
     command.example = QStringLiteral("kelvane info survey\n"
-                                     "kelvane info survey samples --json");
-    command.options = {{QStringLiteral("json"), QString(), Tool::tr("One JSON document.")}};
+                                     "kelvane info survey samples --json\n"
+                                     "kelvane info survey samples --cs EPSG:4326");
+    command.options = {
+        {QStringLiteral("cs"), QStringLiteral("CS"),
+         Tool::tr("Shows the extent in this coordinate system, too.")},
+        {QStringLiteral("json"), QString(), Tool::tr("One JSON document.")},
+    };
     command.minArguments = 1;
     command.maxArguments = 2;
     command.run = &run;

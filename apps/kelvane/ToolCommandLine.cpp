@@ -35,6 +35,40 @@ QStringList optionNames(const ToolCommand& command)
     return names;
 }
 
+bool isNegativeNumber(const QString& word)
+{
+    return word.size() > 1 && word.at(0) == QLatin1Char('-') &&
+           (word.at(1).isDigit() || word.at(1) == QLatin1Char('.'));
+}
+
+/// The same words with the arguments behind "--", so that a negative number among them is no
+/// option.
+QStringList withArgumentsLast(const ToolCommand& command, const QStringList& words)
+{
+    QStringList options;
+    QStringList arguments;
+    for (int i = 0; i < words.size(); ++i) {
+        const QString& word = words.at(i);
+        if (word == QLatin1String("--")) {
+            arguments += words.mid(i + 1);
+            break;
+        }
+        if (i > 0 &&
+            (!word.startsWith(QLatin1Char('-')) || word.size() == 1 || isNegativeNumber(word))) {
+            arguments += word;
+            continue;
+        }
+        options += word;
+        const bool takesNext = std::any_of(
+            command.options.begin(), command.options.end(), [&word](const ToolOption& option) {
+                return !option.value.isEmpty() && word == QStringLiteral("--") + option.name;
+            });
+        if (takesNext && i + 1 < words.size())
+            options += words.at(++i);
+    }
+    return arguments.isEmpty() ? options : options << QStringLiteral("--") << arguments;
+}
+
 void checkArgumentCount(const ToolCommand& command, const QStringList& arguments)
 {
     if (arguments.size() < command.minArguments) {
@@ -71,7 +105,7 @@ void ToolCommandLine::parse(const ToolCommand& command, const QStringList& argum
     for (const ToolOption& option : command.options)
         line.addOption(QCommandLineOption(option.name, option.text, option.value));
 
-    const bool understood = line.parse(arguments);
+    const bool understood = line.parse(withArgumentsLast(command, arguments));
     const QStringList unknown = line.unknownOptionNames();
     if (!unknown.isEmpty()) {
         const QString dashes(unknown.first().size() == 1 ? 1 : 2, QLatin1Char('-'));

@@ -4,6 +4,9 @@
 
 ToolCommand createImportCommand();
 ToolCommand createInfoCommand();
+ToolCommand createSetCommand();
 ToolCommand createExportCommand();
 ToolCommand createCheckCommand();
 ToolCommand createMapCommand();
+ToolCommand createCsCommand();
+ToolCommand createConvertCommand();

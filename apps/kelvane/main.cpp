@@ -20,8 +20,8 @@ constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
 
 std::vector<ToolCommand> createCommands()
 {
-    return {createImportCommand(), createInfoCommand(), createExportCommand(), createCheckCommand(),
-            createMapCommand()};
+    return {createImportCommand(), createInfoCommand(), createSetCommand(), createExportCommand(),
+            createCheckCommand(),  createMapCommand(),  createCsCommand(),  createConvertCommand()};
 }
 
 QString generalHelp(const std::vector<ToolCommand>& commands)
@@ -29,7 +29,7 @@ QString generalHelp(const std::vector<ToolCommand>& commands)
     QString help = Tool::tr("Usage: kelvane COMMAND [arguments]\n\n"
                             "Samples in, a project on disk, an export out.\n\nCommands:\n");
     for (const ToolCommand& command : commands)
-        help += QStringLiteral("  %1%2\n").arg(command.name.leftJustified(8), command.summary);
+        help += QStringLiteral("  %1%2\n").arg(command.name.leftJustified(9), command.summary);
     help += Tool::tr("\n'kelvane COMMAND --help' tells more of one of them. 'kelvane --version' "
                      "shows the version.\n\nExample:\n"
                      "  kelvane import samples.csv --project survey\n"

@@ -91,6 +91,30 @@ void HbiIntervalDisjoint<Set, Interval>::clear()
 }
 
 template <class Set, class Interval>
+void HbiIntervalDisjoint<Set, Interval>::addSorted(const Rank* ranks, std::size_t count)
+{
+    std::size_t done = 0;
+    if (isEmpty()) {
+        // A small set is made at once, with no room left over.
+        std::vector<Interval> pieces;
+        pieces.reserve(std::min(count, Store::MAX_PIECES));
+        while (done < count && pieces.size() < Store::MAX_PIECES) {
+            const Rank first = ranks[done];
+            Rank last = first;
+            while (++done < count && (ranks[done] == last || ranks[done] - 1 == last))
+                last = ranks[done];
+            pieces.push_back(Interval(first, last));
+        }
+        if (!pieces.empty())
+            m_hull = Interval(pieces.front().getMin(), pieces.back().getMax());
+        if (pieces.size() > 1)
+            m_store = std::make_unique<Store>(std::move(pieces)).release();
+    }
+    for (; done < count; ++done)
+        add(ranks[done]);
+}
+
+template <class Set, class Interval>
 void HbiIntervalDisjoint<Set, Interval>::subtract(const Interval& interval)
 {
     const Interval removed = m_hull.intersected(interval);

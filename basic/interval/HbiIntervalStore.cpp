@@ -50,6 +50,14 @@ HbiIntervalStore<Interval>::HbiIntervalStore()
 }
 
 template <class Interval>
+HbiIntervalStore<Interval>::HbiIntervalStore(std::vector<Interval> pieces)
+    : HbiIntervalStore()
+{
+    m_blocks[0].pieces = std::move(pieces);
+    m_count = _countOf(0);
+}
+
+template <class Interval>
 HbiIntervalStore<Interval>::HbiIntervalStore(const HbiIntervalStore& other)
     : m_lower(other.m_lower)
     , m_count(other.m_count)

@@ -21,7 +21,11 @@ class HbiIntervalStore
 public:
     using Rank = typename Interval::RankType;
 
+    static constexpr std::size_t MAX_PIECES = 512; // an array of them takes about half a bitmap
+
     HbiIntervalStore();
+    /// Of pieces that neither meet nor touch, in ascending order, MAX_PIECES at most.
+    explicit HbiIntervalStore(std::vector<Interval> pieces);
     HbiIntervalStore(const HbiIntervalStore& other); // a deep copy, with one reference
 
     /// The number of ranks modulo 2^64.
@@ -63,9 +67,8 @@ private:
         std::unique_ptr<HbiRankBitmap> bitmap;
     };
 
-    static constexpr std::size_t MAX_PIECES = 512; // an array of them takes about half a bitmap
-    static constexpr std::size_t CROWD = 256;      // pieces within 65536 ranks that make a bitmap
-    static constexpr quint32 THIN = 64;            // a bitmap with fewer ranks becomes an array
+    static constexpr std::size_t CROWD = 256; // pieces within 65536 ranks that make a bitmap
+    static constexpr quint32 THIN = 64;       // a bitmap with fewer ranks becomes an array
 
     Rank _upper(std::size_t k) const
     {

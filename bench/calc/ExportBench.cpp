@@ -1,9 +1,11 @@
 // A million rows to delimited text: the export by blocks and line by line, beside a plain loop over
-// the same columns that writes the same file with std::to_chars into a large buffer.
+// the same columns that writes the same file with std::to_chars into a large buffer. And into
+// another coordinate system, beside a conversion of all coordinates at once before that loop.
 #include <RatioLimits.h>
 
 #include <util/calc/KucExportData.h>
 #include <util/calc/KucExportDataEncodingCsv.h>
+#include <util/utils/KuuCoordSystemConverter.h>
 
 #include <geos/data/HgdDataSetPoints.h>
 
@@ -152,9 +154,59 @@ void writeThroughExport(const Samples& data, const QString& path)
         exportData.rethrowError();
 }
 
-void run(benchmark::State& state, void (*write)(const Samples&, const QString&), const char* name)
+const KuuCoordSystem& zone(int number)
 {
-    const Samples& data = samples();
+    static const KuuCoordSystem zones[] = {KuuCoordSystem::createFromEpsg("32631"),
+                                           KuuCoordSystem::createFromEpsg("32632")};
+    return zones[number];
+}
+
+/// The first two columns are coordinates.
+struct PlacedSamples : Samples {
+    PlacedSamples()
+    {
+        const HbdEVarRole roles[] = {HbdEVarRole::X_COORDINATE, HbdEVarRole::Y_COORDINATE};
+        for (std::size_t i = 0; i < 2; ++i) {
+            HbdVariableDetails details = reals[i]->getDetails();
+            details.role = roles[i];
+            reals[i]->setDetails(details);
+        }
+    }
+};
+
+const Samples& placedSamples()
+{
+    static const PlacedSamples instance;
+    return instance;
+}
+
+void convertThenWritePlainly(const Samples& data, const QString& path)
+{
+    static const Samples converted;
+    std::vector<double> x(ROWS);
+    std::vector<double> y(ROWS);
+    data.reals[0]->readNumbers(0, ROWS, x.data());
+    data.reals[1]->readNumbers(0, ROWS, y.data());
+    KuuCoordSystemConverter(zone(0), zone(1)).convert(x.data(), y.data(), nullptr, ROWS);
+    converted.reals[0]->writeNumbers(0, ROWS, x.data());
+    converted.reals[1]->writeNumbers(0, ROWS, y.data());
+    writePlainly(converted, path);
+}
+
+void convertThroughExport(const Samples& data, const QString& path)
+{
+    KucExportData exportData;
+    exportData.setDataset(data.toDataSet());
+    exportData.setCoordSystems(zone(0), zone(1));
+    exportData.setEncodingStrategy(
+        new KucExportDataEncodingCsv(path, KueCsvSeparator(), KueDecimalSeparator()));
+    if (!exportData.runInCurrentThread())
+        exportData.rethrowError();
+}
+
+void run(benchmark::State& state, const Samples& data,
+         void (*write)(const Samples&, const QString&), const char* name)
+{
     const QString path = pathOf(name);
     for (auto _ : state)
         write(data, path);
@@ -163,15 +215,24 @@ void run(benchmark::State& state, void (*write)(const Samples&, const QString&),
 
 void plainLoop(benchmark::State& state)
 {
-    run(state, writePlainly, "plain.csv");
+    run(state, samples(), writePlainly, "plain.csv");
 }
 void byBlocks(benchmark::State& state)
 {
-    run(state, writeThroughExport<KucExportDataEncodingCsv>, "blocks.csv");
+    run(state, samples(), writeThroughExport<KucExportDataEncodingCsv>, "blocks.csv");
 }
 void byLines(benchmark::State& state)
 {
-    run(state, writeThroughExport<LineEncoding>, "lines.csv");
+    run(state, samples(), writeThroughExport<LineEncoding>, "lines.csv");
+}
+
+void convertedPlainly(benchmark::State& state)
+{
+    run(state, placedSamples(), convertThenWritePlainly, "plain-converted.csv");
+}
+void converted(benchmark::State& state)
+{
+    run(state, placedSamples(), convertThroughExport, "converted.csv");
 }
 
 /// A fast export of something else would prove nothing.
@@ -184,16 +245,24 @@ void checkSameFiles()
     if (plain.isEmpty() || plain != bytesOf(pathOf("blocks.csv")) ||
         plain != bytesOf(pathOf("lines.csv")))
         throw std::runtime_error("the exports differ from the plain loop");
+    convertThenWritePlainly(placedSamples(), pathOf("plain-converted.csv"));
+    convertThroughExport(placedSamples(), pathOf("converted.csv"));
+    if (bytesOf(pathOf("plain-converted.csv")) != bytesOf(pathOf("converted.csv")))
+        throw std::runtime_error("the converted export differs from the plain loop");
 }
 } // namespace
 
 BENCHMARK(plainLoop)->Unit(benchmark::kMillisecond)->Repetitions(3);
 BENCHMARK(byBlocks)->Unit(benchmark::kMillisecond)->Repetitions(3);
 BENCHMARK(byLines)->Unit(benchmark::kMillisecond)->Repetitions(3);
+BENCHMARK(convertedPlainly)->Unit(benchmark::kMillisecond)->Repetitions(3);
+BENCHMARK(converted)->Unit(benchmark::kMillisecond)->Repetitions(3);
 
 int main(int argc, char** argv)
 {
     checkSameFiles();
     return runWithLimits(argc, argv,
-                         {{"byBlocks", "plainLoop", 1.0}, {"byLines", "plainLoop", 1.5}});
+                         {{"byBlocks", "plainLoop", 1.0},
+                          {"byLines", "plainLoop", 1.5},
+                          {"converted", "convertedPlainly", 1.0}});
 }

@@ -6,6 +6,7 @@
 
 #include <basic/data/HbdANumericVariable.h>
 #include <basic/error/HbeProgrammingError.h>
+#include <basic/error/HbeUserError.h>
 
 #include <QtCore/QCoreApplication>
 
@@ -87,6 +88,11 @@ HgdDataSetGrid Kuc::createGrid(const KudMemoryDatasetGrid& dataset,
                                const KudDatasetVariableList& variables)
 {
     const KuuGeometrySet geometry = dataset.readGeometrySet();
+    if (geometry.isSparseGrid()) {
+        throw HbeUserError(QCoreApplication::translate(
+                               "KucDataSets", "The grid '%1' is sparse: a full grid is needed.")
+                               .arg(dataset.getName()));
+    }
     HgdDataSetGrid grid(geometry.isValid() ? std::as_const(geometry).toGrid() : HbgGeomGrid());
     addVariables(grid, *dataset.getGridTable(), variables);
     return grid;

@@ -31,9 +31,8 @@ void KucExportBlock::fillRow(int row, Row& cells) const
     auto cell = cells.begin();
     for (int i = 0; i < m_indexCount; ++i)
         (cell++)->value.setValue(getIndex(row, i));
-    const int rank = getRank(row);
     for (const KucExportColumn& column : m_columns) {
-        if (!column.read(rank, cell->value))
+        if (!column.read(getPlace(row, column), cell->value))
             cell->value = m_undefinedValue;
         ++cell;
     }

@@ -19,6 +19,19 @@ KucExportColumn::KucExportColumn(const HbdAVariable& values, const HbuUnitTransf
     takeValues();
 }
 
+KucExportColumn::KucExportColumn(const double* rowValues, const HbuUnitTransfo& conversion,
+                                 const HbbEFormat& format, int precision)
+    : m_values(nullptr)
+    , m_data(rowValues)
+    , m_kind(Kind::REAL)
+    , m_storage(Storage::REAL)
+    , m_converts(conversion.isValid() && !conversion.isIdentity())
+    , m_conversion(conversion)
+    , m_format(format)
+    , m_precision(precision)
+{
+}
+
 void KucExportColumn::takeValues()
 {
     const auto take = [this](const auto& variable, Kind kind, Storage storage) {
@@ -56,37 +69,37 @@ void KucExportColumn::takeLabels()
         m_labels[category.code] = {category.label, category.label.toUtf8()};
 }
 
-bool KucExportColumn::read(int rank, QVariant& value) const
+bool KucExportColumn::read(int place, QVariant& value) const
 {
     switch (m_kind) {
     case Kind::REAL: {
-        const double number = getReal(rank);
+        const double number = getReal(place);
         if (HbbGlobal::isUndefined(number))
             return false;
         value.setValue(number);
         return true;
     }
     case Kind::INTEGER: {
-        const qint64 number = getInteger(rank);
+        const qint64 number = getInteger(place);
         if (HbbGlobal::isUndefined(number))
             return false;
         value.setValue(number);
         return true;
     }
     case Kind::TEXT: {
-        const QString& text = getText(rank);
+        const QString& text = getText(place);
         if (text.isNull())
             return false;
         value.setValue(text);
         return true;
     }
     case Kind::CATEGORY:
-        value = getLabel(rank).text;
+        value = getLabel(place).text;
         return true;
     case Kind::OTHER:
         break;
     }
-    const QVariant other = m_values->getVariant(rank);
+    const QVariant other = m_values->getVariant(place);
     if (!other.isValid())
         return false;
     value = other;

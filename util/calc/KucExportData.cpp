@@ -1,11 +1,13 @@
 #include <util/calc/KucExportData.h>
 
+#include "KucExportCoordinates.h"
 #include "KucGridOrder.h"
 
 #include <geos/data/HgdDataSetGrid.h>
 #include <geos/data/HgdDataSetPoints.h>
 
 #include <basic/error/HbeProgrammingError.h>
+#include <basic/error/HbeUserError.h>
 #include <basic/unit/HbuUnitService.h>
 
 #include <algorithm>
@@ -16,24 +18,18 @@ constexpr char SOURCE_PATH[] = "calc\\KucExportData";
 constexpr int BLOCK_SIZE = 100000;   // ranks
 constexpr int LON_LAT_PRECISION = 7; // about a centimetre
 
-/// The unit that numbers of an angle are given in as longitude and latitude: degrees, which its
-/// class stores. Other units say nothing of degrees: the values are taken as they are.
-HbuUnitTransfo getConversionToDegrees(const HbuUnit& unit)
+/// The details of a longitude or latitude; angles of other units are converted.
+HbdVariableDetails toDegrees(HbdVariableDetails details)
 {
-    const HbuEUnitClass unitClass = unit.getUnitClass();
-    const bool isAngle = unitClass == HbuEUnitClass::ANGLE ||
-                         unitClass == HbuEUnitClass::LONGITUDE ||
-                         unitClass == HbuEUnitClass::LATITUDE;
-    return isAngle ? HbuUnitService::getInstance().getConversionToStorageUnit(unit)
-                   : HbuUnitTransfo();
-}
-
-QString getSystemText(const KuuCoordSystem& system)
-{
-    if (!system.getName().isEmpty())
-        return system.getName();
-    const QString text = system.serialize();
-    return text.isEmpty() ? KucExportData::tr("none") : text;
+    const HbuUnitService& units = HbuUnitService::getInstance();
+    const bool isAngle = KucExportCoordinates::getConversionToDegrees(details.unit).isValid();
+    details.displayUnit =
+        units.getStorageUnit(isAngle ? details.unit.getUnitClass() : HbuEUnitClass::ANGLE);
+    if (!isAngle)
+        details.unit = details.displayUnit; // other units say nothing of degrees
+    details.format = HbbEFormat::DECIMAL;
+    details.precision = LON_LAT_PRECISION;
+    return details;
 }
 
 /// Calls `function(first, end)` for the parts of at most `size` that a range falls into.
@@ -75,6 +71,19 @@ void KucExportData::setCoordSystems(const KuuCoordSystem& input, const KuuCoordS
     m_outputSystem = output;
 }
 
+void KucExportData::setUnit(const QString& variable, const HbuUnit& unit)
+{
+    if (unit.isValid())
+        m_units.insert(variable, unit);
+    else
+        m_units.remove(variable);
+}
+
+void KucExportData::setNodeCoordinates(bool write)
+{
+    m_nodeCoordinates = write;
+}
+
 void KucExportData::setSorting(const QList<int>& axes)
 {
     m_sorting = axes;
@@ -99,6 +108,22 @@ void KucExportData::setEncodingStrategy(KucAExportDataEncoding* encoding)
 {
     if (encoding != m_encoding.get())
         m_encoding.reset(encoding);
+}
+
+const KuuCoordSystemConverter* KucExportData::getConverter() const
+{
+    return m_coordinates ? m_coordinates->getConverter() : nullptr;
+}
+
+KuuCoordSystemConverter::Counts KucExportData::getConversionCounts() const
+{
+    return m_coordinates ? m_coordinates->getCounts() : KuuCoordSystemConverter::Counts();
+}
+
+QString KucExportData::getConversionReport() const
+{
+    const KuuCoordSystemConverter* const converter = getConverter();
+    return converter != nullptr ? converter->getReport(getConversionCounts()) : QString();
 }
 
 int KucExportData::_countInputs(const HgcInputRule& rule) const
@@ -133,15 +158,47 @@ void KucExportData::checkSorting(const HgdDataSetGrid& grid) const
 QString KucExportData::_checkInputs() const
 {
     const QString error = HgcACalculatorSimple::_checkInputs();
-    if (!error.isEmpty() || m_inputSystem.isSameTransfo(m_outputSystem))
+    if (!error.isEmpty())
         return error;
-    return tr("The coordinates cannot be exported from the coordinate system '%1' to '%2': "
-              "reprojection is not available in this version.")
-        .arg(getSystemText(m_inputSystem), getSystemText(m_outputSystem));
+    try {
+        checkUnits(*createCoordinates());
+    } catch (const HbeUserError& unfit) {
+        return unfit.getMessage();
+    }
+    return QString();
+}
+
+std::unique_ptr<KucExportCoordinates> KucExportData::createCoordinates() const
+{
+    return std::make_unique<KucExportCoordinates>(
+        *m_dataset,
+        KucExportCoordinates::Setup{m_inputSystem, m_outputSystem, m_nodeCoordinates, BLOCK_SIZE});
+}
+
+void KucExportData::checkUnits(const KucExportCoordinates& coordinates) const
+{
+    QMap<QString, HbuUnit> unknown = m_units;
+    for (const HbdAVariable* variable : m_dataset->getVariables(HgdADataSet::getDataRole())) {
+        const QString name = variable->getFullName();
+        unknown.remove(name);
+        if (!m_units.contains(name))
+            continue;
+        const HbuUnit before = describe(*variable, coordinates).unit;
+        const HbuUnit after = m_units.value(name);
+        if (!HbuUnitService::getInstance().getConversion(before, after).isValid()) {
+            throw HbeUserError(tr("The variable '%1' cannot be exported in '%2': its values are in "
+                                  "'%3'.")
+                                   .arg(name, after.getSymbol(), before.getSymbol()));
+        }
+    }
+    if (!unknown.isEmpty())
+        throw HbeUserError(tr("There is no variable '%1' to export in '%2'.")
+                               .arg(unknown.firstKey(), unknown.first().getSymbol()));
 }
 
 void KucExportData::_compute()
 {
+    m_coordinates = createCoordinates();
     m_encoding->openFile();
     try {
         setMessage(tr("Exporting..."));
@@ -160,21 +217,39 @@ bool KucExportData::isLonLat(const HbdAVariable& variable) const
            (isXCoordinate(variable) || variable.getDetails().role == HbdEVarRole::Y_COORDINATE);
 }
 
+/// The variable as it is exported; the unit is that of the values that the column reads.
+HbdVariableDetails KucExportData::describe(const HbdAVariable& variable,
+                                           const KucExportCoordinates& coordinates) const
+{
+    HbdVariableDetails details = coordinates.findValues(variable) != nullptr
+                                     ? coordinates.describe(variable)
+                                     : variable.getDetails();
+    if (isLonLat(variable))
+        details = toDegrees(details);
+    const auto unit = m_units.find(variable.getFullName());
+    if (unit != m_units.end())
+        details = details.shownIn(*unit);
+    if (m_fullPrecision)
+        details.format = HbbEFormat::SHORTEST;
+    return details;
+}
+
 KucExportColumn KucExportData::createColumn(const HbdAVariable& variable) const
 {
-    const HbdVariableDetails& details = variable.getDetails();
-    HbuUnitTransfo conversion =
+    const HbdVariableDetails details = describe(variable, *m_coordinates);
+    const HbuUnitTransfo conversion =
         HbuUnitService::getInstance().getConversion(details.unit, details.getShownUnit());
-    HbbEFormat format = details.format;
-    int precision = details.precision;
-    if (isLonLat(variable)) {
-        conversion = getConversionToDegrees(details.unit);
-        format = HbbEFormat::DECIMAL;
-        precision = LON_LAT_PRECISION;
-    }
-    if (m_fullPrecision)
-        format = HbbEFormat::SHORTEST;
-    return KucExportColumn(variable, conversion, format, precision);
+    if (const double* values = m_coordinates->findValues(variable))
+        return KucExportColumn(values, conversion, details.format, details.precision);
+    return KucExportColumn(variable, conversion, details.format, details.precision);
+}
+
+std::vector<const HbdAVariable*> KucExportData::getColumnVariables() const
+{
+    std::vector<const HbdAVariable*> variables = m_coordinates->getNodeVariables();
+    for (const HbdAVariable* variable : m_dataset->getVariables(HgdADataSet::getDataRole()))
+        variables.push_back(variable);
+    return variables;
 }
 
 QStringList KucExportData::getIndexNames() const
@@ -192,7 +267,7 @@ QStringList KucExportData::getIndexNames() const
 void KucExportData::writeHeader()
 {
     QStringList names = getIndexNames();
-    for (const HbdAVariable* variable : m_dataset->getVariables(HgdADataSet::getDataRole())) {
+    for (const HbdAVariable* variable : getColumnVariables()) {
         if (!isLonLat(*variable))
             names.append(variable->getFullName());
         else
@@ -208,7 +283,7 @@ void KucExportData::writeHeader()
 void KucExportData::exportSamples()
 {
     Columns columns;
-    for (const HbdAVariable* variable : m_dataset->getVariables(HgdADataSet::getDataRole()))
+    for (const HbdAVariable* variable : getColumnVariables())
         columns.push_back(createColumn(*variable));
     KucExportBlock block(columns, m_undefined, *this);
     initCounter(m_dataset->getSampleCount());
@@ -239,19 +314,19 @@ void KucExportData::exportPoints(KucExportBlock& block)
         }
         const int loaded = static_cast<int>(ranks.size());
         advance(end - first - loaded);
-        block.setRows({ranks.data(), loaded}, {}, 0);
-        m_encoding->writeBlock(block);
+        writeBlock(block, ranks, {}, 0);
     });
 }
 
-/// Columns are read where they are, so a slab takes no memory for values. Still a grid whose values
+/// Columns are read where they are, so a slab takes no memory for values but the block's
+/// coordinates. Still a grid whose values
 /// are more than the memory is read in slabs: along the outermost loop, whose rows are consecutive
 /// in the file, so that the file is the same.
 void KucExportData::exportGrid(KucExportBlock& block)
 {
     const auto& grid = static_cast<const HgdDataSetGrid&>(*m_dataset);
     const KucGridOrder order(grid, m_sorting);
-    const qint64 sampleSize = grid.getSampleSize();
+    const qint64 sampleSize = grid.getSampleSize() + (getConverter() != nullptr ? 8 : 0);
     const qint64 memory = getAvailableMemory();
     qint64 layers = order.getLength(0);
     if (layers * order.getLength(1) * sampleSize > memory)
@@ -286,7 +361,14 @@ void KucExportData::exportCells(KucExportBlock& block, const KucGridOrder& order
     });
     const int loaded = static_cast<int>(ranks.size());
     advance(end - first - loaded);
-    block.setRows({ranks.data(), loaded}, {indices.data(), static_cast<int>(indices.size())},
-                  indexCount);
+    writeBlock(block, ranks, indices, indexCount);
+}
+
+void KucExportData::writeBlock(KucExportBlock& block, const std::vector<int>& ranks,
+                               const std::vector<int>& indices, int indexCount)
+{
+    const HbdSpan<const int> rows(ranks.data(), static_cast<int>(ranks.size()));
+    m_coordinates->load(rows, *this);
+    block.setRows(rows, {indices.data(), static_cast<int>(indices.size())}, indexCount);
     m_encoding->writeBlock(block);
 }

@@ -17,34 +17,34 @@ KueCsv createCodec(const KueCsvSeparator& separator, const KueDecimalSeparator& 
 
 /// The undefined text, or the value in the form of its column: the bytes of the variant that
 /// KucExportColumn::read gives.
-void appendCell(KueCsvWriter& writer, const KucExportColumn& column, int rank,
+void appendCell(KueCsvWriter& writer, const KucExportColumn& column, int place,
                 const QString& undefined)
 {
     switch (column.getKind()) {
     case KucExportColumn::Kind::REAL: {
-        const double value = column.getReal(rank);
+        const double value = column.getReal(place);
         if (HbbGlobal::isUndefined(value))
             return writer.appendText(undefined);
         return writer.appendReal(value, column.getFormat().toEnum(), column.getPrecision());
     }
     case KucExportColumn::Kind::INTEGER: {
-        const qint64 value = column.getInteger(rank);
+        const qint64 value = column.getInteger(place);
         return HbbGlobal::isUndefined(value) ? writer.appendText(undefined)
                                              : writer.appendInteger(value);
     }
     case KucExportColumn::Kind::TEXT: {
-        const QString& text = column.getText(rank);
+        const QString& text = column.getText(place);
         return writer.appendText(text.isNull() ? undefined : text);
     }
     case KucExportColumn::Kind::CATEGORY: {
-        const QByteArray& label = column.getLabel(rank).utf8;
+        const QByteArray& label = column.getLabel(place).utf8;
         return writer.appendUtf8(label.constData(), label.size());
     }
     case KucExportColumn::Kind::OTHER:
         break;
     }
     QVariant value(undefined);
-    column.read(rank, value);
+    column.read(place, value);
     writer.appendValue({value, column.getFormat(), column.getPrecision()});
 }
 } // namespace
@@ -107,9 +107,8 @@ void KucExportDataEncodingCsv::writeBlock(const KucExportBlock& block)
         block.beginRow();
         for (int i = 0; i < block.getIndexCount(); ++i)
             m_writer.appendInteger(block.getIndex(row, i));
-        const int rank = block.getRank(row);
         for (const KucExportColumn& column : columns)
-            appendCell(m_writer, column, rank, block.getUndefined());
+            appendCell(m_writer, column, block.getPlace(row, column), block.getUndefined());
         endLine();
         block.endRow();
     }

@@ -1,5 +1,7 @@
 #include "KudColumnBytes.h"
 
+#include <util/utils/KuuMementoBytes.h>
+
 #include <basic/data/HbdVariableAlpha.h>
 #include <basic/data/HbdVariableColor.h>
 #include <basic/data/HbdVariableDate.h>
@@ -14,70 +16,13 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QtEndian>
 
-#include <zstd.h>
-
 #include <memory>
-
-static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "columns are copied to disk as they are in memory");
 
 namespace
 {
-constexpr int COMPRESSION_LEVEL = ZSTD_CLEVEL_DEFAULT; // 1 is faster, but a seventh larger
-
-/// Its base64 form, a third longer, must fit into a text of less than 2^31 bytes.
-constexpr std::size_t MAX_FRAME_BYTES = 1500 * 1000 * 1000;
-
 QString tr(const char* text)
 {
     return QCoreApplication::translate("KudColumnBytes", text);
-}
-
-QByteArray compressed(const char* bytes, std::size_t size)
-{
-    if (size == 0)
-        return QByteArray();
-    const std::size_t bound = ZSTD_compressBound(size);
-    const std::unique_ptr<char[]> frame(new char[bound]); // nobody needs it cleared
-    const std::size_t length = ZSTD_compress(frame.get(), bound, bytes, size, COMPRESSION_LEVEL);
-    if (ZSTD_isError(length))
-        throw HbeError(QString::fromUtf8(ZSTD_getErrorName(length)));
-    if (length > MAX_FRAME_BYTES)
-        throw HbeUserError(tr("The values of a variable are too large to be saved."));
-    return QByteArray::fromRawData(frame.get(), static_cast<int>(length)).toBase64();
-}
-
-QByteArray frameOf(const QByteArray& text)
-{
-    const auto decoded =
-        QByteArray::fromBase64Encoding(text, QByteArray::AbortOnBase64DecodingErrors);
-    if (!decoded)
-        throw HbeUserError(tr("Its values are not valid base64."));
-    return *decoded;
-}
-
-/// The number of bytes that a frame says it holds; the writer always says it.
-quint64 contentSize(const QByteArray& frame)
-{
-    if (frame.isEmpty())
-        return 0;
-    const unsigned long long size =
-        ZSTD_getFrameContentSize(frame.constData(), static_cast<std::size_t>(frame.size()));
-    if (size == ZSTD_CONTENTSIZE_ERROR || size == ZSTD_CONTENTSIZE_UNKNOWN)
-        throw HbeUserError(tr("Its values are not compressed as expected."));
-    // A block takes three bytes at least. What says more is damaged, and gets no memory.
-    if (size / ZSTD_BLOCKSIZE_MAX > static_cast<quint64>(frame.size()) / 3)
-        throw HbeUserError(tr("Its compressed values are damaged."));
-    return size;
-}
-
-void decompress(const QByteArray& frame, char* bytes, std::size_t size)
-{
-    if (size == 0)
-        return;
-    const std::size_t length =
-        ZSTD_decompress(bytes, size, frame.constData(), static_cast<std::size_t>(frame.size()));
-    if (ZSTD_isError(length) || length != size)
-        throw HbeUserError(tr("Its compressed values are damaged."));
 }
 
 [[noreturn]] void raiseWrongSize(quint64 found, quint64 expected)
@@ -89,21 +34,20 @@ template <class Variable>
 QByteArray encodeNumbers(const HbdAVariable& variable)
 {
     const auto values = static_cast<const Variable&>(variable).getValues();
-    return compressed(reinterpret_cast<const char*>(values.data()),
-                      static_cast<std::size_t>(values.size()) * sizeof(typename Variable::Value));
+    return KuuMementoBytes::pack(values.data(), static_cast<std::size_t>(values.size()) *
+                                                    sizeof(typename Variable::Value));
 }
 
 template <class Variable>
 void decodeNumbers(const QByteArray& text, int count, HbdAVariable& variable)
 {
     using Value = typename Variable::Value;
-    const QByteArray frame = frameOf(text);
+    const KuuMementoBytes bytes(text);
     const quint64 expected = static_cast<quint64>(count) * sizeof(Value);
-    const quint64 found = contentSize(frame);
-    if (found != expected)
-        raiseWrongSize(found, expected); // before any memory is taken for it
+    if (bytes.getSize() != expected)
+        raiseWrongSize(bytes.getSize(), expected); // before any memory is taken for it
     std::vector<Value> values(static_cast<std::size_t>(count));
-    decompress(frame, reinterpret_cast<char*>(values.data()), expected);
+    bytes.unpack(values.data());
     static_cast<Variable&>(variable).setValues(std::move(values));
 }
 
@@ -120,18 +64,18 @@ QByteArray encodeTexts(const HbdAVariable& variable)
         const auto* units = reinterpret_cast<const char*>(text.constData());
         bytes.insert(bytes.end(), units, units + 2 * text.size());
     }
-    return compressed(bytes.data(), bytes.size());
+    return KuuMementoBytes::pack(bytes.data(), bytes.size());
 }
 
 void decodeTexts(const QByteArray& text, int count, HbdAVariable& variable)
 {
-    const QByteArray frame = frameOf(text);
+    const KuuMementoBytes packed(text);
     const quint64 lengthBytes = static_cast<quint64>(count) * sizeof(qint32);
-    const quint64 size = contentSize(frame);
+    const quint64 size = packed.getSize();
     if (size < lengthBytes)
         raiseWrongSize(size, lengthBytes);
     std::vector<char> bytes(size);
-    decompress(frame, bytes.data(), bytes.size());
+    packed.unpack(bytes.data());
 
     std::vector<QString> texts(static_cast<std::size_t>(count));
     quint64 at = lengthBytes;

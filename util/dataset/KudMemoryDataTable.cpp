@@ -61,7 +61,10 @@ int KudMemoryDataTable::getSampleCount() const
 
 void KudMemoryDataTable::setCoordSystem(const KuuCoordSystem& coordSystem)
 {
+    if (*m_coordSystem == coordSystem)
+        return;
     *m_coordSystem = coordSystem;
+    notifyReset();
 }
 
 KuuCoordSystem KudMemoryDataTable::getCoordSystem() const
@@ -72,13 +75,13 @@ KuuCoordSystem KudMemoryDataTable::getCoordSystem() const
 HbuUnit KudMemoryDataTable::getCoordinateUnit() const
 {
     const HbuUnit unit = getDetails(getStructuralVariable(HbdEVarRole::X_COORDINATE)).unit;
-    return unit.isValid() ? unit : m_coordSystem->getUnit();
+    return unit.isNone() ? m_coordSystem->getUnit() : unit;
 }
 
 HbuUnit KudMemoryDataTable::getElevationUnit() const
 {
     const HbuUnit unit = getDetails(getStructuralVariable(HbdEVarRole::Z_COORDINATE)).unit;
-    if (unit.isValid())
+    if (!unit.isNone())
         return unit;
     const HbuUnit coordinateUnit = getCoordinateUnit();
     return coordinateUnit.getUnitClass() == HbuEUnitClass::LENGTH ? coordinateUnit : HbuUnit();

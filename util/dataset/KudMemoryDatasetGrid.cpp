@@ -23,6 +23,17 @@ bool fitsTable(qint64 nodeCount)
     return !HbbGlobal::isUndefined(nodeCount) && nodeCount > std::numeric_limits<int>::min() &&
            nodeCount < std::numeric_limits<int>::max();
 }
+
+/// A grid of either kind that has no nodes, or whose nodes have places: of no other a memento could
+/// be read back.
+bool isUsable(const KuuGeometrySet& geometrySet)
+{
+    if (!geometrySet.isGrid())
+        return false;
+    const HbgGeomGrid& grid =
+        geometrySet.isSparseGrid() ? geometrySet.toSparseGrid().getGrid() : geometrySet.toGrid();
+    return grid.isValid() || geometrySet.getSampleCount() == 0;
+}
 } // namespace
 
 KudMemoryDatasetGrid::KudMemoryDatasetGrid(const QString& name)
@@ -53,7 +64,7 @@ const KudMemoryDatasetGrid* KudMemoryDatasetGrid::convert(const KudADataset* dat
 
 void KudMemoryDatasetGrid::setGeometrySet(const KuuGeometrySet& geometrySet)
 {
-    if (!geometrySet.isGrid())
+    if (!isUsable(geometrySet))
         HBE_PROGRAMMING_ERROR(SOURCE_PATH, tr("Invalid geometry set."));
     const qint64 nodeCount = geometrySet.getSampleCount();
     if (!fitsTable(nodeCount))
@@ -109,7 +120,7 @@ void KudMemoryDatasetGrid::deleteAllObjects() {}
 
 HbgEGeometrySet KudMemoryDatasetGrid::getGeometry() const
 {
-    return HbgEGeometrySet::GRID;
+    return m_geometrySet.isSparseGrid() ? HbgEGeometrySet::GRID_SPARSE : HbgEGeometrySet::GRID;
 }
 
 KuuGeometrySet KudMemoryDatasetGrid::readGeometrySet() const

@@ -1,5 +1,7 @@
 #include <util/utils/KuuCoordSystemService.h>
 
+#include "KuuCoordSystemProj.h"
+
 #include <util/utils/KuuCoordSystem.h>
 
 #include <basic/base/HbbGlobal.h>
@@ -10,111 +12,23 @@
 #include <QtCore/QPair>
 
 #include <mutex>
-#include <proj.h>
+
+using namespace KuuCoordSystemProj;
 
 namespace
 {
 
-const QLatin1String EPSG("EPSG");
-const QLatin1String IGNF("IGNF");
-
-/// PROJ's contexts belong to one thread each; its log is silent, as every failure is an answer
-/// here.
-PJ_CONTEXT* context()
-{
-    struct Owner {
-        PJ_CONTEXT* context = proj_context_create();
-        Owner()
-        {
-            proj_log_level(context, PJ_LOG_NONE);
-            proj_context_use_proj4_init_rules(context, 1); // "+init=epsg:…" in old definitions
-        }
-        ~Owner() { proj_context_destroy(context); }
-    };
-    thread_local const Owner owner;
-    return owner.context;
-}
-
-struct PjDeleter {
-    void operator()(PJ* object) const { proj_destroy(object); }
-};
-using PjPointer = std::unique_ptr<PJ, PjDeleter>;
-
-/// The database compares codes as numbers where it can: it finds 2154 for " 2154", "02154" and
-/// "2154.0", too, which are no codes.
-bool isSpeltAsCode(const QString& code)
-{
-    const double number = HbbGlobal::convertString(code, HbbGlobal::D_FFFF);
-    return HbbGlobal::isUndefined(number) || code == QString::number(number, 'f', 0);
-}
-
-PjPointer createFromCode(QLatin1String authority, const QString& code)
-{
-    if (!isSpeltAsCode(code) || code.contains(QChar(QChar::Null)))
-        return nullptr;
-    return PjPointer(proj_create_from_database(
-        context(), authority.data(), code.toUtf8().constData(), PJ_CATEGORY_CRS, 0, nullptr));
-}
-
-PjPointer createFromDefinition(const KueProj4Definition& definition)
-{
-    if (!definition.isValid())
-        return nullptr;
-    // Without the type, PROJ would make an operation of it, not a coordinate system.
-    QString text = definition.getText();
-    if (!definition.hasParameter(QStringLiteral("type")))
-        text += QLatin1String(" +type=crs");
-    return PjPointer(proj_create(context(), text.toUtf8().constData()));
-}
-
-/// `text` is "AUTHORITY:CODE" with one of our authorities, or a PROJ.4 definition. Null when PROJ
-/// does not know it.
-PjPointer createCrs(const QString& text)
-{
-    for (const QLatin1String authority : {EPSG, IGNF}) {
-        const QString prefix = authority + QLatin1Char(':');
-        if (text.startsWith(prefix))
-            return createFromCode(authority, text.mid(prefix.size()));
-    }
-    return createFromDefinition(KueProj4Definition(text));
-}
-
-/// The geographic or projected system in it, or null.
-PjPointer horizontalPart(PjPointer crs)
-{
-    while (crs) {
-        switch (proj_get_type(crs.get())) {
-        case PJ_TYPE_GEOGRAPHIC_2D_CRS:
-        case PJ_TYPE_GEOGRAPHIC_3D_CRS:
-        case PJ_TYPE_PROJECTED_CRS:
-            return crs;
-        case PJ_TYPE_COMPOUND_CRS:
-            crs.reset(proj_crs_get_sub_crs(context(), crs.get(), 0));
-            break;
-        case PJ_TYPE_BOUND_CRS:
-            crs.reset(proj_get_source_crs(context(), crs.get()));
-            break;
-        default:
-            return nullptr;
-        }
-    }
-    return nullptr;
-}
-
 /// The unit of the first axis of a projected system; one that our table lacks is made here.
 HbuUnit axisUnit(const PJ* crs)
 {
-    const PjPointer axes(proj_crs_get_coordinate_system(context(), crs));
-    double factor = 0.;
-    const char* name = nullptr;
-    if (!axes || !proj_cs_get_axis_info(context(), axes.get(), 0, nullptr, nullptr, nullptr,
-                                        &factor, &name, nullptr, nullptr))
+    QString text;
+    const double factor = axisFactor(crs, 0, &text);
+    if (factor <= 0.)
         return {};
     const HbuUnit unit =
         HbuUnitService::getInstance().getUnitFromFactor(HbuEUnitClass::LENGTH, factor);
     if (unit.isValid())
         return unit;
-    QString text = QString::fromUtf8(name);
     if (text == QLatin1String("unknown")) // "+to_meter=0.5"
         text = QString::number(factor, 'g', QLocale::FloatingPointShortest) + QLatin1String(" m");
     return {text,

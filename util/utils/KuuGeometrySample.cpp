@@ -1,11 +1,31 @@
 #include <util/utils/KuuGeometrySample.h>
 
-#include <util/utils/KuuGeometrySet.h>
+#include "KuuGeometryOverloads.h"
 
-#include <basic/base/HbbGlobal.h>
 #include <basic/error/HbeProgrammingError.h>
 
 static const char* const SOURCE = "utils/KuuGeometrySample";
+
+namespace
+{
+/// The geometry as a program asks for it.
+template <class Primitive, class Geometry>
+const Primitive& primitiveOf(const Geometry& geometry, const QString& complaint)
+{
+    const auto* primitive = std::get_if<Primitive>(&geometry);
+    if (!primitive)
+        HBE_PROGRAMMING_ERROR(SOURCE, complaint);
+    return *primitive;
+}
+
+template <class Point>
+HbgBox boxOfPoint(const Point& point)
+{
+    HbgBox box;
+    box.unite(point);
+    return box;
+}
+} // namespace
 
 KuuGeometrySample::KuuGeometrySample(const HbgVector2D& point)
     : m_geometry(point)
@@ -17,83 +37,74 @@ KuuGeometrySample::KuuGeometrySample(const HbgVector3D& point)
 {
 }
 
+KuuGeometrySample::KuuGeometrySample(const HbgGeomPolyline& polyline)
+    : m_geometry(polyline)
+{
+}
+
+KuuGeometrySample::KuuGeometrySample(const HbgGeomPolygon& polygon)
+    : m_geometry(polygon)
+{
+}
+
+KuuGeometrySample::KuuGeometrySample(const HbgMesh& mesh)
+    : m_geometry(mesh)
+{
+}
+
 HbgEPrimitive KuuGeometrySample::getPrimitive() const
 {
-    if (std::holds_alternative<HbgVector2D>(m_geometry))
-        return HbgEPrimitive::POINT_2D;
-    if (std::holds_alternative<HbgVector3D>(m_geometry))
-        return HbgEPrimitive::POINT_3D;
-    return HbgEPrimitive::NONE;
+    return std::visit(KuuGeometryOverloads{
+                          [](const std::monostate&) { return HbgEPrimitive::NONE; },
+                          [](const HbgVector2D&) { return HbgEPrimitive::POINT_2D; },
+                          [](const HbgVector3D&) { return HbgEPrimitive::POINT_3D; },
+                          [](const HbgGeomPolyline&) { return HbgEPrimitive::POLYLINE; },
+                          [](const HbgGeomPolygon&) { return HbgEPrimitive::POLYGON; },
+                          [](const HbgMesh&) { return HbgEPrimitive::MESH; },
+                      },
+                      m_geometry);
 }
 
 HbgEDimension KuuGeometrySample::getDimension() const
 {
-    return isPoint3D() ? HbgEDimension::DIM_3D : HbgEDimension::DIM_2D;
+    if (isPolyline())
+        return toPolyline().getDimension();
+    return isPoint3D() || isMesh() ? HbgEDimension::DIM_3D : HbgEDimension::DIM_2D;
 }
 
 const HbgVector2D& KuuGeometrySample::toPoint2D() const
 {
-    if (!isPoint2D())
-        HBE_PROGRAMMING_ERROR(SOURCE, QStringLiteral("The sample is not a 2D point."));
-    return std::get<HbgVector2D>(m_geometry);
+    return primitiveOf<HbgVector2D>(m_geometry, QStringLiteral("The sample is not a 2D point."));
 }
 
 const HbgVector3D& KuuGeometrySample::toPoint3D() const
 {
-    if (!isPoint3D())
-        HBE_PROGRAMMING_ERROR(SOURCE, QStringLiteral("The sample is not a 3D point."));
-    return std::get<HbgVector3D>(m_geometry);
+    return primitiveOf<HbgVector3D>(m_geometry, QStringLiteral("The sample is not a 3D point."));
 }
 
-bool KuuGeometrySample::convertGeometry(const HbgEPrimitive& primitive)
+const HbgGeomPolyline& KuuGeometrySample::toPolyline() const
 {
-    if (primitive == getPrimitive())
-        return !isEmpty();
-    if (!isPoint())
-        return false;
-    if (primitive == HbgEPrimitive::POINT_2D)
-        convertDimension(HbgEDimension::DIM_2D);
-    else if (primitive == HbgEPrimitive::POINT_3D)
-        convertDimension(HbgEDimension::DIM_3D);
-    else
-        return false;
-    return true;
+    return primitiveOf<HbgGeomPolyline>(m_geometry,
+                                        QStringLiteral("The sample is not a polyline."));
 }
 
-KuuGeometrySet KuuGeometrySample::getConvertedGeometry(const HbgEPrimitive& primitive) const
+const HbgGeomPolygon& KuuGeometrySample::toPolygon() const
 {
-    KuuGeometrySample converted = *this;
-    if (!converted.convertGeometry(primitive))
-        return {};
-    KuuGeometrySet set(HbgEGeometrySet::POINTS, converted.getDimension());
-    return set.addGeometrySample(converted) ? set : KuuGeometrySet();
+    return primitiveOf<HbgGeomPolygon>(m_geometry, QStringLiteral("The sample is not a polygon."));
 }
 
-void KuuGeometrySample::convertDimension(const HbgEDimension& dimension)
+const HbgMesh& KuuGeometrySample::toMesh() const
 {
-    if (isPoint2D() && dimension == HbgEDimension::DIM_3D) {
-        const HbgVector2D point = toPoint2D();
-        m_geometry = HbgVector3D(point.x, point.y, HbbGlobal::D_FFFF);
-    } else if (isPoint3D() && dimension == HbgEDimension::DIM_2D) {
-        m_geometry = toPoint3D().toVector2D();
-    }
-}
-
-void KuuGeometrySample::rescale(const HbuUnitTransfo& transfo)
-{
-    if (auto* flat = std::get_if<HbgVector2D>(&m_geometry)) {
-        *flat = {transfo.apply(flat->x), transfo.apply(flat->y)};
-    } else if (auto* point = std::get_if<HbgVector3D>(&m_geometry)) {
-        *point = {transfo.apply(point->x), transfo.apply(point->y), transfo.apply(point->z)};
-    }
+    return primitiveOf<HbgMesh>(m_geometry, QStringLiteral("The sample is not a mesh."));
 }
 
 HbgBox KuuGeometrySample::getBoundingBox() const
 {
-    HbgBox box;
-    if (isPoint2D())
-        box.unite(toPoint2D());
-    else if (isPoint3D())
-        box.unite(toPoint3D());
-    return box;
+    return std::visit(KuuGeometryOverloads{
+                          [](const std::monostate&) { return HbgBox(); },
+                          [](const HbgVector2D& point) { return boxOfPoint(point); },
+                          [](const HbgVector3D& point) { return boxOfPoint(point); },
+                          [](const auto& shape) { return shape.getBoundingBox(); },
+                      },
+                      m_geometry);
 }

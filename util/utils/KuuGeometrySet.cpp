@@ -1,22 +1,64 @@
 #include <util/utils/KuuGeometrySet.h>
 
+#include "KuuGeometryOverloads.h"
+
 #include <basic/error/HbeProgrammingError.h>
-#include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 
 static const char* const SOURCE = "utils/KuuGeometrySet";
+
+namespace
+{
+/// The container of a kind as a program asks for it.
+template <class Container, class Geometry>
+const Container& containerOf(const Geometry& geometry, const QString& complaint)
+{
+    const auto* container = std::get_if<Container>(&geometry);
+    if (!container)
+        HBE_PROGRAMMING_ERROR(SOURCE, complaint);
+    return *container;
+}
+} // namespace
 
 KuuGeometrySet::KuuGeometrySet(const HbgEGeometrySet& kind, const HbgEDimension& dimension)
     : m_kind(kind)
 {
-    if (kind == HbgEGeometrySet::POINTS)
+    switch (kind.toEnum()) {
+    case HbgEGeometrySet::E_NONE:
+        break;
+    case HbgEGeometrySet::E_POINTS:
         m_geometry = HbgGeomPointSet(dimension);
-    else if (kind == HbgEGeometrySet::GRID)
+        break;
+    case HbgEGeometrySet::E_LINES:
+    case HbgEGeometrySet::E_POLYLINES:
+        m_geometry = HbgGeomPolylineSet(dimension);
+        break;
+    case HbgEGeometrySet::E_GRID:
         m_geometry = HbgGeomGrid(dimension);
+        break;
+    case HbgEGeometrySet::E_GRID_SPARSE:
+        m_geometry = HbgSparseGrid(dimension);
+        break;
+    case HbgEGeometrySet::E_POLYGONS:
+        m_geometry = HbgGeomPolygonSet();
+        break;
+    case HbgEGeometrySet::E_MESH_SURFACE:
+        m_geometry = HbgMeshSet(HbgEMeshType::SURFACE);
+        break;
+    case HbgEGeometrySet::E_MESH_VOLUME:
+        m_geometry = HbgMeshSet(HbgEMeshType::VOLUME);
+        break;
+    }
 }
 
 KuuGeometrySet::KuuGeometrySet(const HbgGeomPointSet& points)
     : m_kind(HbgEGeometrySet::POINTS)
     , m_geometry(points)
+{
+}
+
+KuuGeometrySet::KuuGeometrySet(const HbgGeomPolylineSet& polylines, bool isLineSet)
+    : m_kind(isLineSet ? HbgEGeometrySet::LINES : HbgEGeometrySet::POLYLINES)
+    , m_geometry(polylines)
 {
 }
 
@@ -26,130 +68,99 @@ KuuGeometrySet::KuuGeometrySet(const HbgGeomGrid& grid)
 {
 }
 
-bool KuuGeometrySet::isValid() const
+KuuGeometrySet::KuuGeometrySet(const HbgSparseGrid& grid)
+    : m_kind(HbgEGeometrySet::GRID_SPARSE)
+    , m_geometry(grid)
 {
-    return !std::holds_alternative<std::monostate>(m_geometry);
+}
+
+KuuGeometrySet::KuuGeometrySet(const HbgGeomPolygonSet& polygons)
+    : m_kind(HbgEGeometrySet::POLYGONS)
+    , m_geometry(polygons)
+{
+}
+
+KuuGeometrySet::KuuGeometrySet(const HbgMeshSet& meshes)
+    : m_kind(meshes.getType() == HbgEMeshType::VOLUME ? HbgEGeometrySet::MESH_VOLUME
+                                                      : HbgEGeometrySet::MESH_SURFACE)
+    , m_geometry(meshes)
+{
 }
 
 HbgEDimension KuuGeometrySet::getDimension() const
 {
-    if (const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry))
-        return points->getDimension();
-    if (const auto* grid = std::get_if<HbgGeomGrid>(&m_geometry))
-        return grid->getDimension();
-    return isMeshSet() ? HbgEDimension::DIM_3D : HbgEDimension::DIM_2D;
+    return std::visit(KuuGeometryOverloads{
+                          [](const std::monostate&) { return HbgEDimension::DIM_2D; },
+                          [](const HbgGeomPolygonSet&) { return HbgEDimension::DIM_2D; },
+                          [](const HbgMeshSet&) { return HbgEDimension::DIM_3D; },
+                          [](const auto& container) { return container.getDimension(); },
+                      },
+                      m_geometry);
 }
 
 qint64 KuuGeometrySet::getSampleCount() const
 {
-    if (const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry))
-        return points->getCount();
-    if (const auto* grid = std::get_if<HbgGeomGrid>(&m_geometry))
-        return grid->getNodeCount();
-    return 0;
+    return std::visit(KuuGeometryOverloads{
+                          [](const std::monostate&) { return qint64(0); },
+                          [](const HbgGeomGrid& grid) { return grid.getNodeCount(); },
+                          [](const HbgSparseGrid& grid) { return grid.getCellCount(); },
+                          [](const auto& elements) { return qint64(elements.getCount()); },
+                      },
+                      m_geometry);
 }
 
 bool KuuGeometrySet::isEmpty() const
 {
-    if (const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry))
-        return points->isEmpty();
-    return !isValid();
+    return std::visit(KuuGeometryOverloads{
+                          [](const std::monostate&) { return true; },
+                          [](const HbgGeomGrid&) { return false; },
+                          [](const HbgSparseGrid& grid) { return grid.hasCells(); }, // on purpose
+                          [](const auto& elements) { return elements.isEmpty(); },
+                      },
+                      m_geometry);
 }
 
 HbgBox KuuGeometrySet::getBoundingBox() const
 {
-    if (const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry))
-        return points->getBoundingBox();
-    if (const auto* grid = std::get_if<HbgGeomGrid>(&m_geometry))
-        return grid->getBoundingBox();
-    return {};
-}
-
-bool KuuGeometrySet::addGeometrySample(const KuuGeometrySample& sample)
-{
-    auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    if (!points || !sample.isPoint())
-        return false;
-    return sample.isPoint2D() ? points->append(sample.toPoint2D())
-                              : points->append(sample.toPoint3D());
-}
-
-bool KuuGeometrySet::updateGeometrySample(qint64 rank, const KuuGeometrySample& sample)
-{
-    auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    if (!points || !sample.isPoint() || rank < 0 || rank >= points->getCount())
-        return false;
-    const int at = static_cast<int>(rank);
-    return sample.isPoint2D() ? points->update(at, sample.toPoint2D())
-                              : points->update(at, sample.toPoint3D());
-}
-
-bool KuuGeometrySet::removeGeometrySample(qint64 rank)
-{
-    auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    return points && rank >= 0 && rank < points->getCount() &&
-           points->remove(static_cast<int>(rank));
-}
-
-KuuGeometrySample KuuGeometrySet::getGeometrySample(qint64 rank) const
-{
-    const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    if (!points || rank < 0 || rank >= points->getCount())
-        return {};
-    const HbgVector3D point = points->getPoint(static_cast<int>(rank));
-    return points->getDimension() == HbgEDimension::DIM_3D ? KuuGeometrySample(point)
-                                                           : KuuGeometrySample(point.toVector2D());
-}
-
-int KuuGeometrySet::pointToRank(const QPointF& place, double tolerance) const
-{
-    const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    return points ? points->pointToRank(place, tolerance) : -1;
-}
-
-HbiIntervalIntSmallDisjoint KuuGeometrySet::pointToRanks(const QPointF& place,
-                                                         double tolerance) const
-{
-    const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    return points ? points->pointToRanks(place, tolerance) : HbiIntervalIntSmallDisjoint();
-}
-
-HbiIntervalIntSmallDisjoint KuuGeometrySet::rectangleToRanks(const QRectF& rectangle) const
-{
-    const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    return points ? points->rectangleToRanks(rectangle) : HbiIntervalIntSmallDisjoint();
-}
-
-HbiIntervalIntSmallDisjoint KuuGeometrySet::polygonToRanks(const QVector<QPointF>& polygon) const
-{
-    const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    return points ? points->polygonToRanks(polygon) : HbiIntervalIntSmallDisjoint();
+    return std::visit(KuuGeometryOverloads{
+                          [](const std::monostate&) { return HbgBox(); },
+                          [](const auto& container) { return container.getBoundingBox(); },
+                      },
+                      m_geometry);
 }
 
 const HbgGeomPointSet& KuuGeometrySet::toPointSet() const
 {
-    const auto* points = std::get_if<HbgGeomPointSet>(&m_geometry);
-    if (!points)
-        HBE_PROGRAMMING_ERROR(SOURCE, QStringLiteral("The geometry set holds no points."));
-    return *points;
+    return containerOf<HbgGeomPointSet>(m_geometry,
+                                        QStringLiteral("The geometry set holds no points."));
 }
 
-HbgGeomPointSet KuuGeometrySet::toPointSet()
+const HbgGeomPolylineSet& KuuGeometrySet::toPolylineSet() const
 {
-    return std::as_const(*this).toPointSet();
+    return containerOf<HbgGeomPolylineSet>(m_geometry,
+                                           QStringLiteral("The geometry set holds no polylines."));
+}
+
+const HbgGeomPolygonSet& KuuGeometrySet::toPolygonSet() const
+{
+    return containerOf<HbgGeomPolygonSet>(m_geometry,
+                                          QStringLiteral("The geometry set holds no polygons."));
 }
 
 const HbgGeomGrid& KuuGeometrySet::toGrid() const
 {
-    const auto* grid = std::get_if<HbgGeomGrid>(&m_geometry);
-    if (!grid)
-        HBE_PROGRAMMING_ERROR(SOURCE, QStringLiteral("The geometry set holds no grid."));
-    return *grid;
+    return containerOf<HbgGeomGrid>(m_geometry, QStringLiteral("The geometry set holds no grid."));
 }
 
-HbgGeomGrid KuuGeometrySet::toGrid()
+const HbgSparseGrid& KuuGeometrySet::toSparseGrid() const
 {
-    return std::as_const(*this).toGrid();
+    return containerOf<HbgSparseGrid>(m_geometry,
+                                      QStringLiteral("The geometry set holds no sparse grid."));
+}
+
+const HbgMeshSet& KuuGeometrySet::toMeshSet() const
+{
+    return containerOf<HbgMeshSet>(m_geometry, QStringLiteral("The geometry set holds no meshes."));
 }
 
 bool KuuGeometrySet::operator==(const KuuGeometrySet& other) const

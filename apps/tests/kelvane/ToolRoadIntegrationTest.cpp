@@ -184,17 +184,19 @@ TEST_F(ToolRoadTest, infoIsTheDocumentedJson)
     const ToolRun info = run({"info", "p", "t", "--json"});
     const QByteArray expected =
         R"({"datasets":[{"boundingBox":{"xMax":4.5,"xMin":1.5,"yMax":50,)"
-        R"("yMin":10,"zMax":null,"zMin":null},"coordinateSystem":"EPSG:2154","count":4,)"
+        R"("yMin":10,"zMax":null,"zMin":null},"coordinateSystem":"EPSG:2154",)"
+        R"("coordinateSystemKind":"PROJECTED","coordinateSystemName":"RGF93 v1 / Lambert-93",)"
+        R"("coordinateUnit":"m","count":4,"elevationUnit":"m",)"
         R"("kind":"POINT","name":"t","variables":[)"
-        R"({"categories":[],"defined":4,"maximum":4.5,"mean":3,"minimum":1.5,"name":"EASTING",)"
+        R"({"categories":[],"defined":4,"displayUnit":null,"maximum":4.5,"mean":3,"minimum":1.5,"name":"EASTING",)"
         R"("role":"X_COORDINATE","type":"real","undefined":0,"unit":null},)"
-        R"({"categories":[],"defined":4,"maximum":50,"mean":27.5,"minimum":10,"name":"NORTHING",)"
+        R"({"categories":[],"defined":4,"displayUnit":null,"maximum":50,"mean":27.5,"minimum":10,"name":"NORTHING",)"
         R"("role":"Y_COORDINATE","type":"real","undefined":0,"unit":null},)"
-        R"({"categories":["b","a"],"defined":4,"maximum":null,"mean":null,"minimum":null,)"
+        R"({"categories":["b","a"],"defined":4,"displayUnit":null,"maximum":null,"mean":null,"minimum":null,)"
         R"("name":"rock","role":null,"type":"category","undefined":0,"unit":null},)"
-        R"({"categories":[],"defined":3,"maximum":9007199254740992,"mean":3002399751580329.5,)"
+        R"({"categories":[],"defined":3,"displayUnit":null,"maximum":9007199254740992,"mean":3002399751580329.5,)"
         R"("minimum":-5,"name":"n","role":null,"type":"integer","undefined":1,"unit":null},)"
-        R"({"categories":[],"defined":0,"maximum":null,"mean":null,"minimum":null,)"
+        R"({"categories":[],"defined":0,"displayUnit":null,"maximum":null,"mean":null,"minimum":null,)"
         R"("name":"empty","role":null,"type":"text","undefined":4,"unit":null}]}],"project":"p"})";
     EXPECT_EQ(QJsonDocument::fromJson(info.out).toJson(QJsonDocument::Compact), expected);
     EXPECT_TRUE(

@@ -40,6 +40,7 @@ protected:
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove("QT_QPA_PLATFORM"); // the user need not know of it
+        environment.insert("KELVANE_USER_DIR", m_userFolder.path());
         if (!locale.isEmpty())
             environment.insert("LC_ALL", locale);
         process.setProcessEnvironment(environment);
@@ -75,6 +76,7 @@ protected:
     }
 
     QTemporaryDir m_folder;
+    QTemporaryDir m_userFolder; // of the user's own units, coordinate systems, …
 };
 
 /// Skips a test that needs the collection of real files where it is not at hand.

@@ -47,8 +47,29 @@ TEST_F(ToolUsageTest, exitCodesAndHints)
         {{"export", "p", "good", "o.csv", "--precision", "half"}, 2, "full"},
         {{"export", "p", "good", "none/o.csv"}, 1, "none/o.csv"},
         {{"export", "p", "good", "p"}, 1, "'p'"},
+        {{"export", "p", "good", "o.csv", "--cs", "EPSG:4326"}, 1, "kelvane set p good --cs"},
+        {{"export", "p", "good", "o.csv", "--cs", "WGS84"}, 1, "WGS84"},
+        {{"export", "p", "good", "o.csv", "--units", "zinc"}, 2, "VAR=UNIT, not 'zinc'"},
+        {{"export", "p", "good", "o.csv", "--units", "zinq=%"}, 1, "did you mean 'zinc'?"},
+        {{"export", "p", "good", "o.csv", "--units", "zinc=%"}, 1, "'zinc' has no unit"},
+        {{"set", "p", "good"}, 2, "Nothing to set"},
+        {{"set", "p", "god", "--cs", "EPSG:4326"}, 1, "did you mean 'good'?"},
+        {{"set", "p", "good", "--unit", "zinc=ppmm"}, 1, "did you mean 'ppm'?"},
+        {{"set", "p", "good", "--unit", "zinc=RATIO:kg"}, 1, "There are: "},
         {{"map", "p", "good", "m.png", "--variable", "gold"}, 1, "There are: x, y, zinc"},
         {{"map", "p", "good", "none/m.png"}, 1, "none/m.png"},
+        {{"cs"}, 2, "Usage: kelvane cs search"},
+        {{"cs", "shw"}, 2, "did you mean 'show'?"},
+        {{"cs", "search"}, 2, "--area, is missing"},
+        {{"cs", "search", "utm", "--area", "2,91"}, 2, "not '2,91'"},
+        {{"cs", "search", "utm", "--limit", "0"}, 2, "not '0'"},
+        {{"cs", "search", "no such system"}, 1, "No coordinate system is found"},
+        {{"cs", "show"}, 2, "Usage: kelvane cs show CS"},
+        {{"cs", "show", "EPSG:99999999"}, 1, "crs not found"},
+        {{"cs", "show", "epsg:2154"}, 1, "EPSG:2154  RGF93"},
+        {{"cs", "show", "EPSG:5703"}, 1, "neither geographic nor projected"},
+        {{"cs", "show", "lambert-93"}, 1, "Did you mean:\n  EPSG:2154"},
+        {{"cs", "favorites", "toggle", "EPSG:2154"}, 2, "add|remove CS"},
     };
     const QStringList before = entries();
     for (const Case& c : cases) {
@@ -65,7 +86,7 @@ TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
 {
     EXPECT_TRUE(run({"--version"}).out.startsWith("kelvane "));
     const QByteArray help = run({"--help"}).out;
-    for (const char* command : {"import", "info", "export", "check", "map"}) {
+    for (const char* command : {"import", "info", "set", "export", "check", "map", "cs"}) {
         const ToolRun result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "");

@@ -40,7 +40,147 @@ HbiIntervalIntSmallDisjoint bruteForce(const HbgGeomPointSet& points,
     return ranks;
 }
 
+/// How points may lie that an index by places would not expect.
+struct Distribution {
+    const char* name;
+    HbgVector2D (*place)(int rank, double u, double v); // of two random numbers from -1 to 1
+};
+
+const Distribution DISTRIBUTIONS[] = {
+    {"anywhere", [](int, double u, double v) { return HbgVector2D(1e3 * u, 1e3 * v); }},
+    {"millimetres, far from the origin",
+     [](int, double u, double v) {
+         return HbgVector2D(1e7 + std::round(20. * u) / 1e3, -1e7 + std::round(20. * v) / 1e3);
+     }},
+    {"a heap, and one far away",
+     [](int rank, double u, double v) { return HbgVector2D(rank == 7 ? 1e7 : u, v); }},
+    {"one place", [](int, double, double) { return HbgVector2D(0.1, 1e6); }},
+    {"two places", [](int, double u, double) { return HbgVector2D(u < 0. ? 0.1 : 3., 7.); }},
+    {"a line along X", [](int, double u, double) { return HbgVector2D(u, 0.3); }},
+    {"a line along Y, in order", [](int rank, double, double) { return HbgVector2D(5., rank); }},
+    {"a slanted line", [](int, double u, double) { return HbgVector2D(u, 1e3 * u); }},
+    {"a cross",
+     [](int rank, double u, double) { return rank % 2 ? HbgVector2D(u, 0.) : HbgVector2D(0., u); }},
+    {"a lattice",
+     [](int, double u, double v) { return HbgVector2D(std::round(9. * u), std::round(9. * v)); }},
+    {"closing in on a place",
+     [](int rank, double u, double v) {
+         return HbgVector2D(std::ldexp(u, -(rank % 500)), std::ldexp(v, -(rank % 500)));
+     }},
+    {"all magnitudes",
+     [](int, double u, double v) {
+         return HbgVector2D(std::copysign(std::pow(10., 305. * std::abs(u)), v),
+                            std::copysign(std::pow(10., 305. * std::abs(v)), u));
+     }},
+};
+
+/// Of more range than a square of a double has.
+long double squaredDistance(const HbgVector3D& point, const QPointF& place)
+{
+    const long double dx = static_cast<long double>(point.x) - place.x();
+    const long double dy = static_cast<long double>(point.y) - place.y();
+    return dx * dx + dy * dy;
+}
+
+int nearestByBruteForce(const HbgGeomPointSet& points, const QPointF& place)
+{
+    int nearest = 0;
+    for (int rank = 1; rank < points.getCount(); ++rank) {
+        if (squaredDistance(points.getPoint(rank), place) <
+            squaredDistance(points.getPoint(nearest), place))
+            nearest = rank;
+    }
+    return nearest;
+}
+
+void comparePicks(const HbgGeomPointSet& points, std::mt19937& random)
+{
+    const auto anyPoint = [&] {
+        const HbgVector3D point =
+            points.getPoint(static_cast<int>(random() % static_cast<unsigned>(points.getCount())));
+        return QPointF(point.x, point.y);
+    };
+    const QPointF at = anyPoint();
+    const QPointF other = anyPoint();
+    // At a point, between two of them and beside both.
+    for (const double part : {0., 0.41, -0.07}) {
+        const QPointF place = at + part * (other - at);
+        const int nearest = nearestByBruteForce(points, place);
+        const auto distance =
+            static_cast<double>(std::sqrt(squaredDistance(points.getPoint(nearest), place)));
+        EXPECT_EQ(points.pointToRank(place, std::numeric_limits<double>::infinity()), nearest);
+        EXPECT_EQ(points.pointToRank(place, distance * 1.000001), nearest);
+        EXPECT_EQ(points.pointToRank(place, distance * 0.999999), distance == 0. ? nearest : -1);
+
+        const double reach = 1.000001 * static_cast<double>(std::sqrt(squaredDistance(
+                                            points.getPoint(points.getCount() / 2), place)));
+        EXPECT_EQ(points.pointToRanks(place, reach), bruteForce(points, [&](double x, double y) {
+                      return squaredDistance({x, y, 0.}, place) <=
+                             static_cast<long double>(reach) * reach;
+                  }));
+        const QRectF area = QRectF(place, other).normalized();
+        EXPECT_EQ(points.rectangleToRanks(area), bruteForce(points, [&area](double x, double y) {
+                      return area.left() <= x && x <= area.right() && area.top() <= y &&
+                             y <= area.bottom();
+                  }));
+        EXPECT_EQ(points.polygonToRanks(QPolygonF(area)), points.rectangleToRanks(area));
+    }
+}
+
 } // namespace
+
+TEST(HbgGeomPointSet, picksExactlyHoweverThePointsLie)
+{
+    std::mt19937 random(23);
+    std::uniform_real_distribution<double> part(-1., 1.);
+    for (const Distribution& distribution : DISTRIBUTIONS) {
+        for (const int count : {1, 2, 32, 33, 500, 5000}) {
+            SCOPED_TRACE(testing::Message() << distribution.name << ", " << count);
+            HbgGeomPointSet points;
+            for (int rank = 0; rank < count; ++rank) {
+                const double u = part(random);
+                EXPECT_TRUE(points.append(distribution.place(rank, u, part(random))));
+            }
+            for (int i = 0; i < 20; ++i)
+                comparePicks(points, random);
+        }
+    }
+}
+
+TEST(HbgGeomPointSet, buildsItsIndexForPicksOnly)
+{
+    std::mt19937 random(29);
+    HbgGeomPointSet points = randomPoints(100, random);
+    const auto look = [](const HbgGeomPointSet& set) {
+        return set.getBoundingBox().is3D() || set.isEmpty() || set.getX() != set.getX();
+    };
+    const std::function<void()> edits[] = {
+        [&] { points.append(HbgVector2D(1., 2.)); },
+        [&] { points.update(3, HbgVector2D(1., 2.)); },
+        [&] { points.remove(3); },
+        [&] { points.setCoordinates(points.getX(), points.getY()); },
+        [&] { points = HbgGeomPointSet(); },
+    };
+    for (const auto& edit : edits) {
+        EXPECT_FALSE(points.isIndexed());
+        EXPECT_FALSE(look(points));
+        EXPECT_FALSE(points.isIndexed());
+        points.pointToRank({0., 0.}, 1.);
+        EXPECT_TRUE(points.isIndexed());
+        EXPECT_FALSE(points.append(HbgVector2D(std::nan(""), 0.))); // refused: no edit
+        const HbgGeomPointSet copy = points;
+        EXPECT_TRUE(copy.isIndexed());
+        edit();
+        EXPECT_FALSE(points.isIndexed());
+        EXPECT_TRUE(copy.isIndexed());
+    }
+    // Nothing stays in what is moved away.
+    HbgGeomPointSet source = randomPoints(100, random);
+    source.rectangleToRanks({-20., -20., 40., 40.});
+    points = std::move(source);
+    EXPECT_TRUE(points.isIndexed());
+    EXPECT_TRUE(source.rectangleToRanks({-20., -20., 40., 40.}).isEmpty());
+}
 
 TEST(HbgGeomPointSet, picksWhatASearchOfAllPointsFinds)
 {

@@ -197,11 +197,20 @@ TYPED_TEST(DisjointTest, FollowsAModelUnderRandomOperations)
                 std::swap(model, otherModel);
                 break;
             default:
+                std::vector<Rank> ranks;
                 for (int i = 0; i < c.burst; ++i) {
                     const std::size_t at = random() % c.size;
-                    set.add(model.rank(at));
+                    ranks.push_back(model.rank(at));
                     model.fill(at, at, true);
                 }
+                Set added;
+                Set addedAtOnce;
+                for (const Rank rank : ranks)
+                    (step % 2 ? set : added).add(rank);
+                std::sort(ranks.begin(), ranks.end());
+                (step % 2 ? added : set).addSorted(ranks.data(), ranks.size());
+                addedAtOnce.addSorted(ranks.data(), ranks.size());
+                EXPECT_TRUE(addedAtOnce == added);
             }
             expectSame(set, model);
             expectSameQueries(set, model, random);

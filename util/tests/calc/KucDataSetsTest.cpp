@@ -6,6 +6,7 @@
 
 #include <basic/data/HbdANumericVariable.h>
 #include <basic/error/HbeProgrammingError.h>
+#include <basic/error/HbeUserError.h>
 
 #include "QtPrinters.h"
 
@@ -87,4 +88,12 @@ TEST(KucDataSetsTest, GridsBringTheirGeometry)
     EXPECT_EQ(grid.getGeometry(), geometry);
     EXPECT_EQ(grid.getVariables("V"),
               (std::vector<const HbdAVariable*>{dataset.getGridTable()->readValues(zn)}));
+
+    dataset.setGeometrySet(KuuGeometrySet(HbgSparseGrid(geometry, Range64(1, 3))));
+    try {
+        Kuc::createGrid(dataset, {});
+        ADD_FAILURE();
+    } catch (const HbeUserError& error) {
+        EXPECT_STREQ(error.what(), "The grid 'grid' is sparse: a full grid is needed.");
+    }
 }

@@ -337,8 +337,7 @@ TEST_F(KucExportDataTest, FailuresSpeakInWholeMessages)
         {sorting, grid, {1, 1}, path(), ""},
         {"Too few variables of role 'V': 0 given, at least 1 expected.", empty, {}, path(), ""},
         {"Cannot open the file '" + missing + '\'' + notFound, points, {}, missing, ""},
-        {"The coordinates cannot be exported from the coordinate system 'none' to 'WGS 84': "
-         "reprojection is not available in this version.",
+        {"The coordinate system \"\" cannot be used: there is no coordinate system.",
          points,
          {},
          path(),

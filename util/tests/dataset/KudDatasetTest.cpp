@@ -248,6 +248,63 @@ TEST(KudADataset, TurnsTheNoticesOfItsTableIntoItsOwn)
     EXPECT_TRUE(recorder.notices[1].modifForTable(&table).testReason(KudTableModif::Reset));
 }
 
+// The unit of a column comes before that of the system; elevations take no angle.
+TEST(KudADataset, KnowsTheUnitsOfItsCoordinates)
+{
+    const auto length = [](const char* key) {
+        return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, key);
+    };
+    const HbuUnit degree = HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, "deg");
+    const KuuCoordSystem lambert = KuuCoordSystem::createFromEpsg("2154");
+    const KuuCoordSystem wgs84 = KuuCoordSystem::createFromEpsg("4326");
+    const struct {
+        KuuCoordSystem system;
+        HbuUnit x, z;
+        HbuUnit coordinateUnit, elevationUnit;
+    } cases[] = {
+        {{}, {}, {}, {}, {}},
+        {lambert, {}, {}, length("m"), length("m")},
+        {lambert, HbuUnit::none(), HbuUnit::none(), length("m"), length("m")},
+        {lambert, length("km"), {}, length("km"), length("km")},
+        {lambert, length("km"), length("ft"), length("km"), length("ft")},
+        {wgs84, {}, {}, degree, {}},
+        {wgs84, {}, length("ft"), degree, length("ft")},
+        {KuuCoordSystem::createLocal(length("ft")), {}, {}, length("ft"), length("ft")},
+    };
+    for (const auto& c : cases) {
+        KudMemoryDatasetPoint dataset("Units");
+        dataset.setCoordSystem(c.system);
+        HbdVariableDetails x("x", HbdEVarType::REAL, HbdEVarRole::X_COORDINATE);
+        HbdVariableDetails z("z", HbdEVarType::REAL, HbdEVarRole::Z_COORDINATE);
+        x.unit = c.x;
+        z.unit = c.z;
+        dataset.createVariable(x, HbdESupport::POINT);
+        dataset.createVariable(z, HbdESupport::POINT);
+        KudMemoryDatasetPoint restored("Restored");
+        restored.setMemento(dataset.getMemento(), false);
+        for (const KudMemoryDatasetPoint* d : {&dataset, &restored}) {
+            EXPECT_EQ(d->getCoordinateUnit(), c.coordinateUnit);
+            EXPECT_EQ(d->getElevationUnit(), c.elevationUnit);
+        }
+    }
+}
+
+TEST(KudADataset, TellsOfAnotherCoordinateSystemOnce)
+{
+    Recorder recorder;
+    KudMemoryDatasetPoint dataset("Campaign");
+    fillWithEverything(dataset);
+    dataset.addObserver(&recorder);
+    dataset.setCoordSystem(KuuCoordSystem::createFromEpsg("28992"));
+    dataset.setCoordSystem(KuuCoordSystem::createFromEpsg("28992"));
+    ASSERT_EQ(recorder.notices.size(), 1U);
+    EXPECT_TRUE(recorder.notices[0]
+                    .modifForTable(dataset.getPointTable())
+                    .testReason(KudTableModif::Reset));
+    dataset.setCoordSystem(KuuCoordSystem());
+    EXPECT_EQ(recorder.notices.size(), 2U);
+}
+
 TEST(KudMemoryDatasetPoint, HasOneObjectASample)
 {
     KudMemoryDatasetPoint dataset("Holes");
@@ -296,6 +353,11 @@ TEST(KudMemoryDatasetGrid, HasOneSampleANodeAndRefusesWhatIsNoGrid)
         {KuuGeometrySet(HbgEGeometrySet::POINTS, HbgEDimension::DIM_2D), "Invalid geometry set."},
         {KuuGeometrySet(), "Invalid geometry set."},
         {gridOf(70000, 70000), "Too many samples for a Grid Memory dataset."},
+        {KuuGeometrySet(HbgGeomGrid(3, 3, HbgVector2D{HbbGlobal::D_FFFF, 0}, 1, 1)),
+         "Invalid geometry set."},
+        {KuuGeometrySet(HbgSparseGrid(HbgGeomGrid(70000, 70000, HbgVector2D{0, 0}, 1, 1),
+                                      HbiIntervalIntSmallO64(0, 2147483646))),
+         "Too many samples for a Grid Memory dataset."},
     };
     for (const auto& c : refused) {
         try {
@@ -327,6 +389,32 @@ TEST(KudMemoryDatasetGrid, ComesBackFromItsMementoEqual)
     wrong.setField("geometry", gridOf(4, 4).toVariantMap());
     EXPECT_THROW(other.setMemento(wrong, true), HbeUserError);
     EXPECT_EQ(other.readGeometrySet(), grid.readGeometrySet());
+}
+
+TEST(KudMemoryDatasetGrid, HoldsASparseGridWithOneSampleACell)
+{
+    const HbgGeomGrid whole(4, 3, 2, {100, 200, -50}, 10, 20, 5);
+    const HbgSparseGrid cells(whole, {HbiIntervalIntSmallO64(1, 2), HbiIntervalIntSmallO64(5, 5)});
+    KudMemoryDatasetGrid grid("Model");
+    grid.setGeometrySet(KuuGeometrySet(cells));
+    EXPECT_EQ(grid.getObjectCount(), 3);
+    EXPECT_EQ(grid.getGeometry(), HbgEGeometrySet::GRID_SPARSE);
+    EXPECT_TRUE(grid.is3D());
+    EXPECT_EQ(grid.getBoundingBox(), HbgBox(HbgVector3D(110, 200, -50), {120, 220, -50}));
+    grid.createVariable(HbdVariableDetails("v"), HbdESupport::GRID);
+    grid.getGridTable()->updateValue(grid.getGridTable()->getVariableAt(0), 2, 7.5);
+
+    KudMemoryDatasetGrid other("Other");
+    other.setMemento(grid.getMemento(), true);
+    EXPECT_EQ(other.readGeometrySet(), KuuGeometrySet(cells));
+    EXPECT_TRUE(other.getGridTable()->getDataTable().isEqual(grid.getGridTable()->getDataTable()));
+
+    KuuMemento wrong = grid.getMemento();
+    wrong.setField("geometry", KuuGeometrySet(whole).toVariantMap());
+    EXPECT_THROW(other.setMemento(wrong, true), HbeUserError);
+    other.setGeometrySet(
+        KuuGeometrySet(HbgSparseGrid())); // without cells, it is a grid all the same
+    EXPECT_EQ(other.getObjectCount(), 0);
 }
 
 TEST(KudGenericDatasetFactory, NamesTheTypeItCannotMake)

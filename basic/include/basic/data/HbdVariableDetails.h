@@ -34,6 +34,11 @@ struct KELVANE_BASIC_EXPORT HbdVariableDetails {
     /// The unit that values are shown in: the display unit, or the storage unit.
     const HbuUnit& getShownUnit() const { return displayUnit.isValid() ? displayUnit : unit; }
 
+    /// The same variable shown in another unit, without losing digits: a DECIMAL format gets as
+    /// many more decimals as the numbers become smaller by (25 ppm with no decimals is 0.0025 %),
+    /// and an integer a DECIMAL one. Unchanged where the shown unit does not convert into `other`.
+    HbdVariableDetails shownIn(const HbuUnit& other) const;
+
     bool operator==(const HbdVariableDetails& other) const;
     bool operator!=(const HbdVariableDetails& other) const { return !(*this == other); }
 };

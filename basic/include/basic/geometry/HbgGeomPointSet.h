@@ -20,7 +20,8 @@ class HbiIntervalIntSmallDisjoint;
 /// A 2D point in a 3D set has an undefined elevation, a 3D point in a 2D set loses its own.
 ///
 /// Picks go through a spatial index that the first of them builds, O(n log n), and that edits drop;
-/// copies share it. Const operations may run in several threads at once.
+/// copies share it. It takes less than 29 bytes a point. Const operations may run in several
+/// threads at once.
 class KELVANE_BASIC_EXPORT HbgGeomPointSet
 {
 public:
@@ -61,6 +62,9 @@ public:
     HbiIntervalIntSmallDisjoint pointToRanks(const QPointF& place, double tolerance) const;
     HbiIntervalIntSmallDisjoint rectangleToRanks(const QRectF& rectangle) const;
     HbiIntervalIntSmallDisjoint polygonToRanks(const QVector<QPointF>& polygon) const;
+
+    /// A pick has built the index, and nothing has been edited since.
+    bool isIndexed() const { return m_index.isBuilt(); }
 
     /// The same dimension and coordinates in the same order.
     bool operator==(const HbgGeomPointSet& other) const;

@@ -14,7 +14,7 @@ class HbgGeomPolyline;
 /// A ring is a list of corners, closed implicitly: a last corner equal to the first is dropped.
 /// Corners are finite and defined; a ring needs three distinct ones. Rings may run either way round
 /// and may cross themselves (they hold what they wind around). Nobody checks that holes lie within
-/// their contour.
+/// their contour and apart from each other.
 class KELVANE_BASIC_EXPORT HbgGeomPolygon
 {
 public:
@@ -38,15 +38,16 @@ public:
     bool addHole(int contour, const Ring& ring);
     void clear();
 
-    /// Holes taken off; of rings that do not cross.
+    /// Holes taken off; of rings that do not cross. Exact far from the origin too.
     double getArea() const;
     /// Of contours and holes.
     double getPerimeter() const;
     HbgBox getBoundingBox() const;
     /// In a contour and not within one of its holes; the borders of both are in.
     bool contains(const QPointF& place) const;
-    /// What of it lies in the box; empty where nothing does. Rings that cross themselves give a
-    /// result that is not specified, but no fault.
+    /// What of it lies in the box, whose elevations do not count; empty where nothing does, or
+    /// only a part without area. Rings that cross themselves or each other give a result that is
+    /// not specified, but no fault.
     HbgGeomPolygon clipped(const HbgBox& box) const;
 
     /// The closed 2D line around it; an empty line unless it is one contour without holes.

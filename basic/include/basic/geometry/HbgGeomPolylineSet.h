@@ -41,7 +41,8 @@ public:
     int pointToRank(const QPointF& place, double tolerance) const;
     /// All polylines within the tolerance, or with a point in common with a rectangle or polygon;
     /// touching is enough. A polygon is closed implicitly, and one that crosses itself holds all
-    /// that it winds around. A place, tolerance or corner that is no number picks nothing.
+    /// that it winds around; it needs three corners. A place, tolerance or corner that is no number
+    /// picks nothing.
     HbiIntervalIntSmallDisjoint pointToRanks(const QPointF& place, double tolerance) const;
     HbiIntervalIntSmallDisjoint rectangleToRanks(const QRectF& rectangle) const;
     HbiIntervalIntSmallDisjoint polygonToRanks(const QVector<QPointF>& polygon) const;

@@ -19,6 +19,10 @@ public:
         std::atomic_store(&m_value, std::atomic_load(&other.m_value));
         return *this;
     }
+    // What is moved away leaves nothing behind that its owner's new contents would contradict.
+    HbgSharedCache(HbgSharedCache&& other) noexcept = default;
+    HbgSharedCache& operator=(HbgSharedCache&& other) noexcept = default;
+    ~HbgSharedCache() = default;
 
     template <class Builder>
     std::shared_ptr<const T> get(const Builder& build) const
@@ -30,6 +34,7 @@ public:
         }
         return value;
     }
+    bool isBuilt() const { return std::atomic_load(&m_value) != nullptr; }
     void drop() { m_value.reset(); }
 
 private:

@@ -1,12 +1,18 @@
 #pragma once
 
 #include <basic/geometry/HbgGeomGrid.h>
+#include <basic/geometry/HbgSharedCache.h>
 #include <basic/interval/HbiIntervalIntSmallO64Disjoint.h>
+
+#include <vector>
 
 /// Some of the nodes of a regular grid, its cells, addressed by rank in node order. A value; any
 /// thread may read it.
 ///
 /// A node is a rank in the whole grid (see HbgGeomGrid), a cell a rank among those that are here.
+///
+/// The cells are kept as intervals of nodes. Going from a cell to its node or back costs O(log n);
+/// the first time after an edit it also counts the cells below, linear in the intervals.
 class KELVANE_BASIC_EXPORT HbgSparseGrid
 {
 public:
@@ -43,6 +49,19 @@ public:
     bool operator!=(const HbgSparseGrid& other) const { return !(*this == other); }
 
 private:
+    /// An interval of nodes, and the cell at its lower end.
+    struct Anchor {
+        qint64 node;
+        qint64 cell;
+    };
+
+    std::shared_ptr<const std::vector<Anchor>> anchors() const;
+    /// Calls `visit(first node, last node)` for the intervals from a cell on, the first of them cut
+    /// to begin there, until that answers false. There must be such a cell.
+    template <class Visitor>
+    void visitIntervals(qint64 cell, const Visitor& visit) const;
+
     HbgGeomGrid m_grid;
     HbiIntervalIntSmallO64Disjoint m_nodes;
+    HbgSharedCache<std::vector<Anchor>> m_anchors; // every so many intervals, upwards
 };

@@ -58,6 +58,8 @@ public:
         if (m_store || !_extendSingle(interval))
             _addStored(interval);
     }
+    /// Adds ranks in ascending order, repeated ones perhaps; for many at once.
+    void addSorted(const Rank* ranks, std::size_t count);
     void subtract(const Interval& interval);
 
     Set& unite(const Set& other)

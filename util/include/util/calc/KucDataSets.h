@@ -30,7 +30,8 @@ KELVANE_UTIL_EXPORT HbiIntervalIntSmallDisjoint getActiveSamples(const KudADatas
 KELVANE_UTIL_EXPORT HgdDataSetPoints createPoints(const KudADataset& dataset,
                                                   const KudDatasetVariableList& variables);
 
-/// The same for the nodes of a grid.
+/// The same for the nodes of a full grid. HbeUserError for a sparse one: calculators walk along the
+/// axes of a grid, and its cells leave gaps there.
 KELVANE_UTIL_EXPORT HgdDataSetGrid createGrid(const KudMemoryDatasetGrid& dataset,
                                               const KudDatasetVariableList& variables);
 } // namespace Kuc

@@ -30,7 +30,13 @@ public:
     int getIndexCount() const { return m_indexCount; }
     int getIndex(int row, int i) const { return m_indices[row * m_indexCount + i]; }
     const Columns& getColumns() const { return m_columns; }
+    /// Of the row's sample.
     int getRank(int row) const { return m_ranks[row]; }
+    /// Where the column has the row's value.
+    int getPlace(int row, const KucExportColumn& column) const
+    {
+        return column.isOfBlock() ? row : m_ranks[row];
+    }
     const QString& getUndefined() const { return m_undefined; }
 
     /// Raises HbcCancelled when the export is to end.

@@ -59,6 +59,7 @@ public:
     virtual bool hasSample() const = 0;
     virtual int getSampleCount() const = 0;
 
+    /// Coordinates are in this system; nothing is converted. Observers hear of a change.
     virtual void setCoordSystem(const KuuCoordSystem& coordSystem) = 0;
     virtual KuuCoordSystem getCoordSystem() const = 0;
     virtual HbuUnit getCoordinateUnit() const = 0;

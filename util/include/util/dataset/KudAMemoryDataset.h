@@ -22,7 +22,7 @@ public:
     int getObjectCount() const override;
 
     KuuCoordSystem getCoordSystem() const override;
-    void setCoordSystem(const KuuCoordSystem& coordSystem) override;
+    void setCoordSystem(const KuuCoordSystem& coordSystem) override; ///< that of the table
     HbuUnit getCoordinateUnit() const override;
     HbuUnit getElevationUnit() const override;
 

@@ -29,10 +29,12 @@ public:
     QString getName() const override;
     bool hasSample() const override;
     int getSampleCount() const override;
+    /// Says what the coordinates are in; converts nothing. A system that differs is a reset: the
+    /// samples lie elsewhere now.
     void setCoordSystem(const KuuCoordSystem& coordSystem) override;
     KuuCoordSystem getCoordSystem() const override;
 
-    /// The unit of the X coordinate, else that of the coordinate system.
+    /// The unit of the X coordinate, else (not valid, or none) that of the coordinate system.
     HbuUnit getCoordinateUnit() const override;
 
     /// The unit of the Z coordinate, else the coordinate unit where that is a length.

@@ -4,7 +4,8 @@
 #include <util/utils/KuuGeometrySet.h>
 
 /// A grid in memory: a geometry set that describes it, and one table with exactly one sample a
-/// node, in the node order of the geometry set. Its objects, the nodes, cannot be edited.
+/// node, in the node order of the geometry set; for a sparse grid, one sample a cell, in the order
+/// of cells. Its objects, the nodes or cells, cannot be edited.
 class KELVANE_UTIL_EXPORT KudMemoryDatasetGrid : public KudAMemoryDataset
 {
 public:
@@ -18,7 +19,8 @@ public:
     KudMemoryDataTable* getGridTable() const { return &_table(); }
 
     /// Replaces the grid and drops the columns of the table; the dataset is reset. A programming
-    /// error, without a change, for a geometry that is no grid or has too many nodes.
+    /// error, without a change, for a geometry that is no grid, for a grid with nodes that is not
+    /// valid (HbgGeomGrid::isValid), and for one with too many nodes or cells.
     void setGeometrySet(const KuuGeometrySet& geometrySet);
 
     QByteArray getType() const override;
@@ -33,7 +35,7 @@ public:
     void deleteObjects(const HbiIntervalIntSmallDisjoint& ranks) override;
     void deleteAllObjects() override;
 
-    HbgEGeometrySet getGeometry() const override;
+    HbgEGeometrySet getGeometry() const override; ///< GRID, or GRID_SPARSE where it is one
     KuuGeometrySet readGeometrySet() const override;
     void clearAll() override;
 

@@ -5,6 +5,7 @@
 
 #include <basic/geometry/HbgBox.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QPointF>
 #include <QtCore/QRectF>
 #include <QtCore/QStringList>
@@ -33,6 +34,8 @@ class HbgGeomPolygon;
 /// cannot convert becomes undefined in all its coordinates and is counted, never an infinity.
 class KELVANE_UTIL_EXPORT KuuCoordSystemConverter
 {
+    Q_DECLARE_TR_FUNCTIONS(KuuCoordSystemConverter)
+
 public:
     /// One of the operations that PROJ knows between the two systems.
     struct Operation {
@@ -53,6 +56,7 @@ public:
         qint64 ballpark = 0;  ///< of the converted, those by an operation without datum shift
         double worstAccuracy =
             0; ///< of the operations used, in metres; D_FFFF: one of them unknown
+        QVector<qint64> byOperation; ///< the converted ones, in the order of `getOperations`
         Counts& operator+=(const Counts& other);
     };
 
@@ -72,8 +76,9 @@ public:
     bool isIdentity() const;
     /// PROJ is asked, not only units changed.
     bool isReprojection() const;
-    /// The operations, in the order of preference: for each point the first one is used whose area
-    /// holds the point and whose files are there. Empty without a reprojection.
+    /// The operations, the most accurate first. A point takes the first one whose area holds it and
+    /// whose files are there (on land, one for the land before one for the sea), as PROJ chooses.
+    /// Empty without a reprojection.
     QVector<Operation> getOperations() const;
     /// The report for people: what will be done, how exactly, and where, with a line of warning for
     /// each ballpark operation and missing file; and what became of points.
@@ -115,6 +120,8 @@ public:
     Counts convertWanted(HbcAProgress& progress);
 
 private:
+    QString describeWork(const QVector<qint64>& points) const;
+
     struct Private;
     std::shared_ptr<const Private> d; // never changes
     struct Wanted {

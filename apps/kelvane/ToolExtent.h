@@ -1,0 +1,15 @@
+#pragma once
+
+#include <util/utils/KuuCoordSystem.h>
+
+#include <basic/geometry/HbgBox.h>
+
+class KudADataset;
+
+/// Where the samples of a dataset lie in another coordinate system.
+namespace ToolExtent
+{
+/// The box of the converted coordinates, each sample converted for itself; empty where there are
+/// none. HbeUserError where the dataset's system, or its unit, does not convert.
+HbgBox compute(const KudADataset& dataset, const KuuCoordSystem& system);
+} // namespace ToolExtent
