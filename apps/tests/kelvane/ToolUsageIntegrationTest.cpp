@@ -86,7 +86,7 @@ TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
 {
     EXPECT_TRUE(run({"--version"}).out.startsWith("kelvane "));
     const QByteArray help = run({"--help"}).out;
-    for (const char* command : {"import", "info", "set", "export", "check", "map", "cs"}) {
+    for (const char* command : {"import", "info", "set", "export", "check", "map", "cs", "units"}) {
         const ToolRun result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "");
