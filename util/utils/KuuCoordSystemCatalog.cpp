@@ -71,16 +71,18 @@ KuuCoordSystemCatalog::~KuuCoordSystemCatalog() = default;
 
 void KuuCoordSystemCatalog::init()
 {
+    KuuCoordSystemCatalog& catalog = getInstance();
+    Private& own = *catalog.d;
     bool isOther = false;
     {
-        const std::lock_guard<std::mutex> lock(d->mutex);
-        const KuuCoordSystemCatalogStore::Favorites before = d->store.getFavorites();
-        const bool wasRead = d->isRead;
-        d->read();
-        isOther = wasRead && d->store.getFavorites() != before;
+        const std::lock_guard<std::mutex> lock(own.mutex);
+        const KuuCoordSystemCatalogStore::Favorites before = own.store.getFavorites();
+        const bool wasRead = own.isRead;
+        own.read();
+        isOther = wasRead && own.store.getFavorites() != before;
     }
     if (isOther)
-        emit favoritesChanged();
+        emit catalog.favoritesChanged();
 }
 
 void KuuCoordSystemCatalog::setCatalogFiles(const QStringList& paths)

@@ -119,7 +119,7 @@ KuuCoordSystemService::KuuCoordSystemService()
 
 KuuCoordSystemService::~KuuCoordSystemService() = default;
 
-bool KuuCoordSystemService::init() const
+bool KuuCoordSystemService::init()
 {
     return proj_context_get_database_path(context()) != nullptr;
 }

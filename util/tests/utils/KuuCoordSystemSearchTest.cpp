@@ -5,8 +5,6 @@
 
 #include <QtPrinters.h>
 
-#include <QtCore/QElapsedTimer>
-
 namespace
 {
 using Search = KuuCoordSystemSearch;

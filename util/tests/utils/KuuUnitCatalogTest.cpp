@@ -7,8 +7,6 @@
 #include <basic/error/HbeError.h>
 #include <util/system/KusFileUser.h>
 
-#include <QtCore/QElapsedTimer>
-
 #include <cmath>
 
 namespace
@@ -295,24 +293,5 @@ TEST_F(KuuUnitCatalogTest, TextsOfAnyKindComeBack)
     KuuUnitCatalog::init();
     EXPECT_EQ(service().getUserUnits().size(), units.size() + 1);
     EXPECT_EQ(service().getUserUnits().last().getName(), QString("bell") + QChar(0xFFFD));
-}
-
-// Looking for a key takes no longer the more units there are.
-TEST_F(KuuUnitCatalogTest, ManyUnitsAreReadInTimeThatGrowsWithThem)
-{
-    const auto seconds = [this](int count) {
-        QByteArray units;
-        for (int i = 0; i < count; ++i)
-            units += unit(QByteArray::number(i).prepend("unit"), "LENGTH", "2");
-        double best = 1e9;
-        for (int i = 0; i < 3; ++i) {
-            QElapsedTimer timer;
-            timer.start();
-            EXPECT_EQ(load(file("2", units)).size(), count);
-            best = std::min(best, double(timer.nsecsElapsed()) * 1e-9);
-        }
-        return best;
-    };
-    EXPECT_LT(seconds(10000), 50 * seconds(1000)); // quadratic: 100 times and more
 }
 } // namespace

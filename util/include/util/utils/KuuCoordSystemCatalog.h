@@ -38,7 +38,7 @@ public:
     static KuuCoordSystemCatalog& getInstance();
     /// Reads the catalog files, again when that was done before. The first question to the catalog
     /// does it otherwise.
-    void init();
+    static void init();
 
     /// Files of the application, read in this order at the next `init`.
     void setCatalogFiles(const QStringList& paths);

@@ -28,7 +28,7 @@ public:
     static KuuCoordSystemService& getInstance();
     /// Prepares the calling thread's PROJ context; false when PROJ finds no database of its own, so
     /// that no code can be known.
-    bool init() const;
+    static bool init();
 
     /// What is known of one system.
     struct Description {
