@@ -19,6 +19,9 @@ cmake -S "$source/examples/installed" -B "$stage/build" -G Ninja -DCMAKE_BUILD_T
 cmake --build "$stage/build"
 (cd "$stage/build" && ctest --output-on-failure --no-tests=error)
 
+# The catalog of coordinate systems travels with the library.
+KELVANE_USER_DIR=$stage/user "$stage/prefix/bin/kelvane" cs show "RGF93 v1 / Lambert-93" >/dev/null
+
 if ldd "$stage"/prefix/lib*/libkelvane_util.so "$stage/prefix/bin/kelvane" |
     grep -E "not found|$build/lib/"; then
     echo "check-install: the libraries above are missing, or come from the build folder" >&2

@@ -97,6 +97,17 @@ printf '\n$ kelvane info project %q --json | head -24\n' "$name"
 kelvane info project "$name" --json >info.json
 head -24 info.json
 
+if grep -q '"name": "AS_PPM"' info.json; then
+    step "Space: what the numbers are, where the samples lie in the world, a table for a GPS"
+    run kelvane set project "$name" --unit CU_PCT=%,AU_GPT=g/t,AS_PPM=ppm,ELEVATION=m
+    printf '\n$ kelvane info project %q --cs EPSG:4326 | head -4\n' "$name"
+    kelvane info project "$name" --cs EPSG:4326 >info-world.txt
+    head -4 info-world.txt
+    run kelvane export project "$name" world.csv --cs EPSG:4326 \
+        --variables EASTING,NORTHING,ELEVATION,CU_PCT --units CU_PCT=ppm,ELEVATION=ft
+    run head -4 world.csv
+fi
+
 step "Check: is every file of the project whole?"
 run kelvane check project
 
@@ -121,4 +132,5 @@ step "The results are in $output"
 echo "  project/          the project: one file a dataset"
 echo "  export.csv        the export; export-comma.csv with decimal commas"
 echo "  info.json         what the project holds"
+[ ! -f world.csv ] || echo "  world.csv         the export in longitudes and latitudes, in other units"
 [ ${#map[@]} -eq 0 ] || echo "  map.png           the map"

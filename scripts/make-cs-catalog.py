@@ -69,7 +69,7 @@ GROUPS = [
     ("Australia and Pacific", [4283, 7844, 4202, 4203] + span(28349, 28356) + span(7849, 7856)
      + [3112, 9473, 3577, 4167, 2193, 4272, 27200, 3832]),
     ("Asia", [4490, 4547, 4548, 4549, 4612, 6668] + span(6669, 6687)
-     + [4737, 5179, 5186, 3826, 2326, 3414, 4238, 9468, 23830, 24047, 24048, 4239, 7755, 20437, 20438, 2039]),
+     + [4737, 5179, 5186, 3826, 2326, 3414, 4238, 9470, 23830, 24047, 24048, 4239, 7755, 20437, 20438, 2039]),
 ]
 
 FAVORITES = {"geographic": [4326, 4258], "projected": [3857, 3035, 2154]}
@@ -95,10 +95,12 @@ def make(database):
     connection = sqlite3.connect(f"file:{database}?mode=ro", uri=True)
 
     def name_of(authority, code):
-        row = connection.execute("select name, deprecated from crs_view where auth_name = ? and code = ?",
+        row = connection.execute("select name, deprecated, type from crs_view where auth_name = ? and code = ?",
                                  (authority, code)).fetchone()
         if row is None or row[1]:
             sys.exit(f"make-cs-catalog: {authority}:{code} is {'deprecated' if row else 'unknown'}")
+        if row[2] not in ("geographic 2D", "projected"):
+            sys.exit(f"make-cs-catalog: {authority}:{code} is {row[2]}")
         return row[0]
 
     codes = [code for _, group in GROUPS for code in group]

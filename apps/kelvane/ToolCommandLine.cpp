@@ -64,7 +64,7 @@ QStringList withArgumentsLast(const ToolCommand& command, const QStringList& wor
                 return !option.value.isEmpty() && word == QStringLiteral("--") + option.name;
             });
         if (takesNext && i + 1 == words.size())
-            return words; // its value is missing, which the parser will say
+            return words; // "--" must not be taken for the value that is missing
         if (takesNext)
             options += words.at(++i);
     }

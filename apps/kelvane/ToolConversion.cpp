@@ -21,24 +21,30 @@ QString accuracyText(double accuracy)
                : Tool::tr("accuracy %1 m").arg(ToolOutput::toText(accuracy));
 }
 
-/// What was done, in one line. Which operation a point took is known when there is but one.
+/// The operations that points took, with the number of points where there are several.
+QString operationsText(const QVector<Operation>& operations, const Counts& counts)
+{
+    const QVector<qint64>& points = counts.byOperation;
+    QStringList used;
+    for (int i = 0; i < std::min(operations.size(), points.size()); ++i) {
+        if (points.at(i) == 0)
+            continue;
+        const QString name = QStringLiteral("'%1'").arg(operations.at(i).name);
+        const bool isAll = points.at(i) == counts.converted;
+        used.append(isAll ? name : Tool::tr("%1 (%2 points)").arg(name).arg(points.at(i)));
+    }
+    return used.isEmpty() ? QString() : Tool::tr(", by %1").arg(used.join(QStringLiteral(", ")));
+}
+
+/// What was done, in one line.
 void printSummary(const QVector<Operation>& operations, const Counts& counts)
 {
-    QStringList names;
-    for (const Operation& operation : operations) {
-        if (operation.grids.isEmpty())
-            names.append(operation.name);
-    }
     QString text = Tool::tr("Coordinates converted: %1 points").arg(counts.converted);
     if (counts.undefined > 0)
         text += Tool::tr(", %1 without coordinates").arg(counts.undefined);
     if (counts.converted > 0)
         text += QStringLiteral(", ") + accuracyText(counts.worstAccuracy);
-    if (!names.isEmpty())
-        text += Tool::tr(", by '%1'").arg(names.first());
-    if (names.size() > 1)
-        text += Tool::tr(" or, where that does not hold, %1 others").arg(names.size() - 1);
-    ToolOutput::printNote(text);
+    ToolOutput::printNote(text + operationsText(operations, counts));
 }
 
 /// The best operation that lacks a file, if it would have done better.
@@ -52,9 +58,12 @@ void warnOfMissingFiles(const QVector<Operation>& operations, const Counts& coun
     }
     if (best == nullptr || counts.converted == 0)
         return;
-    ToolOutput::printWarning(
+    QString text =
         Tool::tr("A better conversion (%1) needs a file that PROJ does not find here: %2")
-            .arg(accuracyText(best->accuracy), best->grids.join(QStringLiteral(", "))));
+            .arg(accuracyText(best->accuracy), best->grids.join(QStringLiteral(", ")));
+    if (!best->areaName.isEmpty())
+        text += Tool::tr("; its area of use is %1").arg(best->areaName);
+    ToolOutput::printWarning(text);
 }
 } // namespace
 

@@ -157,9 +157,10 @@ QString ToolCsFacts::toText(const KuuCoordSystem& system)
 {
     const Details details = Details::of(system);
     Page page;
-    const QString kind = kindText(details.kind);
-    page.add(Tool::tr("kind"),
-             details.method.isEmpty() ? kind : Tool::tr("%1, %2").arg(kind, details.method));
+    QStringList kind{kindText(details.kind), details.method};
+    kind.append(details.isDeprecated ? Tool::tr("deprecated") : QString());
+    kind.removeAll(QString());
+    page.add(Tool::tr("kind"), kind.join(QStringLiteral(", ")));
     page.add(Tool::tr("unit"), system.getUnit().getName());
     page.add(Tool::tr("axes"), axesText(details.axes));
     page.add(Tool::tr("datum"), details.datum);
@@ -171,9 +172,7 @@ QString ToolCsFacts::toText(const KuuCoordSystem& system)
     page.add(Tool::tr("scope"), details.scope);
     page.add(Tool::tr("PROJ.4"), details.proj4);
     page.addOthers(Tool::tr("same as"), Details::findEquivalents(system));
-    if (details.isDeprecated && details.replacements.isEmpty())
-        page.add(Tool::tr("deprecated"), Tool::tr("without a replacement"));
-    page.addOthers(Tool::tr("deprecated for"), details.replacements);
+    page.addOthers(Tool::tr("replaced by"), details.replacements);
     return QStringLiteral("%1  %2\n").arg(system.serialize(), details.name) + page.getText();
 }
 

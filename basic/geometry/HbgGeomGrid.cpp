@@ -46,18 +46,15 @@ HbgGeomGrid::HbgGeomGrid(int nx, int ny, int nz, const HbgVector3D& origin, doub
 void HbgGeomGrid::setRotation(double degrees)
 {
     m_rotation = degrees;
-    // Quarter turns are exact, so that a grid turned by 90 degrees has no stray 1e-17 parts.
-    const double quarters = degrees / 90.;
-    if (std::isfinite(quarters) && quarters == std::floor(quarters)) {
-        static constexpr double COS[] = {1., 0., -1., 0.};
-        const int quarter = static_cast<int>(quarters - 4. * std::floor(quarters / 4.));
-        m_cos = COS[quarter];
-        m_sin = COS[(quarter + 3) % 4];
-        return;
-    }
-    const double radians = degrees * (3.14159265358979323846 / 180.);
-    m_cos = std::cos(radians);
-    m_sin = std::sin(radians);
+    // What is left of whole quarter turns, without rounding: quarter turns are exact, with no stray
+    // 1e-17 parts, and any number of whole turns changes nothing.
+    int quarters = 0;
+    const double radians = std::remquo(degrees, 90., &quarters) * (3.14159265358979323846 / 180.);
+    const double cosine = std::cos(radians);
+    const double sine = std::sin(radians);
+    const double turned[] = {cosine, -sine, -cosine, sine};
+    m_cos = turned[quarters & 3];
+    m_sin = turned[(quarters + 3) & 3];
 }
 
 bool HbgGeomGrid::isValid() const

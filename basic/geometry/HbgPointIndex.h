@@ -16,8 +16,8 @@
 /// A balanced tree: each node halves its points across the longer side of their bounds, down to
 /// leaves of 16 to 32 points. Being cut by counts, not by places, it is no deeper and its leaves no
 /// fuller for points in one heap, on a line, all equal or with one of them far away. Building costs
-/// O(n log n), a pick O(sqrt(n) + found) at worst. It takes less than 29 bytes a point, and no more
-/// while it is built.
+/// O(n log n); a pick goes down the tree, and looks at the leaves on the border of what it finds.
+/// It takes less than 29 bytes a point, and no more while it is built.
 ///
 /// Distances are compared as squares in double precision, by the same arithmetic for a point and
 /// for a box around it, so that no rounding leaves a point out. Picks wait for memory more than for

@@ -67,8 +67,8 @@ private:
         std::unique_ptr<HbiRankBitmap> bitmap;
     };
 
-    static constexpr std::size_t CROWD = 256;      // pieces within 65536 ranks that make a bitmap
-    static constexpr quint32 THIN = 64;            // a bitmap with fewer ranks becomes an array
+    static constexpr std::size_t CROWD = 256; // pieces within 65536 ranks that make a bitmap
+    static constexpr quint32 THIN = 64;       // a bitmap with fewer ranks becomes an array
 
     Rank _upper(std::size_t k) const
     {

@@ -3,8 +3,8 @@
 #include <QtCore/QtGlobal>
 
 /// The loops of HbuUnitTransfo over columns, at the speed of memory. Results are those of the
-/// scalar expression to the last bit, whichever instructions the processor has; an undefined value
-/// (NaN too) stays as it is.
+/// expression to the last bit (but for numbers below 1e-290), whichever instructions the processor
+/// has; an undefined value (NaN too) stays as it is.
 namespace HbuUnitKernel
 {
 void multiply(double* values, qint64 count, double factor);

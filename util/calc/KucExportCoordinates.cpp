@@ -63,7 +63,7 @@ KucExportCoordinates::KucExportCoordinates(const HgdADataSet& dataset, const Set
         m_converter.emplace(setup.input, setup.output);
     findExported(dataset);
     if (setup.writesNodes && m_grid != nullptr)
-        addNodeVariables();
+        addNodeVariables(dataset);
     if (m_converter)
         convertExported(dataset);
     for (Source& source : m_sources) {
@@ -92,14 +92,20 @@ void KucExportCoordinates::findExported(const HgdADataSet& dataset)
     }
 }
 
-void KucExportCoordinates::addNodeVariables()
+void KucExportCoordinates::addNodeVariables(const HgdADataSet& dataset)
 {
+    QStringList taken;
+    for (const HbdAVariable* variable : dataset.getVariables(HgdADataSet::getDataRole()))
+        taken.append(variable->getFullName());
     static const QString names[] = {QStringLiteral("X"), QStringLiteral("Y"), QStringLiteral("Z")};
     for (int axis = X; axis < m_grid->getAxisCount(); ++axis) {
         Source& source = m_sources[std::size_t(axis)];
         if (source.exported != nullptr)
             continue;
-        HbdVariableDetails details(names[axis], HbdEVarType::REAL, roleOf(axis));
+        QString name = names[axis];
+        while (taken.contains(name))
+            name += QLatin1String("_node");
+        HbdVariableDetails details(name, HbdEVarType::REAL, roleOf(axis));
         details.unit = axis == Z ? getElevationUnit(m_setup.input) : m_setup.input.getUnit();
         details.format = m_converter ? HbbEFormat::GENERAL : HbbEFormat::SHORTEST;
         source.node = std::make_unique<HbdVariableReal>(details);

@@ -79,7 +79,7 @@ private:
     };
 
     void findExported(const HgdADataSet& dataset);
-    void addNodeVariables();
+    void addNodeVariables(const HgdADataSet& dataset);
     void convertExported(const HgdADataSet& dataset);
     void openSource(Axis axis, const HgdADataSet& dataset);
     HbuUnitTransfo getUnitConversion(Axis axis, const HbdAVariable& variable) const;

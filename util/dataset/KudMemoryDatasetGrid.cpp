@@ -30,8 +30,8 @@ bool isUsable(const KuuGeometrySet& geometrySet)
 {
     if (!geometrySet.isGrid())
         return false;
-    const HbgGeomGrid& grid = geometrySet.isSparseGrid() ? geometrySet.toSparseGrid().getGrid()
-                                                         : geometrySet.toGrid();
+    const HbgGeomGrid& grid =
+        geometrySet.isSparseGrid() ? geometrySet.toSparseGrid().getGrid() : geometrySet.toGrid();
     return grid.isValid() || geometrySet.getSampleCount() == 0;
 }
 } // namespace

@@ -254,21 +254,31 @@ const KuuCoordSystemCatalogFile& KuuCoordSystemCatalogFile::getShipped()
     return file;
 }
 
-void KuuCoordSystemCatalogFile::write(const QString& path) const
+static QDomDocument toDocument(const KuuCoordSystemCatalogFile& file)
 {
     QDomDocument document;
     QDomElement root = document.createElement(CATALOG);
     document.appendChild(root);
-    root.appendChild(KuxXml::createTextNode(document, VERSION_TAG, QString::number(VERSION)));
-    for (const System& system : systems)
+    root.appendChild(KuxXml::createTextNode(document, VERSION_TAG, QString::number(file.VERSION)));
+    for (const System& system : file.systems)
         root.appendChild(createElement(document, system));
-    if (hasFavorites) {
+    if (file.hasFavorites) {
         QDomElement favorites = document.createElement(FAVORITES);
-        favorites.appendChild(createList(document, GEOGRAPHIC, geographicFavorites));
-        favorites.appendChild(createList(document, PROJECTED, projectedFavorites));
+        favorites.appendChild(createList(document, GEOGRAPHIC, file.geographicFavorites));
+        favorites.appendChild(createList(document, PROJECTED, file.projectedFavorites));
         root.appendChild(favorites);
     }
-    KuxXml::saveXml(path, document);
+    return document;
+}
+
+void KuuCoordSystemCatalogFile::write(const QString& path) const
+{
+    KuxXml::saveXml(path, toDocument(*this));
+}
+
+QByteArray KuuCoordSystemCatalogFile::toBytes() const
+{
+    return toDocument(*this).toByteArray(KuxXml::getIndent());
 }
 
 void KuuCoordSystemCatalogFile::writeEmpty(const QString& path)

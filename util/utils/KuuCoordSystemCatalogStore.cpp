@@ -319,18 +319,21 @@ int KuuCoordSystemCatalogStore::rankOf(const KuuCoordSystem& system)
 
 void KuuCoordSystemCatalogStore::setFavorites(Mode mode, const QList<KuuCoordSystem>& systems)
 {
+    if (mode == Mode::LOCAL)
+        return;
     Favorites favorites = m_favorites;
     QVector<System>& list = favorites.of(mode);
     // Those that cannot be shown here and now are not the caller's to drop.
-    QVector<System> hidden = list;
-    const QVector<Visible> visible = getVisible(mode);
-    for (auto it = visible.crbegin(); it != visible.crend(); ++it)
-        hidden.remove(it->index);
-
+    QVector<System> hidden;
+    for (const System& favorite : qAsConst(list)) {
+        const KuuCoordSystem shown = getSystem(find(favorite));
+        if (!shown.isValid() || shown.getMode() != mode)
+            hidden.append(favorite);
+    }
     list.clear();
     QSet<int> seen;
     for (const KuuCoordSystem& system : systems) {
-        if (!system.isValid() || system.getMode() != mode || mode == Mode::LOCAL)
+        if (!system.isValid() || system.getMode() != mode)
             continue;
         int place = find(system);
         if (place < 0)
@@ -341,8 +344,7 @@ void KuuCoordSystemCatalogStore::setFavorites(Mode mode, const QList<KuuCoordSys
         list.append(m_entries[size_t(place)].fields);
     }
     list += hidden;
-    if (mode != Mode::LOCAL)
-        saveFavorites(favorites);
+    saveFavorites(favorites);
 }
 
 bool KuuCoordSystemCatalogStore::addFavorite(const KuuCoordSystem& system)

@@ -95,8 +95,10 @@ void KuuGeometryMemento::encode(const HbgGeomGrid& any, QVariantMap& map)
 
 void KuuGeometryMemento::decode(const QVariantMap& map, HbgGeomGrid& grid)
 {
-    grid = makeGrid(map, grid.getDimension());
-    require(grid.isValid() || grid.getNodeCount() == 0);
+    const HbgGeomGrid made = makeGrid(map, grid.getDimension());
+    require(made.isValid() || made.getNodeCount() == 0);
+    if (made.isValid())
+        grid = made; // else there are no nodes in it, as it came
 }
 
 void KuuGeometryMemento::encode(const HbgSparseGrid& grid, QVariantMap& map)

@@ -61,6 +61,44 @@ TEST(HbgGeomGrid, turnsCounterClockwiseAboutItsOrigin)
     const HbgVector3D end = turned.getPosition(1);
     EXPECT_NEAR(end.x, std::sqrt(3.), 1e-15);
     EXPECT_NEAR(end.y, 1., 1e-15);
+
+    // A quarter turn more turns all positions, and whole turns change nothing at all.
+    for (double rotation = -400.; rotation < 400.; rotation += 6.25) {
+        const HbgGeomGrid grid(7, 5, {0., 0.}, 3., -0.7, rotation);
+        const HbgGeomGrid more(7, 5, {0., 0.}, 3., -0.7, rotation + 90.);
+        const HbgGeomGrid many(7, 5, {0., 0.}, 3., -0.7, rotation - 360e6);
+        for (qint64 rank = 0; rank < grid.getNodeCount(); ++rank) {
+            const HbgVector3D at = grid.getPosition(rank);
+            EXPECT_NEAR(more.getPosition(rank).x, -at.y, 1e-14);
+            EXPECT_NEAR(more.getPosition(rank).y, at.x, 1e-14);
+            EXPECT_EQ(many.getPosition(rank), at);
+        }
+    }
+}
+
+TEST(HbgGeomGrid, isExactToTheLastNodeFarFromTheOrigin)
+{
+    for (const double step : {0.001, -0.001, 25., 1e-6}) {
+        for (const double rotation : {0., 17., 45., 90., -133.25, 180., 270.}) {
+            SCOPED_TRACE(testing::Message() << step << " at " << rotation);
+            const HbgGeomGrid flat(31, 17, {1e7, -1e7}, step, 2. * step, rotation);
+            const HbgGeomGrid deep(13, 7, 5, {1e7, 0., -1e4}, 3. * step, -step, step, rotation);
+            for (const HbgGeomGrid& grid : {flat, deep}) {
+                HbgBox box;
+                for (qint64 rank = 0; rank < grid.getNodeCount(); ++rank)
+                    box.unite(grid.getPosition(rank));
+                EXPECT_EQ(grid.getBoundingBox(), box);
+                EXPECT_EQ(box.is3D(), grid.is3D());
+            }
+            // Steps are multiplied, never added up: the last one is as long as the first.
+            const HbgVector3D last = flat.getPosition(Indices{30, 0, 0}) - flat.getOrigin();
+            EXPECT_NEAR(last.toVector2D().length(), 30. * std::abs(step), 4e-9);
+            if (rotation == 0.) {
+                EXPECT_EQ(flat.getPosition(Indices{30, 16, 0}),
+                          HbgVector3D(1e7 + 30 * step, -1e7 + 16 * (2. * step), HbbGlobal::D_FFFF));
+            }
+        }
+    }
 }
 
 TEST(HbgGeomGrid, knowsWhatIsNoGrid)

