@@ -26,7 +26,7 @@ TEST_F(ToolUnitsTest, convertsInFullPrecision)
         {"-40", "degF", "degC", "-40"},
         {"100", "°C", "°F", "212"},
         {"-.5", "ft", "in", "-6"},
-        {"1", "ft-us", "m", "0.30480060960121924"},
+        {"1", "ft-us", "m", "0.3048006096012192"},
         {"1e3", "LENGTH:m", "km", "1"},
         {"1", "length:ft", "m", "0.3048"},
         {"5", "%", "ppm", "50000"},   // grades and ratios convert alike
