@@ -187,9 +187,14 @@ TEST_F(ToolSpaceTest, whatMakesCoordinatesWorseIsSaid)
         EXPECT_EQ(cells[2], (QList<QByteArray>{"NA", "NA", "2"}));
         EXPECT_EQ(cells[3], (QList<QByteArray>{"NA", "NA", "3"}));
     }
-    // Without coordinates in the file there is nothing to say.
-    EXPECT_EQ(ok({"export", "p", "t", "o.csv", "--cs", "EPSG:2154", "--variables", "v"}).out, "");
+    // Without coordinates in the file nothing is converted: here, and where they are but text.
+    ToolRun none = ok({"export", "p", "t", "o.csv", "--cs", "EPSG:2154", "--variables", "v"});
+    EXPECT_EQ(none.err, "warning: None of the exported variables is a coordinate: nothing was "
+                        "converted into 'EPSG:2154'.\n");
     EXPECT_EQ(read("o.csv"), "v\n1\n2\n3\n4\n");
+    write("s.csv", "x,y\n5 E,52\n");
+    ok({"import", "s.csv", "--project", "p", "--cs", "EPSG:4326"});
+    EXPECT_EQ(ok({"export", "p", "s", "o.csv", "--cs", "EPSG:2154"}).err, none.err);
 }
 
 // A grid in another system is no grid any more: its nodes are written out.
