@@ -36,6 +36,16 @@ HbgBox convertAll(int sampleCount, const KuuCoordSystemConverter& converter, con
 }
 } // namespace
 
+HbuUnit ToolExtent::getUnitOfY(const KudADataset& dataset)
+{
+    const KudADataTable* table = dataset.getObjectTable();
+    const HbdANumericVariable* y = table != nullptr ? table->readYCoordinate() : nullptr;
+    if (y == nullptr)
+        return dataset.getCoordinateUnit();
+    const HbuUnit unit = y->getDetails().unit;
+    return unit.isNone() ? dataset.getCoordSystem().getUnit() : unit;
+}
+
 HbgBox ToolExtent::compute(const KudADataset& dataset, const KuuCoordSystem& system)
 {
     const KuuCoordSystemConverter converter(dataset.getCoordSystem(), dataset.getCoordinateUnit(),
@@ -57,7 +67,7 @@ HbgBox ToolExtent::compute(const KudADataset& dataset, const KuuCoordSystem& sys
         return HbgBox();
     // The converter takes both in one unit.
     const HbuUnitTransfo toUnitOfX = HbuUnitService::getInstance().getConversion(
-        y->getDetails().unit, dataset.getCoordinateUnit());
+        getUnitOfY(dataset), dataset.getCoordinateUnit());
     return convertAll(sampleCount, converter, [&](int first, int count, double* xs, double* ys) {
         x->readNumbers(first, count, xs);
         y->readNumbers(first, count, ys);

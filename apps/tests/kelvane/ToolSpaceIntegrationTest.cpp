@@ -141,6 +141,23 @@ TEST_F(ToolSpaceTest, setSaysWhatNumbersAreAndChangesNone)
     ok({"export", "q", "f", "o.csv", "--cs", "EPSG:4171"});
     EXPECT_EQ(read("o.csv"), "Longitude,Latitude\n3.0000000,46.5000000\n");
 
+    // Each coordinate has its own unit, else the system's.
+    for (const QByteArray units : {"x=km,y=none", "x=none,y=km", "x=km,y=ft"}) {
+        const bool isOnlyY = units.startsWith("x=none");
+        const bool isFeet = units.endsWith("ft");
+        write("u.csv", isOnlyY  ? "x,y\n700000,6600\n"
+                       : isFeet ? "x,y\n700,21653543.30708661\n"
+                                : "x,y\n700,6600000\n");
+        ok({"import", "u.csv", "--project", "u", "--replace", "--cs", "EPSG:2154"});
+        const ToolRun set = ok({"set", "u", "u", "--unit", QString(units)});
+        EXPECT_TRUE(set.out.contains(isOnlyY ? " m, y 6600 to 6600 km" : " km, y "));
+        EXPECT_TRUE(set.out.contains(isFeet ? " ft\n" : isOnlyY ? " km\n" : " m\n"));
+        const QJsonObject place =
+            dataset("u", {"--cs", "EPSG:4171"})["extent"].toObject()["boundingBox"].toObject();
+        EXPECT_NEAR(place["xMin"].toDouble(), 3., 1e-9) << units.toStdString();
+        EXPECT_NEAR(place["yMin"].toDouble(), 46.5, 1e-9) << units.toStdString();
+    }
+
     // All or nothing.
     const QByteArray saved = read("p/" + files.first());
     for (const QStringList& wrong :
