@@ -10,3 +10,4 @@ ToolCommand createCheckCommand();
 ToolCommand createMapCommand();
 ToolCommand createCsCommand();
 ToolCommand createConvertCommand();
+ToolCommand createUnitsCommand();

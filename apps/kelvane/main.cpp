@@ -4,6 +4,8 @@
 #include "ToolOutput.h"
 #include "ToolUsageError.h"
 
+#include <util/utils/KuuUnitCatalog.h>
+
 #include <basic/calc/HbcCancelled.h>
 #include <basic/error/HbeDiskError.h>
 #include <basic/error/HbeUserError.h>
@@ -20,8 +22,9 @@ constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
 
 std::vector<ToolCommand> createCommands()
 {
-    return {createImportCommand(), createInfoCommand(), createSetCommand(), createExportCommand(),
-            createCheckCommand(),  createMapCommand(),  createCsCommand(),  createConvertCommand()};
+    return {createImportCommand(), createInfoCommand(),    createSetCommand(),
+            createExportCommand(), createCheckCommand(),   createMapCommand(),
+            createCsCommand(),     createConvertCommand(), createUnitsCommand()};
 }
 
 QString generalHelp(const std::vector<ToolCommand>& commands)
@@ -64,6 +67,8 @@ int runCommand(const ToolCommand& command, const QStringList& arguments)
         ToolOutput::print(command.getHelp());
         return ExitDone;
     }
+    // Every command reads or writes units: a variable may have one of the user's own.
+    KuuUnitCatalog::init();
     return command.run(line);
 }
 

@@ -151,5 +151,5 @@ int main(int argc, char** argv)
                          {{"oneThread", "projBulk", 1.05},
                           {"twoThreads", "projBulk", 0.6},
                           {"secondConverter", "searchOfDatabase", 0.01},
-                          {"onePoint", "projOnePoint", 1.5}});
+                          {"onePoint", "projOnePoint", 3}});
 }

@@ -135,16 +135,17 @@ TEST_F(ToolConvertTest, streamIsConvertedAsItArrives)
 
 TEST_F(ToolConvertTest, endsWithItsReaderOrBySignal)
 {
-    QProcess process;
-    startStream(process);
-    process.write("3 46.5\n");
-    EXPECT_EQ(nextLine(process), "700000 6600000\n");
-    process.closeReadChannel(QProcess::StandardOutput);
-    process.write("3 46.5\n");
-    ASSERT_TRUE(process.waitForFinished(20000));
-    EXPECT_EQ(process.exitCode(), 128 + SIGPIPE);
-    EXPECT_EQ(process.readAllStandardError(), "");
+    QProcess shell;
+    shell.setWorkingDirectory(m_folder.path());
+    shell.start("sh",
+                {"-c", "(yes 3 46.5 | \"$KELVANE_TOOL\" convert --from EPSG:4326 --to EPSG:2154 - "
+                       "2>err; echo $? >code) | head -n 1"});
+    ASSERT_TRUE(shell.waitForFinished(20000));
+    EXPECT_EQ(shell.readAllStandardOutput(), "700000 6600000\n");
+    EXPECT_EQ(read("code").trimmed().toInt(), 128 + SIGPIPE);
+    EXPECT_EQ(read("err"), "");
 
+    QProcess process;
     startStream(process);
     process.write("3 46.5\n");
     EXPECT_EQ(nextLine(process), "700000 6600000\n");

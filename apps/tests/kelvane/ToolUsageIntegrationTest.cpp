@@ -87,7 +87,7 @@ TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
     EXPECT_TRUE(run({"--version"}).out.startsWith("kelvane "));
     const QByteArray help = run({"--help"}).out;
     for (const char* command :
-         {"import", "info", "set", "export", "check", "map", "cs", "convert"}) {
+         {"import", "info", "set", "export", "check", "map", "cs", "convert", "units"}) {
         const ToolRun result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "");
