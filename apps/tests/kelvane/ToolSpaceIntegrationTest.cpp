@@ -157,6 +157,13 @@ TEST_F(ToolSpaceTest, setSaysWhatNumbersAreAndChangesNone)
         EXPECT_NEAR(place["xMin"].toDouble(), 3., 1e-9) << units.toStdString();
         EXPECT_NEAR(place["yMin"].toDouble(), 46.5, 1e-9) << units.toStdString();
     }
+    // Longitudes and latitudes are angles, of two classes.
+    write("u.csv", "x,y\n3,0.8115781021773633\n");
+    ok({"import", "u.csv", "--project", "u", "--replace", "--cs", "EPSG:4326"});
+    ok({"set", "u", "u", "--unit", "x=LONGITUDE:deg,y=LATITUDE:rad"});
+    const QJsonObject place =
+        dataset("u", {"--cs", "EPSG:2154"})["extent"].toObject()["boundingBox"].toObject();
+    EXPECT_NEAR(place["yMin"].toDouble(), 6600000., 1e-3);
 
     // All or nothing.
     const QByteArray saved = read("p/" + files.first());
