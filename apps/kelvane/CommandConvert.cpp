@@ -158,7 +158,7 @@ private:
     {
         flush(); // what stands before the line is right
         throw HbeUserError(
-            Tool::tr("'%1', line %2: %3").arg(input.getName()).arg(m_line).arg(fault));
+            Tool::tr("'%1', line %2: %3").arg(input.getName(), QString::number(m_line), fault));
     }
 
     const KuuCoordSystemConverter& m_converter;

@@ -110,6 +110,13 @@ void exportTo(const QString& path, const QCommandLineParser& line, const Setting
         ToolInterrupt::run(job, progress);
     }
     ToolConversion::print(job);
+    // Columns of text, say, that look like coordinates to whoever asked.
+    if (settings.system.isValid() && job.getConverter() == nullptr &&
+        !dataset.getCoordSystem().isSameTransfo(settings.system)) {
+        ToolOutput::printWarning(Tool::tr("None of the exported variables is a coordinate: nothing "
+                                          "was converted into '%1'.")
+                                     .arg(settings.system.serialize()));
+    }
 }
 
 /// Exports beside the file and puts it in place when it is whole. What is no regular file (a pipe,
@@ -158,8 +165,8 @@ ToolCommand createExportCommand()
         "Numbers are written with the digits that came in, or with --precision full as the "
         "shortest text that reads back as the same number.\n"
         "With --cs the coordinates are converted into another coordinate system; what was done, "
-        "and "
-        "how exactly, is said. Longitudes and latitudes are headed so and written in degrees with "
+        "and how exactly, is said. Longitudes and latitudes are headed so and written in degrees "
+        "with "
         "seven decimals, other coordinates in the unit of the system. A coordinate that cannot be "
         "converted is undefined. Of a grid, the coordinates of the nodes are written as columns.");
     command.example = QStringLiteral("kelvane export survey samples samples.csv\n"

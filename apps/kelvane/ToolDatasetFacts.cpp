@@ -73,13 +73,14 @@ QString withUnit(const QString& text, const HbuUnit& unit)
     return unit.isNone() ? text : text + QLatin1Char(' ') + unit.getSymbol();
 }
 
-QString boxText(const HbgBox& box, const HbuUnit& unit, const HbuUnit& elevationUnit)
+QString boxText(const HbgBox& box, const HbuUnit& xUnit, const HbuUnit& yUnit,
+                const HbuUnit& elevationUnit)
 {
     if (box.isEmpty())
         return Tool::tr("no coordinates");
     QString text = Tool::tr("x %1, y %2")
-                       .arg(withUnit(rangeText(box.getXMin(), box.getXMax()), unit),
-                            withUnit(rangeText(box.getYMin(), box.getYMax()), unit));
+                       .arg(withUnit(rangeText(box.getXMin(), box.getXMax()), xUnit),
+                            withUnit(rangeText(box.getYMin(), box.getYMax()), yUnit));
     if (box.is3D())
         text += Tool::tr(", z %1").arg(
             withUnit(rangeText(box.getZMin(), box.getZMax()), elevationUnit));
@@ -143,8 +144,8 @@ void writeExtent(ToolJson& json, const KudADataset& dataset, const KuuCoordSyste
 QString extentText(const KudADataset& dataset, const KuuCoordSystem& other)
 {
     const HbgBox box = computeExtent(dataset, other);
-    const QString text =
-        box.isEmpty() ? Tool::tr("not known") : boxText(box, other.getUnit(), HbuUnit());
+    const QString text = box.isEmpty() ? Tool::tr("not known")
+                                       : boxText(box, other.getUnit(), other.getUnit(), HbuUnit());
     return Tool::tr("\n  in %1 %2").arg(other.serialize().leftJustified(15), text);
 }
 
@@ -209,11 +210,11 @@ void ToolDatasetFacts::write(ToolJson& json, const KudADataset& dataset,
 QString ToolDatasetFacts::toText(const KudADataset& dataset, const KuuCoordSystem& other)
 {
     QString text = Tool::tr("%1: %2, %3 samples")
-                       .arg(dataset.getName(), dataset.getDatasetType().getLabel().toLower())
-                       .arg(dataset.getObjectCount());
+                       .arg(dataset.getName(), dataset.getDatasetType().getLabel().toLower(),
+                            QString::number(dataset.getObjectCount()));
     text += Tool::tr("\n  coordinates        %1")
                 .arg(boxText(dataset.getBoundingBox(), dataset.getCoordinateUnit(),
-                             dataset.getElevationUnit()));
+                             ToolExtent::getUnitOfY(dataset), dataset.getElevationUnit()));
     text += Tool::tr("\n  coordinate system  %1").arg(coordSystemText(dataset.getCoordSystem()));
     if (other.isValid())
         text += extentText(dataset, other);

@@ -20,6 +20,16 @@ constexpr int BLOCK_SIZE = 100000;
 /// Fills x and y with the coordinates of `count` samples from `first` on.
 using Reader = std::function<void(int first, int count, double* x, double* y)>;
 
+/// Longitudes and latitudes have classes of their own, between which nothing converts, with the
+/// keys of the angles.
+HbuUnit toAngle(const HbuUnit& unit)
+{
+    const HbuEUnitClass unitClass = unit.getUnitClass();
+    return unitClass == HbuEUnitClass::LONGITUDE || unitClass == HbuEUnitClass::LATITUDE
+               ? HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, unit.getKey())
+               : unit;
+}
+
 HbgBox convertAll(int sampleCount, const KuuCoordSystemConverter& converter, const Reader& read)
 {
     HbgBox box;
@@ -35,6 +45,16 @@ HbgBox convertAll(int sampleCount, const KuuCoordSystemConverter& converter, con
     return box;
 }
 } // namespace
+
+HbuUnit ToolExtent::getUnitOfY(const KudADataset& dataset)
+{
+    const KudADataTable* table = dataset.getObjectTable();
+    const HbdANumericVariable* y = table != nullptr ? table->readYCoordinate() : nullptr;
+    if (y == nullptr)
+        return dataset.getCoordinateUnit();
+    const HbuUnit unit = y->getDetails().unit;
+    return unit.isNone() ? dataset.getCoordSystem().getUnit() : unit;
+}
 
 HbgBox ToolExtent::compute(const KudADataset& dataset, const KuuCoordSystem& system)
 {
@@ -57,7 +77,7 @@ HbgBox ToolExtent::compute(const KudADataset& dataset, const KuuCoordSystem& sys
         return HbgBox();
     // The converter takes both in one unit.
     const HbuUnitTransfo toUnitOfX = HbuUnitService::getInstance().getConversion(
-        y->getDetails().unit, dataset.getCoordinateUnit());
+        toAngle(getUnitOfY(dataset)), toAngle(dataset.getCoordinateUnit()));
     return convertAll(sampleCount, converter, [&](int first, int count, double* xs, double* ys) {
         x->readNumbers(first, count, xs);
         y->readNumbers(first, count, ys);

@@ -52,17 +52,16 @@ public:
     const double* findValues(const HbdAVariable& variable) const;
 
     /// How these values are shown: their unit is that of the output system, or for elevations the
-    /// shown one; whole
-    /// numbers, and those of a GENERAL format, are written to the millimetre.
+    /// shown one; whole numbers, and those of a GENERAL format, are written to the millimetre.
     HbdVariableDetails describe(const HbdAVariable& variable) const;
 
     /// Makes the values for the samples of a block, as a part of the job.
     void load(HbdSpan<const int> ranks, HbcAProgress& progress);
 
-    /// Null without a reprojection.
+    /// Null without a reprojection, which is also where no coordinate is exported.
     const KuuCoordSystemConverter* getConverter() const
     {
-        return m_converter ? &*m_converter : nullptr;
+        return m_converts ? &*m_converter : nullptr;
     }
     /// Of the blocks so far.
     const KuuCoordSystemConverter::Counts& getCounts() const { return m_counts; }

@@ -319,9 +319,8 @@ void KucExportData::exportPoints(KucExportBlock& block)
 }
 
 /// Columns are read where they are, so a slab takes no memory for values but the block's
-/// coordinates. Still a grid whose values
-/// are more than the memory is read in slabs: along the outermost loop, whose rows are consecutive
-/// in the file, so that the file is the same.
+/// coordinates. Still a grid whose values are more than the memory is read in slabs: along the
+/// outermost loop, whose rows are consecutive in the file, so that the file is the same.
 void KucExportData::exportGrid(KucExportBlock& block)
 {
     const auto& grid = static_cast<const HgdDataSetGrid&>(*m_dataset);

@@ -17,6 +17,8 @@ Counts KuuCoordSystemBlock::convert(double* x, double* y, double* z, int count, 
     read(x, y, z, stride);
     if (m_operations)
         reproject();
+    if (z)
+        m_task.heightOut.apply(m_z, m_count); // first, as it may take elevations out of range
     Counts counts;
     finish(counts);
     write(x, y, z, stride);
@@ -249,12 +251,16 @@ void KuuCoordSystemBlock::countUse(Counts& counts) const
     }
 }
 
+/// What leaves us is a number or D_FFFF, also next to a coordinate that is undefined.
+static double settled(double value, bool isLost)
+{
+    return isLost || !std::isfinite(value) ? HbbGlobal::D_FFFF : value;
+}
+
 void KuuCoordSystemBlock::write(double* x, double* y, double* z, qint64 stride)
 {
     m_task.planeOut.apply(m_x, m_count);
     m_task.planeOut.apply(m_y, m_count);
-    if (z)
-        m_task.heightOut.apply(m_z, m_count);
     if (m_isAllConverted) {
         copy(m_x, 1, x, stride, m_count);
         copy(m_y, 1, y, stride, m_count);
@@ -263,9 +269,9 @@ void KuuCoordSystemBlock::write(double* x, double* y, double* z, qint64 stride)
     for (int i = 0; i < m_count; ++i) {
         // A place of which a coordinate is missing has no image. Units change one by one.
         const bool isLost = isUndefined(i) ? m_operations != nullptr : !isConverted(i);
-        x[i * stride] = isLost ? HbbGlobal::D_FFFF : m_x[i];
-        y[i * stride] = isLost ? HbbGlobal::D_FFFF : m_y[i];
-        if (z && !HbbGlobal::isUndefined(z[i * stride]))
-            z[i * stride] = isLost ? HbbGlobal::D_FFFF : m_z[i];
+        x[i * stride] = settled(m_x[i], isLost);
+        y[i * stride] = settled(m_y[i], isLost);
+        if (z)
+            z[i * stride] = settled(m_z[i], isLost || HbbGlobal::isUndefined(z[i * stride]));
     }
 }

@@ -157,6 +157,12 @@ KueProj4Definition KuuCoordSystemService::ignfDefinition(const QString& code) co
     return describeIgnf(code).definition;
 }
 
+KueProj4Definition
+KuuCoordSystemService::expandDefinition(const KueProj4Definition& definition) const
+{
+    return describeProj4(definition).definition;
+}
+
 QString KuuCoordSystemService::extractNameFromEpsg(const QString& code) const
 {
     return describeEpsg(code).name;

@@ -80,11 +80,11 @@ TEST_F(ToolConvertTest, faultsAreNamedBehindWhatWasRight)
         {"0x10 1", "'0x10' is no"},
     };
     for (const auto& row : rows) {
-        write("points.txt", "3 46.5\n# more\n" + row.line + "\n3 46.5\n");
-        const ToolRun result = convert({"points.txt"});
+        write("points%2.txt", "3 46.5\n# more\n" + row.line + "\n3 46.5\n");
+        const ToolRun result = convert({"points%2.txt"});
         EXPECT_EQ(result.exitCode, 1) << row.line.constData();
         EXPECT_EQ(result.out, "700000 6600000\n# more\n");
-        EXPECT_TRUE(result.err.contains("'points.txt', line 3: ")) << result.err.toStdString();
+        EXPECT_TRUE(result.err.contains("'points%2.txt', line 3: ")) << result.err.toStdString();
         EXPECT_TRUE(result.err.contains(row.fault)) << result.err.toStdString();
     }
     const struct {

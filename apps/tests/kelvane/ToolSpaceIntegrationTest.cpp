@@ -141,6 +141,30 @@ TEST_F(ToolSpaceTest, setSaysWhatNumbersAreAndChangesNone)
     ok({"export", "q", "f", "o.csv", "--cs", "EPSG:4171"});
     EXPECT_EQ(read("o.csv"), "Longitude,Latitude\n3.0000000,46.5000000\n");
 
+    // Each coordinate has its own unit, else the system's.
+    for (const QByteArray units : {"x=km,y=none", "x=none,y=km", "x=km,y=ft"}) {
+        const bool isOnlyY = units.startsWith("x=none");
+        const bool isFeet = units.endsWith("ft");
+        write("u.csv", isOnlyY  ? "x,y\n700000,6600\n"
+                       : isFeet ? "x,y\n700,21653543.30708661\n"
+                                : "x,y\n700,6600000\n");
+        ok({"import", "u.csv", "--project", "u", "--replace", "--cs", "EPSG:2154"});
+        const ToolRun set = ok({"set", "u", "u", "--unit", QString(units)});
+        EXPECT_TRUE(set.out.contains(isOnlyY ? " m, y 6600 to 6600 km" : " km, y "));
+        EXPECT_TRUE(set.out.contains(isFeet ? " ft\n" : isOnlyY ? " km\n" : " m\n"));
+        const QJsonObject place =
+            dataset("u", {"--cs", "EPSG:4171"})["extent"].toObject()["boundingBox"].toObject();
+        EXPECT_NEAR(place["xMin"].toDouble(), 3., 1e-9) << units.toStdString();
+        EXPECT_NEAR(place["yMin"].toDouble(), 46.5, 1e-9) << units.toStdString();
+    }
+    // Longitudes and latitudes are angles, of two classes.
+    write("u.csv", "x,y\n3,0.8115781021773633\n");
+    ok({"import", "u.csv", "--project", "u", "--replace", "--cs", "EPSG:4326"});
+    ok({"set", "u", "u", "--unit", "x=LONGITUDE:deg,y=LATITUDE:rad"});
+    const QJsonObject place =
+        dataset("u", {"--cs", "EPSG:2154"})["extent"].toObject()["boundingBox"].toObject();
+    EXPECT_NEAR(place["yMin"].toDouble(), 6600000., 1e-3);
+
     // All or nothing.
     const QByteArray saved = read("p/" + files.first());
     for (const QStringList& wrong :
@@ -187,9 +211,14 @@ TEST_F(ToolSpaceTest, whatMakesCoordinatesWorseIsSaid)
         EXPECT_EQ(cells[2], (QList<QByteArray>{"NA", "NA", "2"}));
         EXPECT_EQ(cells[3], (QList<QByteArray>{"NA", "NA", "3"}));
     }
-    // Without coordinates in the file there is nothing to say.
-    EXPECT_EQ(ok({"export", "p", "t", "o.csv", "--cs", "EPSG:2154", "--variables", "v"}).out, "");
+    // Without coordinates in the file nothing is converted: here, and where they are but text.
+    ToolRun none = ok({"export", "p", "t", "o.csv", "--cs", "EPSG:2154", "--variables", "v"});
+    EXPECT_EQ(none.err, "warning: None of the exported variables is a coordinate: nothing was "
+                        "converted into 'EPSG:2154'.\n");
     EXPECT_EQ(read("o.csv"), "v\n1\n2\n3\n4\n");
+    write("s.csv", "x,y\n5 E,52\n");
+    ok({"import", "s.csv", "--project", "p", "--cs", "EPSG:4326"});
+    EXPECT_EQ(ok({"export", "p", "s", "o.csv", "--cs", "EPSG:2154"}).err, none.err);
 }
 
 // A grid in another system is no grid any more: its nodes are written out.

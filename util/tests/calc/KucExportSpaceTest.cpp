@@ -368,4 +368,6 @@ TEST_F(KucExportSpaceTest, WhatDoesNotFitIsAnErrorBeforeTheFileIsOpened)
     exportData.setCoordSystems(epsg("2154"), epsg("4326"));
     EXPECT_EQ(write(exportData), "t\na\n");
     EXPECT_EQ(exportData.getConversionCounts().converted, 0);
+    EXPECT_EQ(exportData.getConverter(), nullptr);
+    EXPECT_EQ(exportData.getConversionReport(), "");
 }

@@ -268,6 +268,37 @@ TEST(KuuCoordSystemConverter, takesAndGivesEachSidesUnit)
     EXPECT_EQ(units.transformDistance(2.), 2000.);
 }
 
+// Out of range is undefined and counted; next to an undefined coordinate nothing else is let out.
+TEST(KuuCoordSystemConverter, givesNumbersOrNothing)
+{
+    const HbuUnit mm = unitOf(HbuEUnitClass::LENGTH, "mm");
+    const KuuCoordSystem wgs84 = read("EPSG:4326");
+    const KuuCoordSystem lambert = read("EPSG:2154");
+    const KuuCoordSystemConverter reprojection(wgs84, HbuUnit(), lambert, mm);
+    const KuuCoordSystemConverter units(lambert, HbuUnit(), lambert, mm);
+    const KuuCoordSystemConverter identity(lambert, lambert);
+    const struct {
+        const KuuCoordSystemConverter& converter;
+        HbgVector3D point;
+        qint64 failed; // else it is undefined
+        HbgVector3D image;
+    } rows[] = {
+        {reprojection, {3., 46.5, 1e306}, 1, {U, U, U}}, // it is the millimetres that are too many
+        {reprojection, {3., NOT_A_NUMBER, INF}, 0, {U, U, U}},
+        {units, {1., 2., 1e306}, 1, {U, U, U}},
+        {units, {U, INF, -INF}, 0, {U, U, U}},
+        {units, {NOT_A_NUMBER, 2., NOT_A_NUMBER}, 0, {U, 2000., U}},
+        {identity, {U, -INF, NOT_A_NUMBER}, 0, {U, U, U}},
+    };
+    for (const auto& row : rows) {
+        HbgVector3D at = row.point;
+        const auto counts = row.converter.convert(&at.x, &at.y, &at.z, 1, 3);
+        EXPECT_EQ(counts.failed, row.failed);
+        EXPECT_EQ(counts.undefined, 1 - row.failed);
+        EXPECT_EQ(at, row.image) << at.x << ' ' << at.y << ' ' << at.z;
+    }
+}
+
 TEST(KuuCoordSystemConverter, refusesWithReasons)
 {
     const HbuUnit none;

@@ -115,6 +115,10 @@ TEST(KuuCoordSystem, knowsTheFactsOfPublishedSystems)
     const KueProj4Definition feet(QStringLiteral("+proj=utm +zone=15 +datum=NAD83 +units=us-ft"));
     EXPECT_EQ(service().extractUnit(feet), length("ft-us"));
     EXPECT_EQ(service().getCoordSystemMode(feet), Mode::PROJECTED);
+    EXPECT_EQ(service().expandDefinition(feet), feet);
+    const KueProj4Definition byCode(QStringLiteral("+init=epsg:32631"));
+    EXPECT_EQ(service().expandDefinition(byCode), KueProj4Definition(QString::fromUtf8(UTM31)));
+    EXPECT_TRUE(service().expandDefinition(KueProj4Definition("+init=epsg:99999")).isEmpty());
     // A unit that our table does not have is made: the Gold Coast foot.
     const HbuUnit foot = KuuCoordSystem::createFromEpsg(QStringLiteral("2136")).getUnit();
     EXPECT_NEAR(foot.getTransfo().getFactor(), 0.304799710181509, 1e-15);

@@ -94,7 +94,8 @@ public:
 
     /// \name Of the last run
     /// @{
-    /// The conversion of the coordinates; null when there was none. It goes with the next run.
+    /// The conversion of the coordinates; null when there was none: the systems are of one
+    /// transformation, or no coordinate is exported. It goes with the next run.
     const KuuCoordSystemConverter* getConverter() const;
     /// What became of the points; all 0 without a conversion.
     KuuCoordSystemConverter::Counts getConversionCounts() const;

@@ -32,10 +32,10 @@ class HbgGeomPolygon;
 /// through otherwise, but for the unit.
 ///
 /// Two systems of one transformation (KuuCoordSystem::isSameTransfo), local ones included, convert
-/// units only. Undefined coordinates (HbbGlobal::D_FFFF, NaN) stay undefined, and a point of which
-/// x or y is undefined has no image: a reprojection leaves nothing of it defined. A point that PROJ
-/// cannot convert, or with an infinite coordinate, becomes undefined in all its coordinates and is
-/// counted, never an infinity.
+/// units only. Undefined coordinates (HbbGlobal::D_FFFF, NaN) come out as D_FFFF, and a point of
+/// which x or y is undefined has no image: a reprojection leaves nothing of it defined. A point
+/// that PROJ cannot convert, or with an infinite coordinate, becomes undefined in all its
+/// coordinates and is counted, never an infinity.
 class KELVANE_UTIL_EXPORT KuuCoordSystemConverter
 {
     Q_DECLARE_TR_FUNCTIONS(KuuCoordSystemConverter)

@@ -46,6 +46,9 @@ public:
     bool existsIgnf(const QString& code) const { return describeIgnf(code).isKnown; }
     KueProj4Definition epsgDefinition(const QString& code) const;
     KueProj4Definition ignfDefinition(const QString& code) const;
+    /// The definition as PROJ reads it, with the parameters that "+init=epsg:…" stands for; empty
+    /// for one that PROJ does not know.
+    KueProj4Definition expandDefinition(const KueProj4Definition& definition) const;
     QString extractNameFromEpsg(const QString& code) const;
     QString extractNameFromIgnf(const QString& code) const;
     HbuUnit extractUnit(const KueProj4Definition& definition) const;
