@@ -1,5 +1,5 @@
 // Coordinates from one system to another, beside PROJ's own call for a whole array in one thread.
-// By the clock: the point of a second thread is the time that one waits.
+// Two threads are judged by the clock, and need two idle cores to be.
 
 #include <util/utils/KuuCoordSystemConverter.h>
 
@@ -67,6 +67,11 @@ void projBulk(benchmark::State& state)
     }
     proj_destroy(operation);
     proj_destroy(plain);
+}
+
+void projBulkByClock(benchmark::State& state)
+{
+    projBulk(state);
 }
 
 void convert(benchmark::State& state, int threads)
@@ -137,8 +142,9 @@ void projOnePoint(benchmark::State& state)
 }
 } // namespace
 
-BENCHMARK(projBulk)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(oneThread)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(projBulk)->Unit(benchmark::kMillisecond);
+BENCHMARK(oneThread)->Unit(benchmark::kMillisecond);
+BENCHMARK(projBulkByClock)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(twoThreads)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(searchOfDatabase)->Unit(benchmark::kMicrosecond);
 BENCHMARK(secondConverter)->Unit(benchmark::kMicrosecond);
@@ -149,7 +155,7 @@ int main(int argc, char** argv)
 {
     return runWithLimits(argc, argv,
                          {{"oneThread", "projBulk", 1.05},
-                          {"twoThreads", "projBulk", 0.6},
+                          {"twoThreads", "projBulkByClock", 0.6},
                           {"secondConverter", "searchOfDatabase", 0.01},
                           {"onePoint", "projOnePoint", 3}});
 }
