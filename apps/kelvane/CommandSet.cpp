@@ -81,10 +81,7 @@ void checkCoordinateUnits(const KudADataset& dataset)
         const KudDatasetVariable variable = table.getStructuralVariable(role);
         const HbuUnit unit = table.getDetails(variable).unit;
         const HbuEUnitClass unitClass = unit.getUnitClass();
-        const bool isAngle = unitClass == HbuEUnitClass::ANGLE ||
-                             unitClass == HbuEUnitClass::LONGITUDE ||
-                             unitClass == HbuEUnitClass::LATITUDE;
-        if (unit.isNone() || (isAngle && !system.isProjected()) ||
+        if (unit.isNone() || (unitClass.isAngle() && !system.isProjected()) ||
             (unitClass == HbuEUnitClass::LENGTH && !system.isGeographic()))
             continue;
         const QString inSystem =

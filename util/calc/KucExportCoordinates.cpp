@@ -173,12 +173,9 @@ HbuUnitTransfo KucExportCoordinates::getUnitConversion(Axis axis,
 
 HbuUnitTransfo KucExportCoordinates::getConversionToDegrees(const HbuUnit& unit)
 {
-    const HbuEUnitClass unitClass = unit.getUnitClass();
-    const bool isAngle = unitClass == HbuEUnitClass::ANGLE ||
-                         unitClass == HbuEUnitClass::LONGITUDE ||
-                         unitClass == HbuEUnitClass::LATITUDE;
-    return isAngle ? HbuUnitService::getInstance().getConversionToStorageUnit(unit)
-                   : HbuUnitTransfo::invalid();
+    return unit.getUnitClass().isAngle()
+               ? HbuUnitService::getInstance().getConversionToStorageUnit(unit)
+               : HbuUnitTransfo::invalid();
 }
 
 std::vector<const HbdAVariable*> KucExportCoordinates::getNodeVariables() const

@@ -48,13 +48,6 @@ HbuUnit angleUnit(const char* key)
     return HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, QString::fromLatin1(key));
 }
 
-bool isAngle(const HbuUnit& unit)
-{
-    const HbuEUnitClass unitClass = unit.getUnitClass();
-    return unitClass == HbuEUnitClass::ANGLE || unitClass == HbuEUnitClass::LONGITUDE ||
-           unitClass == HbuEUnitClass::LATITUDE;
-}
-
 /// The units of one side.
 struct Units {
     HbuUnit plane;
@@ -68,7 +61,7 @@ Units unitsOf(const KuuCoordSystem& system, const HbuUnit& wanted)
     const HbuUnit unit = wanted.isValid() && !wanted.isNone() ? wanted : own;
     if (unit.getUnitClass() == HbuEUnitClass::LENGTH)
         return {system.isGeographic() ? own : unit, unit};
-    if (!isAngle(unit)) {
+    if (!unit.getUnitClass().isAngle()) {
         throw HbeUserError(
             KuuCoordSystemConverter::tr("Coordinates cannot be in the unit \"%1\": it measures "
                                         "neither lengths nor angles.")

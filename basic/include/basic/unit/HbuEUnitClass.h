@@ -35,4 +35,8 @@
 class KELVANE_BASIC_EXPORT HbuEUnitClass : public HbbAEnum
 {
     HBB_ENUM(HbuEUnitClass, HBU_E_UNIT_CLASS)
+
+public:
+    /// ANGLE, LONGITUDE or LATITUDE, whose units have the same keys and the same factors.
+    bool isAngle() const;
 };
