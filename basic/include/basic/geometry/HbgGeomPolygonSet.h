@@ -29,7 +29,7 @@ public:
     /// False, and no change, for a rank outside.
     bool insert(int rank, const HbgGeomPolygon& polygon); ///< the count is inside
     bool update(int rank, const HbgGeomPolygon& polygon);
-    bool remove(int rank);
+    bool remove(int rank); ///< moves all that follow
     void clear();
 
     /// The polygon that holds a place (the lowest rank of several); -1 when none does.
