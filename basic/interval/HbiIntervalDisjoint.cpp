@@ -95,7 +95,7 @@ void HbiIntervalDisjoint<Set, Interval>::addSorted(const Rank* ranks, std::size_
 {
     std::size_t done = 0;
     if (isEmpty()) {
-        // A small set is made at once, with no room left over.
+        // A small set is made at once.
         std::vector<Interval> pieces;
         pieces.reserve(std::min(count, Store::MAX_PIECES));
         while (done < count && pieces.size() < Store::MAX_PIECES) {

@@ -46,7 +46,7 @@ public:
     bool append(const HbgVector3D& point);
     bool update(int rank, const HbgVector2D& point);
     bool update(int rank, const HbgVector3D& point);
-    bool remove(int rank);
+    bool remove(int rank); ///< moves all that follow
     void clear();
     /// Replaces all points by columns of one length (a programming error otherwise); `z` is empty
     /// for a 2D set. Here NaN and infinities become undefined, as in any column read as

@@ -63,3 +63,6 @@ private:
     };
     QVector<Part> m_parts;
 };
+
+// A set moves all that follow when it removes one: as bytes, not one by one.
+Q_DECLARE_TYPEINFO(HbgGeomPolygon, Q_MOVABLE_TYPE);

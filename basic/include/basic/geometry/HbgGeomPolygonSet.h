@@ -29,7 +29,7 @@ public:
     /// False, and no change, for a rank outside.
     bool insert(int rank, const HbgGeomPolygon& polygon); ///< the count is inside
     bool update(int rank, const HbgGeomPolygon& polygon);
-    bool remove(int rank);
+    bool remove(int rank); ///< moves all that follow
     void clear();
 
     /// The polygon that holds a place (the lowest rank of several); -1 when none does.
@@ -37,7 +37,7 @@ public:
     /// All polygons that hold a place, or have a point in common with a rectangle or a lasso;
     /// touching is enough. A lasso is closed implicitly, and one that crosses itself holds all that
     /// it winds around; it needs three corners. A place or corner that is no number picks nothing.
-    /// The border of a hole counts as the polygon's, wherever the hole lies.
+    /// To a rectangle or a lasso, the border of a hole is the polygon's, wherever the hole lies.
     HbiIntervalIntSmallDisjoint pointToRanks(const QPointF& place) const;
     HbiIntervalIntSmallDisjoint rectangleToRanks(const QRectF& rectangle) const;
     HbiIntervalIntSmallDisjoint polygonToRanks(const QVector<QPointF>& lasso) const;

@@ -68,3 +68,6 @@ private:
     bool m_is3D = false;
     bool m_isClosedType = false;
 };
+
+// A set moves all that follow when it removes one: as bytes, not one by one.
+Q_DECLARE_TYPEINFO(HbgGeomPolyline, Q_MOVABLE_TYPE);

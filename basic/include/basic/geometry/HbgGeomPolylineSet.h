@@ -33,7 +33,7 @@ public:
     void append(const HbgGeomPolyline& polyline);
     /// False, and no change, for a rank outside.
     bool update(int rank, const HbgGeomPolyline& polyline);
-    bool remove(int rank);
+    bool remove(int rank); ///< moves all that follow
     void clear();
 
     /// The polyline nearest to a place (the lowest rank among equals) within `tolerance`, a

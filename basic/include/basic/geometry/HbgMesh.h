@@ -50,3 +50,6 @@ private:
     QVector<int> m_corners;
     bool m_isVolume;
 };
+
+// A set moves all that follow when it removes one: as bytes, not one by one.
+Q_DECLARE_TYPEINFO(HbgMesh, Q_MOVABLE_TYPE);

@@ -20,7 +20,7 @@ public:
     /// False, and no change, for a mesh of the other type and for a rank outside.
     bool append(const HbgMesh& mesh);
     bool update(int rank, const HbgMesh& mesh);
-    bool remove(int rank);
+    bool remove(int rank); ///< moves all that follow
     void clear();
 
     bool operator==(const HbgMeshSet& other) const;
