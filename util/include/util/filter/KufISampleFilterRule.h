@@ -47,6 +47,9 @@ public:
     /// The keys of the map whose values this kind of rule cannot read. Changes nothing.
     virtual QStringList findInvalidFields(const QVariantMap& map, int version) const = 0;
 
+    /// Same kind and same fields, those that are not in use included.
+    virtual bool isEqual(const KufISampleFilterRule& other) const = 0;
+
 protected:
     KufISampleFilterRule() = default;
     KufISampleFilterRule(const KufISampleFilterRule&) = default;

@@ -2,6 +2,8 @@
 
 #include <util/filter/KufISampleFilterRule.h>
 
+#include <QtCore/QCoreApplication>
+
 // clang-format off
 #define KUF_ALPHA_MODE(ROW, Class)                                                                 \
     ROW(Class, CONTAINS, 0, QT_TRANSLATE_NOOP("KufSampleFilterRuleAlpha::Mode", "V Contains"))     \
@@ -13,6 +15,8 @@
 /// text, so that switching the mode loses nothing. Every defined text contains the empty one.
 class KELVANE_UTIL_EXPORT KufSampleFilterRuleAlpha final : public KufISampleFilterRule
 {
+    Q_DECLARE_TR_FUNCTIONS(KufSampleFilterRuleAlpha)
+
 public:
     class KELVANE_UTIL_EXPORT Mode : public HbbAEnum
     {
@@ -44,6 +48,7 @@ public:
     QVariantMap toQVariantMap() const override;
     void fromQVariantMap(const QVariantMap& map, int version) override;
     QStringList findInvalidFields(const QVariantMap& map, int version) const override;
+    bool isEqual(const KufISampleFilterRule& other) const override;
 
     bool operator==(const KufSampleFilterRuleAlpha& other) const;
 

@@ -2,9 +2,13 @@
 
 #include <util/filter/KufISampleFilterRule.h>
 
+#include <QtCore/QCoreApplication>
+
 /// Samples whose category is one of the selected names; without any name, no sample at all.
 class KELVANE_UTIL_EXPORT KufSampleFilterRuleEnum final : public KufISampleFilterRule
 {
+    Q_DECLARE_TR_FUNCTIONS(KufSampleFilterRuleEnum)
+
 public:
     explicit KufSampleFilterRuleEnum(const QStringList& selectedList = QStringList());
     ~KufSampleFilterRuleEnum() override;
@@ -20,6 +24,7 @@ public:
     QVariantMap toQVariantMap() const override;
     void fromQVariantMap(const QVariantMap& map, int version) override;
     QStringList findInvalidFields(const QVariantMap& map, int version) const override;
+    bool isEqual(const KufISampleFilterRule& other) const override;
 
     bool operator==(const KufSampleFilterRuleEnum& other) const
     {

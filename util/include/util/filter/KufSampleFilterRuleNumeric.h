@@ -2,6 +2,8 @@
 
 #include <util/filter/KufISampleFilterRule.h>
 
+#include <QtCore/QCoreApplication>
+
 // clang-format off
 #define KUF_NUMERIC_MODE(ROW, Class)                                                               \
     ROW(Class, IS_DEFINED, 0, QT_TRANSLATE_NOOP("KufSampleFilterRuleNumeric::Mode", "V is Defined")) \
@@ -30,6 +32,8 @@
 /// (KufSampleFilterValidator).
 class KELVANE_UTIL_EXPORT KufSampleFilterRuleNumeric final : public KufISampleFilterRule
 {
+    Q_DECLARE_TR_FUNCTIONS(KufSampleFilterRuleNumeric)
+
 public:
     class KELVANE_UTIL_EXPORT Mode : public HbbAEnum
     {
@@ -64,6 +68,8 @@ public:
     void setCompareValue(double value);
     double getTolerance() const { return m_tolerance; }
     void setTolerance(double tolerance);
+    /// The operator in use is equality or its negation.
+    bool usesTolerance() const;
 
     double getLowerBound() const { return m_lowerBound; }
     void setLowerBound(double bound);
@@ -82,6 +88,7 @@ public:
     QVariantMap toQVariantMap() const override;
     void fromQVariantMap(const QVariantMap& map, int version) override;
     QStringList findInvalidFields(const QVariantMap& map, int version) const override;
+    bool isEqual(const KufISampleFilterRule& other) const override;
 
     /// All fields, those of the modes that are not in use included.
     bool operator==(const KufSampleFilterRuleNumeric& other) const;

@@ -2,9 +2,13 @@
 
 #include <util/filter/KufISampleFilterRule.h>
 
+#include <QtCore/QCoreApplication>
+
 /// Samples that a selection variable marks with 1; inverted, those that it marks with 0.
 class KELVANE_UTIL_EXPORT KufSampleFilterRuleSelection final : public KufISampleFilterRule
 {
+    Q_DECLARE_TR_FUNCTIONS(KufSampleFilterRuleSelection)
+
 public:
     explicit KufSampleFilterRuleSelection(bool invertSelection = false);
     ~KufSampleFilterRuleSelection() override;
@@ -20,6 +24,7 @@ public:
     QVariantMap toQVariantMap() const override;
     void fromQVariantMap(const QVariantMap& map, int version) override;
     QStringList findInvalidFields(const QVariantMap& map, int version) const override;
+    bool isEqual(const KufISampleFilterRule& other) const override;
 
     bool operator==(const KufSampleFilterRuleSelection& other) const
     {

@@ -46,7 +46,8 @@ public:
     static QString findFault(const KufISampleFilterRule& rule, const HbdAVariable& column);
 
 private:
-    void checkRule(int index, const KudADataset& dataset, const KudDatasetVariable& variable);
+    void checkRule(const KufISampleFilterRule& rule, const QString& ruleName,
+                   const KudADataset& dataset, const KudDatasetVariable& variable);
 
     QStringList m_errors;
     const KudADataTable* m_table = nullptr;

@@ -1,0 +1,288 @@
+#include "KufRuleTest.h"
+
+#include <util/filter/KufSampleFilterRuleAlpha.h>
+#include <util/filter/KufSampleFilterRuleEnum.h>
+#include <util/filter/KufSampleFilterRuleNumeric.h>
+#include <util/filter/KufSampleFilterRuleSelection.h>
+
+#include <basic/data/HbdVariableAlpha.h>
+#include <basic/data/HbdVariableColor.h>
+#include <basic/data/HbdVariableDate.h>
+#include <basic/data/HbdVariableEnum.h>
+#include <basic/data/HbdVariableInteger.h>
+#include <basic/data/HbdVariableReal.h>
+#include <basic/data/HbdVariableReal32.h>
+#include <basic/data/HbdVariableSelection.h>
+#include <basic/data/HbdVariableText.h>
+
+#include <QtCore/QSet>
+#include <QtCore/QStringMatcher>
+#include <QtCore/QtEndian>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace
+{
+constexpr double INF = std::numeric_limits<double>::infinity();
+
+/// One bit of each of 64 bytes that are 0 or 1, the first one lowest.
+quint64 packFlags(const quint8* flags)
+{
+    quint64 word = 0;
+    for (int i = 0; i < 8; ++i) {
+        // The product moves the lowest bit of byte k to bit 56 + k; no two bits meet, none carries.
+        const quint64 eight = qFromLittleEndian<quint64>(flags + 8 * i);
+        word |= (eight * Q_UINT64_C(0x0102040810204080) >> 56) << (8 * i);
+    }
+    return word;
+}
+
+template <class T, class Test>
+void fillWords(const T* values, int count, quint64* words, const Test& test)
+{
+    // Flags first: a loop without dependencies, which the compiler turns into vector instructions.
+    alignas(64) quint8 flags[64];
+    for (; count >= 64; count -= 64, values += 64) {
+        for (int i = 0; i < 64; ++i)
+            flags[i] = static_cast<quint8>(test(values[i]));
+        *words++ = packFlags(flags);
+    }
+    if (count > 0) {
+        std::memset(flags, 0, sizeof flags);
+        for (int i = 0; i < count; ++i)
+            flags[i] = static_cast<quint8>(test(values[i]));
+        *words = packFlags(flags);
+    }
+}
+
+/// The test applied to each value of the column.
+template <class Column, class Test>
+KufRuleTest makeTest(const HbdAVariable& column, Test test)
+{
+    const auto* values = static_cast<const Column&>(column).getValues().data();
+    return [values, test = std::move(test)](int first, int count, quint64* words) {
+        fillWords(values + first, count, words, test);
+    };
+}
+
+/// What a numeric rule asks: the value lies between two bounds, which belong to the interval, or it
+/// does not. NaN lies nowhere.
+struct Interval {
+    double min = -INF;
+    double max = INF;
+    bool isOutside = false;
+};
+
+constexpr Interval NOWHERE{1.0, 0.0, false};
+
+// The neighbours of the bound turn an open end into a closed one, exactly.
+Interval above(double bound)
+{
+    return bound == INF ? NOWHERE : Interval{std::nextafter(bound, INF), INF, false};
+}
+
+Interval below(double bound)
+{
+    return bound == -INF ? NOWHERE : Interval{-INF, std::nextafter(bound, -INF), false};
+}
+
+Interval intervalOf(const KufSampleFilterRuleNumeric& rule)
+{
+    using Operator = KufSampleFilterRuleNumeric::CompareOperator;
+    using Bound = KufSampleFilterRuleNumeric::IntervalOperator;
+    if (rule.getMode() == KufSampleFilterRuleNumeric::Mode::IS_DEFINED)
+        return Interval();
+    if (rule.getMode() == KufSampleFilterRuleNumeric::Mode::RANGE) {
+        const bool isOpenBelow = rule.getLowerOperator() == Bound::ITV_LESS_THAN;
+        const bool isOpenAbove = rule.getUpperOperator() == Bound::ITV_LESS_THAN;
+        const Interval lower =
+            isOpenBelow ? above(rule.getLowerBound()) : Interval{rule.getLowerBound(), INF, false};
+        const Interval upper =
+            isOpenAbove ? below(rule.getUpperBound()) : Interval{-INF, rule.getUpperBound(), false};
+        const bool isNowhere = lower.min > lower.max || upper.min > upper.max;
+        return isNowhere ? NOWHERE : Interval{lower.min, upper.max, false};
+    }
+    const double value = rule.getCompareValue();
+    const double tolerance = rule.getTolerance();
+    switch (rule.getCompareOperator().toEnum()) {
+    case Operator::E_LESS_THAN:
+        return below(value);
+    case Operator::E_LESS_OR_EQUAL_TO:
+        return {-INF, value, false};
+    case Operator::E_GREATER_THAN:
+        return above(value);
+    case Operator::E_GREATER_OR_EQUAL_TO:
+        return {value, INF, false};
+    case Operator::E_EQUAL:
+        return {value - tolerance, value + tolerance, false};
+    case Operator::E_NOT_EQUAL:
+        break;
+    }
+    return {value - tolerance, value + tolerance, true};
+}
+
+KufRuleTest makeRealTest(const HbdAVariable& column, const Interval& in)
+{
+    // Most intervals do not reach the undefined real: no need to look for it.
+    if (in.isOutside)
+        return makeTest<HbdVariableReal>(column, [=](double v) {
+            return ((v < in.min) | (v > in.max)) & (v != HbbGlobal::D_FFFF);
+        });
+    if (in.max < HbbGlobal::D_FFFF || in.min > HbbGlobal::D_FFFF)
+        return makeTest<HbdVariableReal>(column,
+                                         [=](double v) { return (v >= in.min) & (v <= in.max); });
+    return makeTest<HbdVariableReal>(
+        column, [=](double v) { return (v >= in.min) & (v <= in.max) & (v != HbbGlobal::D_FFFF); });
+}
+
+KufRuleTest makeReal32Test(const HbdAVariable& column, const Interval& in)
+{
+    if (in.isOutside)
+        return makeTest<HbdVariableReal32>(
+            column, [=](float v) { return (double(v) < in.min) | (double(v) > in.max); });
+    return makeTest<HbdVariableReal32>(
+        column, [=](float v) { return (double(v) >= in.min) & (double(v) <= in.max); });
+}
+
+/// The interval in integers from `least` to `greatest`; exact, also beyond 2^53.
+struct IntegerInterval {
+    qint64 min;
+    qint64 max;
+};
+
+IntegerInterval integersIn(double from, double to, qint64 least, qint64 greatest)
+{
+    constexpr double END = 9223372036854775808.0; // 2^63
+    if (!(from <= to) || from >= END || to < -END)
+        return {1, 0};
+    const qint64 min = from < -END ? least : static_cast<qint64>(std::ceil(from));
+    const qint64 max = to >= END ? greatest : static_cast<qint64>(std::floor(to));
+    return {std::max(min, least), std::min(max, greatest)};
+}
+
+template <class Column>
+KufRuleTest makeIntegerTest(const HbdAVariable& column, const Interval& in)
+{
+    // The least integer is the undefined one.
+    constexpr qint64 LEAST = std::numeric_limits<qint64>::min() + 1;
+    constexpr qint64 GREATEST = std::numeric_limits<qint64>::max();
+    const auto [min, max] = integersIn(in.min, in.max, LEAST, GREATEST);
+    if (!in.isOutside)
+        return makeTest<Column>(
+            column, [min = min, max = max](qint64 v) { return (v >= min) & (v <= max); });
+    // A crossed pair of bounds leaves nothing outside of both: what is below or above is judged by
+    // the bounds themselves.
+    const auto low = integersIn(-INF, below(in.min).max, LEAST, GREATEST);
+    const auto high = integersIn(above(in.max).min, INF, LEAST, GREATEST);
+    return makeTest<Column>(column, [=](qint64 v) {
+        return ((v >= low.min) & (v <= low.max)) | ((v >= high.min) & (v <= high.max));
+    });
+}
+
+/// Bytes are looked up.
+template <class Column>
+KufRuleTest makeByteTest(const HbdAVariable& column, const std::function<bool(double)>& test)
+{
+    std::vector<quint8> passes(256);
+    for (std::size_t i = 0; i < passes.size(); ++i)
+        passes[i] = test(double(i));
+    return makeTest<Column>(column, [passes](quint8 v) { return passes[v]; });
+}
+
+KufRuleTest makeDefinedTest(const HbdAVariable& column)
+{
+    if (column.getType() == HbdEVarType::TEXT)
+        return makeTest<HbdVariableText>(column, [](const QString& v) { return !v.isNull(); });
+    if (column.getType() == HbdEVarType::CATEGORY)
+        return makeTest<HbdVariableEnum>(
+            column, [](quint16 v) { return v != HbdEnumCatalog::UNDEFINED_CODE; });
+    return makeTest<HbdVariableColor>(
+        column, [](quint32 v) { return !HbdVariableColor::isUndefinedValue(v); });
+}
+
+KufRuleTest makeNumericTest(const KufSampleFilterRuleNumeric& rule, const HbdAVariable& column)
+{
+    const Interval in = intervalOf(rule);
+    const auto passes = [in](double v) {
+        return in.isOutside ? v < in.min || v > in.max : v >= in.min && v <= in.max;
+    };
+    switch (column.getType().toEnum()) {
+    case HbdEVarType::E_REAL:
+        return makeRealTest(column, in);
+    case HbdEVarType::E_REAL_32:
+        return makeReal32Test(column, in);
+    case HbdEVarType::E_INTEGER:
+        return makeIntegerTest<HbdVariableInteger>(column, in);
+    case HbdEVarType::E_DATE:
+        return makeIntegerTest<HbdVariableDate>(column, in);
+    case HbdEVarType::E_SELECTION:
+        return makeByteTest<HbdVariableSelection>(column, passes);
+    case HbdEVarType::E_ALPHA_CHANNEL:
+        return makeByteTest<HbdVariableAlpha>(column, passes);
+    default:
+        return makeDefinedTest(column);
+    }
+}
+
+KufRuleTest makeAlphaTest(const KufSampleFilterRuleAlpha& rule, const HbdAVariable& column)
+{
+    using Mode = KufSampleFilterRuleAlpha::Mode;
+    const QString text = rule.getText();
+    switch (rule.getMode().toEnum()) {
+    case Mode::E_EQUAL_TO:
+        return makeTest<HbdVariableText>(
+            column, [text](const QString& v) { return !v.isNull() && v == text; });
+    case Mode::E_NOT_EQUAL_TO:
+        return makeTest<HbdVariableText>(
+            column, [text](const QString& v) { return !v.isNull() && v != text; });
+    case Mode::E_CONTAINS:
+        break;
+    }
+    return makeTest<HbdVariableText>(
+        column, [matcher = QStringMatcher(text), isEmpty = text.isEmpty()](const QString& v) {
+            return !v.isNull() && (isEmpty || matcher.indexIn(v) >= 0);
+        });
+}
+
+KufRuleTest makeEnumTest(const KufSampleFilterRuleEnum& rule, const HbdAVariable& column)
+{
+    // Names become codes once; the samples are compared by code.
+    const HbdEnumCatalog& catalog = static_cast<const HbdVariableEnum&>(column).getCatalog();
+    QSet<quint16> codes;
+    for (const QString& name : rule.getSelectedList())
+        codes.insert(catalog.getCode(name));
+    codes.remove(HbdEnumCatalog::UNDEFINED_CODE);
+    if (codes.isEmpty())
+        return makeTest<HbdVariableEnum>(column, [](quint16) { return false; });
+    const quint16 min = *std::min_element(codes.begin(), codes.end());
+    const quint16 max = *std::max_element(codes.begin(), codes.end());
+    if (max - min + 1 == codes.size())
+        return makeTest<HbdVariableEnum>(column,
+                                         [min, max](quint16 v) { return (v >= min) & (v <= max); });
+    std::vector<quint8> isSelected(0x10000);
+    for (const quint16 code : codes)
+        isSelected[code] = 1;
+    return makeTest<HbdVariableEnum>(column, [isSelected](quint16 v) { return isSelected[v]; });
+}
+} // namespace
+
+KufRuleTest kufMakeRuleTest(const KufISampleFilterRule& rule, const HbdAVariable& column)
+{
+    switch (rule.getType().toEnum()) {
+    case KufFilterRuleType::E_NUMERIC:
+        return makeNumericTest(static_cast<const KufSampleFilterRuleNumeric&>(rule), column);
+    case KufFilterRuleType::E_ALPHA:
+        return makeAlphaTest(static_cast<const KufSampleFilterRuleAlpha&>(rule), column);
+    case KufFilterRuleType::E_ENUM:
+        return makeEnumTest(static_cast<const KufSampleFilterRuleEnum&>(rule), column);
+    case KufFilterRuleType::E_SELECTION:
+        break;
+    }
+    const quint8 wanted =
+        static_cast<const KufSampleFilterRuleSelection&>(rule).getInvertSelection() ? 0 : 1;
+    return makeTest<HbdVariableSelection>(column, [wanted](quint8 v) { return v == wanted; });
+}
