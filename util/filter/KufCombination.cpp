@@ -38,7 +38,8 @@ QVector<KufCombination::Word> KufCombination::split(const QString& text)
             words.append({text.mid(begin, end - begin), begin});
     };
     auto matches = separator.globalMatch(text);
-    while (matches.hasNext()) {
+    // One word too many shows that there are too many.
+    while (matches.hasNext() && words.size() <= KufSampleFilterASTVisitor::MAX_WORDS) {
         const QRegularExpressionMatch match = matches.next();
         take(match.capturedStart());
         begin = match.capturedEnd();

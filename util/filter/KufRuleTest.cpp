@@ -69,60 +69,57 @@ KufRuleTest makeTest(const HbdAVariable& column, Test test)
     };
 }
 
-/// What a numeric rule asks: the value lies between two bounds, which belong to the interval, or it
-/// does not. NaN lies nowhere.
+/// What a numeric rule asks: the value lies between two bounds, or (outside) below or above them.
+/// NaN does neither.
 struct Interval {
     double min = -INF;
     double max = INF;
+    bool isMinOpen = false;
+    bool isMaxOpen = false;
     bool isOutside = false;
 };
 
-constexpr Interval NOWHERE{1.0, 0.0, false};
-
-// The neighbours of the bound turn an open end into a closed one, exactly.
-Interval above(double bound)
+Interval rangeOf(const KufSampleFilterRuleNumeric& rule)
 {
-    return bound == INF ? NOWHERE : Interval{std::nextafter(bound, INF), INF, false};
-}
-
-Interval below(double bound)
-{
-    return bound == -INF ? NOWHERE : Interval{-INF, std::nextafter(bound, -INF), false};
+    using Bound = KufSampleFilterRuleNumeric::IntervalOperator;
+    return {rule.getLowerBound(), rule.getUpperBound(),
+            rule.getLowerOperator() == Bound::ITV_LESS_THAN,
+            rule.getUpperOperator() == Bound::ITV_LESS_THAN};
 }
 
 Interval intervalOf(const KufSampleFilterRuleNumeric& rule)
 {
     using Operator = KufSampleFilterRuleNumeric::CompareOperator;
-    using Bound = KufSampleFilterRuleNumeric::IntervalOperator;
     if (rule.getMode() == KufSampleFilterRuleNumeric::Mode::IS_DEFINED)
         return Interval();
-    if (rule.getMode() == KufSampleFilterRuleNumeric::Mode::RANGE) {
-        const bool isOpenBelow = rule.getLowerOperator() == Bound::ITV_LESS_THAN;
-        const bool isOpenAbove = rule.getUpperOperator() == Bound::ITV_LESS_THAN;
-        const Interval lower =
-            isOpenBelow ? above(rule.getLowerBound()) : Interval{rule.getLowerBound(), INF, false};
-        const Interval upper =
-            isOpenAbove ? below(rule.getUpperBound()) : Interval{-INF, rule.getUpperBound(), false};
-        const bool isNowhere = lower.min > lower.max || upper.min > upper.max;
-        return isNowhere ? NOWHERE : Interval{lower.min, upper.max, false};
-    }
+    if (rule.getMode() == KufSampleFilterRuleNumeric::Mode::RANGE)
+        return rangeOf(rule);
     const double value = rule.getCompareValue();
     const double tolerance = rule.getTolerance();
     switch (rule.getCompareOperator().toEnum()) {
     case Operator::E_LESS_THAN:
-        return below(value);
+        return {-INF, value, false, true};
     case Operator::E_LESS_OR_EQUAL_TO:
-        return {-INF, value, false};
+        return {-INF, value};
     case Operator::E_GREATER_THAN:
-        return above(value);
+        return {value, INF, true};
     case Operator::E_GREATER_OR_EQUAL_TO:
-        return {value, INF, false};
+        return {value, INF};
     case Operator::E_EQUAL:
-        return {value - tolerance, value + tolerance, false};
+        return {value - tolerance, value + tolerance};
     case Operator::E_NOT_EQUAL:
         break;
     }
-    return {value - tolerance, value + tolerance, true};
+    return {value - tolerance, value + tolerance, false, false, true};
+}
+
+/// The same reals between bounds that belong to the interval: the neighbours of open ends.
+Interval closed(const Interval& in)
+{
+    if ((in.isMinOpen && in.min == INF) || (in.isMaxOpen && in.max == -INF))
+        return {1.0, 0.0};
+    return {in.isMinOpen ? std::nextafter(in.min, INF) : in.min,
+            in.isMaxOpen ? std::nextafter(in.max, -INF) : in.max, false, false, in.isOutside};
 }
 
 KufRuleTest makeRealTest(const HbdAVariable& column, const Interval& in)
@@ -148,36 +145,49 @@ KufRuleTest makeReal32Test(const HbdAVariable& column, const Interval& in)
         column, [=](float v) { return (double(v) >= in.min) & (double(v) <= in.max); });
 }
 
-/// The interval in integers from `least` to `greatest`; exact, also beyond 2^53.
+/// The integers of an interval, the least one, which is undefined, left out. Exact beyond 2^53,
+/// too.
 struct IntegerInterval {
     qint64 min;
     qint64 max;
 };
 
-IntegerInterval integersIn(double from, double to, qint64 least, qint64 greatest)
+IntegerInterval integersIn(const Interval& in)
 {
     constexpr double END = 9223372036854775808.0; // 2^63
-    if (!(from <= to) || from >= END || to < -END)
+    constexpr qint64 LEAST = std::numeric_limits<qint64>::min() + 1;
+    constexpr qint64 GREATEST = std::numeric_limits<qint64>::max();
+    if (!(in.min < END && in.max >= -END))
         return {1, 0};
-    const qint64 min = from < -END ? least : static_cast<qint64>(std::ceil(from));
-    const qint64 max = to >= END ? greatest : static_cast<qint64>(std::floor(to));
-    return {std::max(min, least), std::min(max, greatest)};
+    qint64 min = LEAST;
+    if (in.min >= -END) {
+        const double first = std::ceil(in.min);
+        min = first < END ? static_cast<qint64>(first) : GREATEST;
+        min += in.isMinOpen && first == in.min;
+    }
+    qint64 max = GREATEST;
+    if (in.max < END) {
+        const double last = std::floor(in.max);
+        max = static_cast<qint64>(last);
+        if (in.isMaxOpen && last == in.max) {
+            if (max < LEAST)
+                return {1, 0};
+            --max;
+        }
+    }
+    return {std::max(min, LEAST), max};
 }
 
 template <class Column>
 KufRuleTest makeIntegerTest(const HbdAVariable& column, const Interval& in)
 {
-    // The least integer is the undefined one.
-    constexpr qint64 LEAST = std::numeric_limits<qint64>::min() + 1;
-    constexpr qint64 GREATEST = std::numeric_limits<qint64>::max();
-    const auto [min, max] = integersIn(in.min, in.max, LEAST, GREATEST);
-    if (!in.isOutside)
-        return makeTest<Column>(
-            column, [min = min, max = max](qint64 v) { return (v >= min) & (v <= max); });
-    // A crossed pair of bounds leaves nothing outside of both: what is below or above is judged by
-    // the bounds themselves.
-    const auto low = integersIn(-INF, below(in.min).max, LEAST, GREATEST);
-    const auto high = integersIn(above(in.max).min, INF, LEAST, GREATEST);
+    if (!in.isOutside) {
+        const IntegerInterval range = integersIn(in);
+        return makeTest<Column>(column,
+                                [=](qint64 v) { return (v >= range.min) & (v <= range.max); });
+    }
+    const IntegerInterval low = integersIn({-INF, in.min, false, true});
+    const IntegerInterval high = integersIn({in.max, INF, true});
     return makeTest<Column>(column, [=](qint64 v) {
         return ((v >= low.min) & (v <= low.max)) | ((v >= high.min) & (v <= high.max));
     });
@@ -207,14 +217,14 @@ KufRuleTest makeDefinedTest(const HbdAVariable& column)
 KufRuleTest makeNumericTest(const KufSampleFilterRuleNumeric& rule, const HbdAVariable& column)
 {
     const Interval in = intervalOf(rule);
-    const auto passes = [in](double v) {
-        return in.isOutside ? v < in.min || v > in.max : v >= in.min && v <= in.max;
+    const auto passes = [real = closed(in)](double v) {
+        return real.isOutside ? v < real.min || v > real.max : v >= real.min && v <= real.max;
     };
     switch (column.getType().toEnum()) {
     case HbdEVarType::E_REAL:
-        return makeRealTest(column, in);
+        return makeRealTest(column, closed(in));
     case HbdEVarType::E_REAL_32:
-        return makeReal32Test(column, in);
+        return makeReal32Test(column, closed(in));
     case HbdEVarType::E_INTEGER:
         return makeIntegerTest<HbdVariableInteger>(column, in);
     case HbdEVarType::E_DATE:
