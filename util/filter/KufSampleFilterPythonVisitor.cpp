@@ -14,7 +14,7 @@
 
 namespace
 {
-/// Whether a character cannot stand in a quoted text of Python as it is. `next` is the one behind.
+/// The character at `i` and a neighbour stand for one beyond U+FFFF.
 bool isPartOfPair(const QString& text, int i)
 {
     const bool isHigh = text[i].isHighSurrogate() && i + 1 < text.size();
@@ -190,8 +190,8 @@ void KufSampleFilterPythonVisitor::checkQuoting(const QString& ruleName,
         for (int i = 0; i < text.size(); ++i) {
             if (!breaksQuoting(text, i))
                 continue;
-            const QString code =
-                QStringLiteral("U+%1").arg(uint(text[i].unicode()), 4, 16, QLatin1Char('0'));
+            const QString digits = QString::number(text[i].unicode(), 16).toUpper();
+            const QString code = QLatin1String("U+") + digits.rightJustified(4, QLatin1Char('0'));
             const QString shown =
                 text[i].isPrint() ? text[i] + QStringLiteral(" (%1)").arg(code) : code;
             const QString fault = tr("%1: the text '%2' holds the character %3 at %4.")

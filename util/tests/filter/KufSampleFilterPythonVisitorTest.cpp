@@ -24,7 +24,9 @@ QString pythonWithNumPy()
 {
     for (const QString& name :
          {QStandardPaths::findExecutable("python3"), QString("/usr/bin/python3")}) {
-        if (!name.isEmpty() && QProcess::execute(name, {"-c", "import numpy"}) == 0)
+        QProcess process;
+        process.start(name, {"-c", "import numpy"});
+        if (process.waitForFinished() && process.exitCode() == 0)
             return name;
     }
     return QString();
@@ -114,13 +116,14 @@ TEST_F(KufFilterData, numPyAgreesWithTheBitArray)
     for (const char* name : {"zinc", "Pb[1].x", "opacity", "selected", "name", "land use"}) {
         const HbdAVariable& column = *points.readValues(onPoints(name));
         const auto* categories = dynamic_cast<const HbdVariableEnum*>(&column);
+        const bool isText = categories != nullptr || column.getType() == HbdEVarType::TEXT;
         QJsonArray cells;
         for (int i = 0; i < COUNT; ++i) {
             QVariant cell = categories ? QVariant(categories->getLabel(i)) : column.getVariant(i);
-            if (cell.type() == QVariant::String) { // JSON would lose what is no Unicode
+            if (isText) { // as numbers: JSON would lose what is no Unicode
                 QJsonArray units;
                 for (const QChar c : cell.toString())
-                    units.append(c.unicode());
+                    units.append(int(c.unicode()));
                 cells.append(cell.toString().isNull() ? QJsonValue() : QJsonValue(units));
             } else {
                 cells.append(cell.isValid() ? QString::number(cell.toDouble(), 'g', 17) : "nan");

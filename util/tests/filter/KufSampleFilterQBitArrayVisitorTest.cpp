@@ -175,7 +175,7 @@ TEST_F(KufFilterData, undefinedValuesPassOnlyANegationOfTheWhole)
 
 TEST(KufSampleFilterQBitArrayVisitor, everyLengthOfABlockIsWhole)
 {
-    for (const int count : {0, 1, 63, 64, 65, 8191, 8192, 8193, 16384, 4000}) {
+    for (const int count : {0, 1, 63, 64, 65, 8191, 8192, 8193, 16384, 20000}) {
         KudMemoryDatasetPoint points("p");
         HbdDataTable table;
         auto variable = std::make_unique<HbdVariableReal>(HbdVariableDetails("v"));
