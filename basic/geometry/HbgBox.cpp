@@ -1,14 +1,11 @@
 #include <basic/geometry/HbgBox.h>
 
+#include "HbgCoordinate.h"
+
 #include <basic/base/HbbGlobal.h>
 
 #include <algorithm>
 #include <cmath>
-
-static bool isCoordinate(double value)
-{
-    return std::isfinite(value) && !HbbGlobal::isUndefined(value);
-}
 
 double HbgBox::Axis::getMin() const
 {
@@ -22,7 +19,7 @@ double HbgBox::Axis::getMax() const
 
 void HbgBox::Axis::unite(double coordinate)
 {
-    if (!isCoordinate(coordinate))
+    if (!HbgCoordinate::isCoordinate(coordinate))
         return;
     low = std::min(low, coordinate);
     high = std::max(high, coordinate);

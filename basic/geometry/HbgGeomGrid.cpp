@@ -1,5 +1,7 @@
 #include <basic/geometry/HbgGeomGrid.h>
 
+#include "HbgCoordinate.h"
+
 #include <basic/base/HbbGlobal.h>
 #include <basic/error/HbeProgrammingError.h>
 
@@ -8,10 +10,7 @@
 
 static const char* const SOURCE = "geometry/HbgGeomGrid";
 
-static bool isNumber(double value)
-{
-    return std::isfinite(value) && !HbbGlobal::isUndefined(value);
-}
+using HbgCoordinate::isCoordinate;
 
 HbgGeomGrid::HbgGeomGrid(const HbgEDimension& dimension)
     : m_is3D(dimension == HbgEDimension::DIM_3D)
@@ -60,11 +59,11 @@ void HbgGeomGrid::setRotation(double degrees)
 bool HbgGeomGrid::isValid() const
 {
     const auto isAxisValid = [](int count, double step) {
-        return count >= 1 && isNumber(step) && (count == 1 || step != 0.);
+        return count >= 1 && isCoordinate(step) && (count == 1 || step != 0.);
     };
     return isAxisValid(m_nx, m_step.x) && isAxisValid(m_ny, m_step.y) &&
-           isAxisValid(m_nz, m_step.z) && isNumber(m_origin.x) && isNumber(m_origin.y) &&
-           (!m_is3D || isNumber(m_origin.z)) && isNumber(m_rotation);
+           isAxisValid(m_nz, m_step.z) && isCoordinate(m_origin.x) && isCoordinate(m_origin.y) &&
+           (!m_is3D || isCoordinate(m_origin.z)) && isCoordinate(m_rotation);
 }
 
 HbgEDimension HbgGeomGrid::getDimension() const

@@ -1,5 +1,7 @@
 #include <basic/geometry/HbgGeomPointSet.h>
 
+#include "HbgCoordinate.h"
+
 #include "HbgPointIndex.h"
 
 #include <basic/base/HbbGlobal.h>
@@ -13,11 +15,6 @@ static const char* const SOURCE = "geometry/HbgGeomPointSet";
 static bool isAcceptable(const HbgVector3D& point)
 {
     return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-
-static HbgVector3D withoutElevation(const HbgVector2D& point)
-{
-    return {point.x, point.y, HbbGlobal::D_FFFF};
 }
 
 HbgGeomPointSet::HbgGeomPointSet(const HbgEDimension& dimension)
@@ -58,7 +55,7 @@ void HbgGeomPointSet::reserve(int count)
 
 bool HbgGeomPointSet::append(const HbgVector2D& point)
 {
-    return append(withoutElevation(point));
+    return append(HbgCoordinate::withoutElevation(point));
 }
 
 bool HbgGeomPointSet::append(const HbgVector3D& point)
@@ -75,7 +72,7 @@ bool HbgGeomPointSet::append(const HbgVector3D& point)
 
 bool HbgGeomPointSet::update(int rank, const HbgVector2D& point)
 {
-    return update(rank, withoutElevation(point));
+    return update(rank, HbgCoordinate::withoutElevation(point));
 }
 
 bool HbgGeomPointSet::update(int rank, const HbgVector3D& point)

@@ -1,5 +1,7 @@
 #include <basic/geometry/HbgGeomPolygon.h>
 
+#include "HbgCoordinate.h"
+
 #include "HbgPolygonClipper.h"
 #include "HbgWinding.h"
 
@@ -17,18 +19,10 @@ namespace
 
 using Ring = HbgGeomPolygon::Ring;
 
-bool isPlace(const HbgVector2D& corner)
-{
-    const auto isCoordinate = [](double value) {
-        return std::isfinite(value) && !HbbGlobal::isUndefined(value);
-    };
-    return isCoordinate(corner.x) && isCoordinate(corner.y);
-}
-
 /// The ring without the corners at its end that only close it; empty when it is refused.
 Ring acceptedRing(const Ring& ring)
 {
-    if (!std::all_of(ring.begin(), ring.end(), isPlace))
+    if (!std::all_of(ring.begin(), ring.end(), HbgCoordinate::isVertex))
         return {};
     int count = ring.size();
     while (count > 1 && ring[count - 1] == ring[0])

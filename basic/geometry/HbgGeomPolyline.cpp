@@ -1,5 +1,7 @@
 #include <basic/geometry/HbgGeomPolyline.h>
 
+#include "HbgCoordinate.h"
+
 #include "HbgSegment.h"
 
 #include <basic/base/HbbGlobal.h>
@@ -13,16 +15,10 @@ static const char* const SOURCE = "geometry/HbgGeomPolyline";
 
 static bool isAcceptable(const HbgVector3D& point)
 {
-    const auto isCoordinate = [](double value) {
-        return std::isfinite(value) && !HbbGlobal::isUndefined(value);
-    };
-    return isCoordinate(point.x) && isCoordinate(point.y) && std::isfinite(point.z);
+    return HbgCoordinate::isVertex(point.toVector2D()) && std::isfinite(point.z);
 }
 
-static HbgVector3D withoutElevation(const HbgVector2D& point)
-{
-    return {point.x, point.y, HbbGlobal::D_FFFF};
-}
+using HbgCoordinate::withoutElevation;
 
 static QVector<HbgVector3D> withoutElevations(const QVector<HbgVector3D>& points)
 {

@@ -1,5 +1,7 @@
 #include <basic/geometry/HbgMesh.h>
 
+#include "HbgCoordinate.h"
+
 #include <basic/base/HbbGlobal.h>
 
 #include <algorithm>
@@ -7,10 +9,7 @@
 
 static bool isVertex(const HbgVector3D& vertex)
 {
-    const auto isCoordinate = [](double value) {
-        return std::isfinite(value) && !HbbGlobal::isUndefined(value);
-    };
-    return isCoordinate(vertex.x) && isCoordinate(vertex.y) && isCoordinate(vertex.z);
+    return HbgCoordinate::isVertex(vertex.toVector2D()) && HbgCoordinate::isCoordinate(vertex.z);
 }
 
 HbgMesh::HbgMesh(const HbgEMeshType& type)

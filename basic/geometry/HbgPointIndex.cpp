@@ -1,4 +1,5 @@
 #include "HbgPointIndex.h"
+#include "HbgCoordinate.h"
 #include "HbgRankSorter.h"
 #include "HbgRingLocator.h"
 
@@ -13,10 +14,7 @@ static constexpr size_t LEAF_SIZE = 32;
 /// How a region lies to a box.
 enum class Relation { OUTSIDE, ACROSS, AROUND };
 
-static bool isPlace(const QPointF& place)
-{
-    return std::isfinite(place.x()) && std::isfinite(place.y());
-}
+using HbgCoordinate::isPlace;
 
 /// The points at a distance from a place, or nearer.
 class HbgPointIndex::Disk

@@ -1,5 +1,7 @@
 #include "HbgShapeIndex.h"
 
+#include "HbgCoordinate.h"
+
 #include "HbgAreaIndex.h"
 #include "HbgBoostGeometry.h"
 #include "HbgRingLocator.h"
@@ -30,10 +32,7 @@ struct SameRun {
     bool operator()(const Run& a, const Run& b) const { return a.first == b.first; }
 };
 
-bool isPlace(const QPointF& place)
-{
-    return std::isfinite(place.x()) && std::isfinite(place.y());
-}
+using HbgCoordinate::isPlace;
 
 HbgVector2D placeOf(const QPointF& place)
 {

@@ -127,11 +127,22 @@ public:
     /// `owner` names the object in warnings.
     void restore(Object& object, const QVariantMap& fields, const QString& owner) const
     {
+        const QStringList invalid = restoreQuietly(object, fields);
+        for (const QString& key : invalid) {
+            kuuWarnInvalidField(owner, key, fields.value(key));
+        }
+    }
+
+    /// Answers the keys whose values did not decode, for those who have more to say than a warning.
+    QStringList restoreQuietly(Object& object, const QVariantMap& fields) const
+    {
+        QStringList invalid;
         for (const auto& row : m_rows) {
             if (!row.restore(object, fields)) {
-                kuuWarnInvalidField(owner, row.getKey(), fields.value(row.getKey()));
+                invalid.append(row.getKey());
             }
         }
+        return invalid;
     }
     void restore(Object& object, const KuuMemento& memento) const
     {

@@ -1,0 +1,128 @@
+#include "KufRuleTest.h"
+
+#include <util/dataset/KudADataTable.h>
+#include <util/filter/KufISampleFilter.h>
+#include <util/filter/KufSampleFilterQBitArrayVisitor.h>
+#include <util/filter/KufSampleFilterValidator.h>
+
+#include <QtCore/QtEndian>
+
+#include <algorithm>
+#include <vector>
+
+namespace
+{
+constexpr int BLOCK_SIZE = 8192; // samples; what a rule reads of them stays in the cache
+constexpr int BLOCK_WORDS = BLOCK_SIZE / 64;
+} // namespace
+
+/// The combination as instructions for a stack of bit blocks.
+struct KufSampleFilterQBitArrayVisitor::Program {
+    enum class Operation { TEST, NOT, AND, OR };
+    struct Step {
+        Operation operation;
+        std::size_t test; // of a TEST: its index
+    };
+
+    void add(Operation operation, std::size_t test = 0)
+    {
+        steps.push_back({operation, test});
+        depth += operation == Operation::TEST;
+        depth -= operation == Operation::AND || operation == Operation::OR;
+        maxDepth = std::max(maxDepth, depth);
+    }
+
+    QBitArray run() const;
+    void runBlock(int first, int count, quint64* stack) const;
+
+    const KufISampleFilter* filter = nullptr;
+    const KudADataTable* table = nullptr;
+    QList<KudDatasetVariable> variables;
+    std::vector<KufRuleTest> tests;
+    std::vector<Step> steps;
+    std::size_t depth = 0;
+    std::size_t maxDepth = 0;
+};
+
+void KufSampleFilterQBitArrayVisitor::Program::runBlock(int first, int count, quint64* stack) const
+{
+    quint64* top = stack - BLOCK_WORDS; // the operand that was made last
+    const int words = (count + 63) / 64;
+    for (const Step& step : steps) {
+        switch (step.operation) {
+        case Operation::TEST:
+            top += BLOCK_WORDS;
+            tests[step.test](first, count, top);
+            break;
+        case Operation::NOT:
+            std::transform(top, top + words, top, [](quint64 word) { return ~word; });
+            break;
+        case Operation::AND:
+            top -= BLOCK_WORDS;
+            for (int i = 0; i < words; ++i)
+                top[i] &= top[BLOCK_WORDS + i];
+            break;
+        case Operation::OR:
+            top -= BLOCK_WORDS;
+            for (int i = 0; i < words; ++i)
+                top[i] |= top[BLOCK_WORDS + i];
+            break;
+        }
+    }
+}
+
+QBitArray KufSampleFilterQBitArrayVisitor::Program::run() const
+{
+    const int count = table->getSampleCount();
+    if (steps.empty())
+        return QBitArray(count, true);
+    std::vector<quint64> stack(maxDepth * BLOCK_WORDS);
+    std::vector<quint64> words((static_cast<std::size_t>(count) + 63) / 64);
+    for (int first = 0; first < count; first += std::min(BLOCK_SIZE, count - first)) {
+        const int size = std::min(BLOCK_SIZE, count - first);
+        runBlock(first, size, stack.data());
+        qToLittleEndian<quint64>(stack.data(), (size + 63) / 64, words.data() + first / 64);
+    }
+    // Bits beyond the last sample, which a negation sets, are left out here.
+    return QBitArray::fromBits(reinterpret_cast<const char*>(words.data()), count);
+}
+
+KufSampleFilterQBitArrayVisitor::KufSampleFilterQBitArrayVisitor(
+    const KufISampleFilter* filter, const KudADataset* dataset,
+    const QList<KudDatasetVariable>& variables)
+    : KufSampleFilterASTVisitor(filter)
+    , m_program(std::make_unique<Program>())
+{
+    const KufSampleFilterValidator validator(filter, dataset, variables);
+    validator.requireValid();
+    m_program->filter = filter;
+    m_program->table = validator.getTable();
+    m_program->variables = variables;
+    _traverse();
+    m_selection = m_program->run();
+    m_program.reset();
+}
+
+KufSampleFilterQBitArrayVisitor::~KufSampleFilterQBitArrayVisitor() = default;
+
+void KufSampleFilterQBitArrayVisitor::_visitRule(int index)
+{
+    const HbdAVariable* column = m_program->table->readValues(m_program->variables.at(index));
+    m_program->tests.push_back(kufMakeRuleTest(*m_program->filter->getRule(index), *column));
+    m_program->add(Program::Operation::TEST, m_program->tests.size() - 1);
+}
+
+void KufSampleFilterQBitArrayVisitor::_visitNot()
+{
+    m_program->add(Program::Operation::NOT);
+}
+
+void KufSampleFilterQBitArrayVisitor::_visitAnd()
+{
+    m_program->add(Program::Operation::AND);
+}
+
+void KufSampleFilterQBitArrayVisitor::_visitOr()
+{
+    m_program->add(Program::Operation::OR);
+}

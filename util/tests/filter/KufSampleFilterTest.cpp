@@ -1,0 +1,162 @@
+#include "KufFilterFixture.h"
+
+#include <util/filter/KufSampleFilterDirectory.h>
+#include <util/xml/KuxXmlMementoFile.h>
+
+#include <basic/base/HbbDebug.h>
+
+namespace
+{
+KufSampleFilter sampleFilter(const QString& name)
+{
+    KufSampleFilter filter(name);
+    filter.addRule(KudDatasetVariable::createComponent("Points", "Pb", "1", "x"),
+                   Numeric(Operator::EQUAL, 0.1, 1e-7));
+    filter.addRule(onPoints("name"), Alpha(Alpha::Mode::CONTAINS, " O'Hara\n"));
+    filter.addRule(onPoints("land use"), Categories({"", "a b"}));
+    filter.addRule(onPoints("selected"), Selection(true));
+    filter.setCombination("not R1 or (R2 and R3) or R4");
+    return filter;
+}
+} // namespace
+
+TEST(KufSampleFilter, editsItsRules)
+{
+    KufSampleFilter filter = sampleFilter("f");
+    KufSampleFilter copy = filter;
+    EXPECT_EQ(copy.getId(), filter.getId());
+    EXPECT_TRUE(copy.isEqual(filter));
+    EXPECT_NE(copy.getRule(0), filter.getRule(0));
+    EXPECT_EQ(filter.getRule(4), nullptr);
+    EXPECT_EQ(filter.getRule(-1), nullptr);
+    EXPECT_EQ(filter.getVariable(4), KudDatasetVariable());
+
+    EXPECT_FALSE(copy.setRule(4, onPoints("zinc"), Numeric()));
+    EXPECT_TRUE(copy.setRule(3, onPoints("zinc"), Numeric()));
+    EXPECT_FALSE(copy.isEqual(filter));
+    EXPECT_FALSE(copy.removeRule(4));
+    EXPECT_TRUE(copy.removeRule(0));
+    EXPECT_EQ(copy.getVariables(), QList<KudDatasetVariable>(
+                                       {onPoints("name"), onPoints("land use"), onPoints("zinc")}));
+    EXPECT_EQ(copy.getCombination(), "");
+}
+
+TEST(KufSampleFilter, aDamagedFilterIsRefusedAndChangesNothing)
+{
+    const QVariantMap good = sampleFilter("f").toQVariantMap();
+    const auto changed = [&](const QString& key, const QVariant& value, bool ofFields = false) {
+        QVariantMap map = good;
+        QVariantList rules = map["rules"].toList();
+        QVariantMap rule = rules[0].toMap();
+        QVariantMap fields = rule["rule"].toMap();
+        QVariantMap& target = ofFields ? fields : rule;
+        if (value.isValid())
+            target[key] = value;
+        else
+            target.remove(key);
+        if (ofFields)
+            rule["rule"] = fields;
+        rules[0] = rule;
+        map["rules"] = rules;
+        return map;
+    };
+    QVariantMap noRules = good;
+    noRules.remove("rules");
+    QVariantMap textRules = good;
+    textRules["rules"] = "R1";
+    QVariantMap textRule = good;
+    textRule["rules"] = QVariantList{"zinc > 3"};
+    const struct {
+        QVariantMap map;
+        QString error;
+    } rows[] = {
+        {{}, "The sample filter: the value of 'name' is missing or not valid."},
+        {noRules, "The sample filter: the value of 'rules' is missing or not valid."},
+        {textRules, "The sample filter: the value of 'rules' is missing or not valid."},
+        {textRule, "R1: this is no rule."},
+        {changed("type", "NUMBER"), "R1: the value of 'type' is missing or not valid."},
+        {changed("variable", QVariant()), "R1: the value of 'variable' is missing or not valid."},
+        {changed("rule", 1), "R1: the value of 'rule' is missing or not valid."},
+        {changed("version", QVariant()), "R1: the value of 'version' is missing or not valid."},
+        {changed("version", 0), "R1: rules of the version 0 cannot be read."},
+        {changed("version", 3), "R1: rules of the version 3 cannot be read."},
+        {changed("mode", "ALL", true),
+         "R1: the value of 'mode' is not valid, of the rule on the variable 'Pb[1].x'."},
+        {changed("compareValue", "1,5", true),
+         "R1: the value of 'compareValue' is not valid, of the rule on the variable 'Pb[1].x'."},
+    };
+    KufSampleFilter filter = sampleFilter("f");
+    const KufSampleFilter before = filter;
+    for (const auto& row : rows) {
+        EXPECT_EQ(errorOf<HbeUserError>([&] { filter.fromQVariantMap(row.map); }), row.error);
+        EXPECT_TRUE(filter.isEqual(before));
+    }
+    // What is not known is passed over, what is missing has its default.
+    filter.fromQVariantMap(changed("colour", "red"));
+    EXPECT_TRUE(filter.isEqual(before));
+    filter.fromQVariantMap(changed("compareTolerance", QVariant(), true));
+    EXPECT_EQ(dynamic_cast<const Numeric*>(filter.getRule(0))->getTolerance(), 0.0);
+}
+
+TEST(KufSampleFilter, oldRulesAreRead)
+{
+    QVariantMap map = sampleFilter("f").toQVariantMap();
+    QVariantList rules = map["rules"].toList();
+    QVariantMap rule = rules[0].toMap();
+    rule["version"] = "1";
+    rule["rule"] = QVariantMap{{"mode", "5"}, {"range_min", "1"}, {"range_max", "2.5"}};
+    map["rules"] = QVariantList{rule};
+    KufSampleFilter filter;
+    filter.fromQVariantMap(map);
+    EXPECT_TRUE(filter.getRule(0)->isEqual(
+        Numeric(1, Bound::ITV_LESS_OR_EQUAL_TO, 2.5, Bound::ITV_LESS_OR_EQUAL_TO)));
+}
+
+TEST(KufSampleFilterDirectory, keepsFiltersByName)
+{
+    const QTemporaryDir folder;
+    const KufSampleFilterDirectory directory(folder.path());
+    const KufSampleFilter filter = sampleFilter("zinc & lead");
+    directory.save(filter);
+    directory.save(KufSampleFilter("empty"));
+    EXPECT_EQ(directory.getIds().size(), 2);
+    const KufSampleFilter read = directory.read("zinc & lead");
+    EXPECT_TRUE(read.isEqual(filter));
+    EXPECT_EQ(read.getId(), filter.getId());
+    EXPECT_TRUE(directory.read("empty").isEqual(KufSampleFilter("empty")));
+
+    // Another filter of the name does not come beside it, but may take its place.
+    KufSampleFilter other("zinc & lead");
+    EXPECT_THROW(directory.save(other), HbeUserError);
+    directory.replace(other);
+    EXPECT_TRUE(directory.read("zinc & lead").isEqual(other));
+    EXPECT_EQ(directory.read("zinc & lead").getId(), filter.getId());
+    other.setName("");
+    EXPECT_THROW(directory.save(other), HbeUserError);
+    EXPECT_TRUE(directory.remove(filter.getId()));
+    EXPECT_FALSE(directory.remove(filter.getId()));
+    EXPECT_EQ(
+        errorOf<HbeUserError>([&] { directory.read(QString("zinc & lead")); }),
+        QString("'%1' holds no sample filter 'zinc & lead'. It holds: empty.").arg(folder.path()));
+    EXPECT_THROW(KufSampleFilterDirectory(folder.filePath("none")).getNames(), HbeUserError);
+}
+
+TEST(KufSampleFilterDirectory, aDamagedFileIsWarnedOfAndPassedOver)
+{
+    const QTemporaryDir folder;
+    const KufSampleFilterDirectory directory(folder.path());
+    directory.save(sampleFilter("good"));
+    KuuMemento memento(KuuId::generate("SampleFilter"));
+    memento.setField("name", "bad");
+    KuxXmlMementoFile::save(QDir(folder.path()), memento);
+    QStringList printed;
+    const auto before =
+        HbbDebug::setSink([&](HbbDebug::Level, const QString& message) { printed << message; });
+    EXPECT_EQ(directory.getNames(), QStringList{"good"});
+    EXPECT_FALSE(directory.findName("bad").isValid());
+    HbbDebug::setSink(before);
+    EXPECT_EQ(printed.size(), 2);
+    EXPECT_TRUE(errorOf<HbeUserError>([&] {
+                    directory.read(memento.getId());
+                }).endsWith("': The sample filter: the value of 'rules' is missing or not valid."));
+}
