@@ -1,4 +1,4 @@
-#include "KufRuleTest.h"
+#include "KufRulePredicate.h"
 
 #include <util/dataset/KudADataTable.h>
 #include <util/filter/KufISampleFilter.h>
@@ -38,7 +38,7 @@ struct KufSampleFilterQBitArrayVisitor::Program {
     const KufISampleFilter* filter = nullptr;
     const KudADataTable* table = nullptr;
     QList<KudDatasetVariable> variables;
-    std::vector<KufRuleTest> tests;
+    std::vector<KufRulePredicate> tests;
     std::vector<Step> steps;
     std::size_t depth = 0;
     std::size_t maxDepth = 0;
@@ -108,7 +108,7 @@ KufSampleFilterQBitArrayVisitor::~KufSampleFilterQBitArrayVisitor() = default;
 void KufSampleFilterQBitArrayVisitor::_visitRule(int index)
 {
     const HbdAVariable* column = m_program->table->readValues(m_program->variables.at(index));
-    m_program->tests.push_back(kufMakeRuleTest(*m_program->filter->getRule(index), *column));
+    m_program->tests.push_back(kufMakeRulePredicate(*m_program->filter->getRule(index), *column));
     m_program->add(Program::Operation::TEST, m_program->tests.size() - 1);
 }
 

@@ -1,4 +1,4 @@
-#include "KufRuleTest.h"
+#include "KufRulePredicate.h"
 
 #include <util/filter/KufSampleFilterRuleAlpha.h>
 #include <util/filter/KufSampleFilterRuleEnum.h>
@@ -127,7 +127,7 @@ void fillInterval(const double* values, int count, quint64* words, double min, d
 
 /// The test applied to each value of the column.
 template <class Column, class Test>
-KufRuleTest makeTest(const HbdAVariable& column, Test test)
+KufRulePredicate makeTest(const HbdAVariable& column, Test test)
 {
     const auto* values = static_cast<const Column&>(column).getValues().data();
     return [values, test = std::move(test)](int first, int count, quint64* words) {
@@ -188,7 +188,7 @@ Interval closed(const Interval& in)
             in.isMaxOpen ? std::nextafter(in.max, -INF) : in.max, false, false, in.isOutside};
 }
 
-KufRuleTest makeRealTest(const HbdAVariable& column, const Interval& in)
+KufRulePredicate makeRealTest(const HbdAVariable& column, const Interval& in)
 {
     const double* values = static_cast<const HbdVariableReal&>(column).getValues().data();
     if (in.isOutside)
@@ -204,7 +204,7 @@ KufRuleTest makeRealTest(const HbdAVariable& column, const Interval& in)
         column, [=](double v) { return (v >= in.min) & (v <= in.max) & (v != HbbGlobal::D_FFFF); });
 }
 
-KufRuleTest makeReal32Test(const HbdAVariable& column, const Interval& in)
+KufRulePredicate makeReal32Test(const HbdAVariable& column, const Interval& in)
 {
     if (in.isOutside)
         return makeTest<HbdVariableReal32>(
@@ -247,7 +247,7 @@ IntegerInterval integersIn(const Interval& in)
 }
 
 template <class Column>
-KufRuleTest makeIntegerTest(const HbdAVariable& column, const Interval& in)
+KufRulePredicate makeIntegerTest(const HbdAVariable& column, const Interval& in)
 {
     if (!in.isOutside) {
         const IntegerInterval range = integersIn(in);
@@ -263,7 +263,7 @@ KufRuleTest makeIntegerTest(const HbdAVariable& column, const Interval& in)
 
 /// Bytes are looked up.
 template <class Column>
-KufRuleTest makeByteTest(const HbdAVariable& column, const std::function<bool(double)>& test)
+KufRulePredicate makeByteTest(const HbdAVariable& column, const std::function<bool(double)>& test)
 {
     std::vector<quint8> passes(256);
     for (std::size_t i = 0; i < passes.size(); ++i)
@@ -271,7 +271,7 @@ KufRuleTest makeByteTest(const HbdAVariable& column, const std::function<bool(do
     return makeTest<Column>(column, [passes](quint8 v) { return passes[v]; });
 }
 
-KufRuleTest makeDefinedTest(const HbdAVariable& column)
+KufRulePredicate makeDefinedTest(const HbdAVariable& column)
 {
     if (column.getType() == HbdEVarType::TEXT)
         return makeTest<HbdVariableText>(column, [](const QString& v) { return !v.isNull(); });
@@ -282,7 +282,7 @@ KufRuleTest makeDefinedTest(const HbdAVariable& column)
         column, [](quint32 v) { return !HbdVariableColor::isUndefinedValue(v); });
 }
 
-KufRuleTest makeNumericTest(const KufSampleFilterRuleNumeric& rule, const HbdAVariable& column)
+KufRulePredicate makeNumericTest(const KufSampleFilterRuleNumeric& rule, const HbdAVariable& column)
 {
     const Interval in = intervalOf(rule);
     const auto passes = [real = closed(in)](double v) {
@@ -306,7 +306,7 @@ KufRuleTest makeNumericTest(const KufSampleFilterRuleNumeric& rule, const HbdAVa
     }
 }
 
-KufRuleTest makeAlphaTest(const KufSampleFilterRuleAlpha& rule, const HbdAVariable& column)
+KufRulePredicate makeAlphaTest(const KufSampleFilterRuleAlpha& rule, const HbdAVariable& column)
 {
     using Mode = KufSampleFilterRuleAlpha::Mode;
     const QString text = rule.getText();
@@ -326,7 +326,7 @@ KufRuleTest makeAlphaTest(const KufSampleFilterRuleAlpha& rule, const HbdAVariab
         });
 }
 
-KufRuleTest makeEnumTest(const KufSampleFilterRuleEnum& rule, const HbdAVariable& column)
+KufRulePredicate makeEnumTest(const KufSampleFilterRuleEnum& rule, const HbdAVariable& column)
 {
     // Names become codes once; the samples are compared by code.
     const HbdEnumCatalog& catalog = static_cast<const HbdVariableEnum&>(column).getCatalog();
@@ -357,7 +357,7 @@ KufRuleTest makeEnumTest(const KufSampleFilterRuleEnum& rule, const HbdAVariable
 }
 } // namespace
 
-KufRuleTest kufMakeRuleTest(const KufISampleFilterRule& rule, const HbdAVariable& column)
+KufRulePredicate kufMakeRulePredicate(const KufISampleFilterRule& rule, const HbdAVariable& column)
 {
     switch (rule.getType().toEnum()) {
     case KufFilterRuleType::E_NUMERIC:
