@@ -167,7 +167,8 @@ ToolCommand createExportCommand()
         "With --cs the coordinates are converted into another coordinate system; what was done, "
         "and how exactly, is said. Longitudes and latitudes are headed so and written in degrees "
         "with "
-        "seven decimals, other converted coordinates in the unit of the system. A coordinate that cannot be "
+        "seven decimals, other converted coordinates in the unit of the system. A coordinate that "
+        "cannot be "
         "converted is undefined. Of a grid, the coordinates of the nodes are written as columns.");
     command.example = QStringLiteral("kelvane export survey samples samples.csv\n"
                                      "kelvane export survey samples zinc.csv --variables x,y,zinc "

@@ -113,8 +113,8 @@ public:
     double transformDistance(double distance, const QPointF& place) const;
 
     /// Queues what is to be converted in place in a long task; all is borrowed until
-    /// `convertWanted`. Variables are real columns (HbdVariableReal) of one length, `z` may be null;
-    /// others are a programming error. A copy of the converter copies the queue.
+    /// `convertWanted`. Variables are real columns (HbdVariableReal) of one length, `z` may be
+    /// null; others are a programming error. A copy of the converter copies the queue.
     void wantToConvert(double* x, double* y, double* z, qint64 count, qint64 stride = 1);
     void wantToConvert(HbgGeomPolygon& polygon);
     void wantToConvert(HbdAVariable& x, HbdAVariable& y, HbdAVariable* z = nullptr);
