@@ -153,8 +153,10 @@ void KueTableSource::readBlock(std::size_t blockSize, qint64 line)
             static_cast<std::size_t>(readBytes(m_bytes.data() + m_end, static_cast<qint64>(block)));
     }
     constexpr char END_OF_TEXT = '\x1A'; // closes files of old systems
-    if (m_isAtEnd && m_end != 0 && m_bytes[m_end - 1] == END_OF_TEXT)
+    if (m_isAtEnd && m_end != 0 && m_bytes[m_end - 1] == END_OF_TEXT) {
         --m_end;
+        m_validated = std::min(m_validated, m_end); // it may have come with the block before
+    }
     refuseZeroBytes(std::min(from, m_end), line);
     if (m_encoding == Encoding::UTF_8)
         validate();

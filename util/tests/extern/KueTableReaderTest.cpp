@@ -285,6 +285,20 @@ TEST_F(KueTableReaderTest, BytesAreReadInTheirEncoding)
     }
 }
 
+TEST_F(KueTableReaderTest, BlocksMayEndAnywhere)
+{
+    const QByteArray texts[] = {"a,b\r\n1,2\r\n\x1A", "a,b\n1,\"2\n3\"\n",
+                                "n\xC3\xA4;v\n\xC3\xBC;1"};
+    for (const QByteArray& text : texts) {
+        const KueTableResult whole = read(text);
+        for (int size = 1; size <= text.size() + 1; ++size) {
+            KueTableOptions options;
+            options.blockSize = size;
+            EXPECT_TRUE(read(text, options).table.isEqual(whole.table)) << size;
+        }
+    }
+}
+
 TEST_F(KueTableReaderTest, LateCellsChangeTypesWithinTwoPasses)
 {
     const int before = 200000; // more than a block
