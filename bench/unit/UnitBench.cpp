@@ -82,5 +82,5 @@ int main(int argc, char** argv)
     return runWithLimits(argc, argv,
                          {{"multiplication", "plainMultiply", 1.3},
                           {"division", "plainMultiply", 1.3},
-                          {"affine", "plainMultiply", 1.5}});
+                          {"affine", "plainMultiply", 1.3}});
 }
