@@ -16,8 +16,6 @@ class QItemSelectionModel;
 /// filtered again: a row must not jump away under the hand that edits it.
 class KELVANE_UTIL_EXPORT KudTableSortFilterModel : public QAbstractProxyModel
 {
-    Q_OBJECT
-
 public:
     /// Shows all samples in the order of their ranks. The table is borrowed and outlives the model.
     explicit KudTableSortFilterModel(const KudADataTable& table, QObject* parent = nullptr);
