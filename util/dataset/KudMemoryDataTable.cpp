@@ -150,8 +150,10 @@ void KudMemoryDataTable::addTagToFilter(const QString& tag)
 void KudMemoryDataTable::shownColumnsChanged()
 {
     const KudKeptSelections selections(*this);
-    _beginResetTable();
-    _endResetTable();
+    {
+        const KudResetScope scope(getModel());
+        _clearHeaderCache();
+    }
     selections.restore();
 }
 

@@ -229,9 +229,10 @@ bool KudMemoryDataTable::_deleteSampleSet(const HbiIntervalIntSmallDisjoint& ran
 {
     HbiIntervalIntSmallDisjoint masked = getMask()->selectedRows();
     HbiIntervalIntSmallDisjoint highlighted = getHighlight()->selectedRows();
-    _beginResetTable();
-    m_table.removeSamples(ranks);
-    _endResetTable();
+    {
+        const KudResetScope scope(getModel(), ranks);
+        m_table.removeSamples(ranks);
+    }
     notifySampleRemoved(ranks);
 
     // A reset empties the selections: what was selected moves along.
@@ -256,9 +257,10 @@ void KudMemoryDataTable::setSampleCount(int count)
         return;
     }
     const KudKeptSelections selections(*this);
-    _beginResetTable();
-    m_table.setSampleCount(count);
-    _endResetTable();
+    {
+        const KudResetScope scope(getModel(), HbiIntervalIntSmall(count, before - 1));
+        m_table.setSampleCount(count);
+    }
     selections.restore();
 }
 

@@ -28,14 +28,14 @@ private:
     QPointer<KudTableModel> m_model;
 };
 
-/// The same for a reset.
+/// The same for a reset through which samples stay, but for the removed ones.
 class KudResetScope
 {
 public:
-    explicit KudResetScope(KudTableModel* model)
+    explicit KudResetScope(KudTableModel* model, const HbiIntervalIntSmallDisjoint& removed = {})
         : m_model(model)
     {
-        m_model->beginResetTable();
+        m_model->beginResetTable(removed);
     }
     KudResetScope(const KudResetScope&) = delete;
     KudResetScope& operator=(const KudResetScope&) = delete;

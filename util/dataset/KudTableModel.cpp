@@ -147,9 +147,22 @@ void KudTableModel::beginResetTable()
     beginResetModel();
 }
 
+void KudTableModel::beginResetTable(const HbiIntervalIntSmallDisjoint& removed)
+{
+    endInsertSamples();
+    m_removedByReset = removed;
+    beginResetModel();
+}
+
 void KudTableModel::endResetTable()
 {
     endResetModel();
+    m_removedByReset.reset();
+}
+
+const HbiIntervalIntSmallDisjoint* KudTableModel::getRemovedByReset() const
+{
+    return m_removedByReset ? &*m_removedByReset : nullptr;
 }
 
 void KudTableModel::headerChanged(int first, int last)

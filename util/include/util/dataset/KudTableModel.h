@@ -2,9 +2,11 @@
 
 #include <util/KuExport.h>
 
-#include <basic/interval/HbiIntervalIntSmall.h>
+#include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 
 #include <QtCore/QAbstractTableModel>
+
+#include <optional>
 
 class KudADataTable;
 
@@ -43,6 +45,8 @@ public:
     void beginRemoveVariables(int first, int count);
     void endRemoveVariables();
     void beginResetTable();
+    /// A reset that only removes samples, these by their ranks before it, and appends some.
+    void beginResetTable(const HbiIntervalIntSmallDisjoint& removed);
     void endResetTable();
     void headerChanged(int first, int last);
     void sampleChanged(int row);
@@ -50,10 +54,15 @@ public:
     void valuesChanged(const HbiIntervalIntSmall& rows, int column);
     void variableChanged(int column);
 
+    /// For who keeps ranks, while the model is being reset: the samples that go. Null when it is
+    /// not known which samples there will be.
+    const HbiIntervalIntSmallDisjoint* getRemovedByReset() const;
+
 private:
     QString columnToolTip(int column) const;
 
     KudADataTable& m_table;
     bool m_isInserting = false;
+    std::optional<HbiIntervalIntSmallDisjoint> m_removedByReset;
     Qt::Alignment m_alignment = Qt::AlignRight | Qt::AlignVCenter;
 };
