@@ -44,32 +44,30 @@ public:
     /// the samples: views call this whenever their model is reset.
     void reset() override;
 
-public slots:
+    /// All rows that are selected, mirrored or not.
+    HbiIntervalIntSmallDisjoint getSelectedRows() const;
+
     /// The rows that a view shows. Until this is called, those around the current index, or the
     /// first ones.
     void setShownRows(int first, int last);
     void rowsReordered();
 
 private:
-    struct Rows {
-        int first;
-        int last;
-    };
-
     void listenTo(QAbstractItemModel& model);
-    void selectorChanged();
     void release();
     void mirror();
-    bool isAtEnd(int first) const;
-    Rows shownRows() const;
-    std::vector<Rows> selectedRows() const;
-    std::vector<Rows> selectedRowsShown() const;
+    void currentHasChanged();
     KudSelectorBits samplesOf(const QItemSelection& selection, SelectionFlags command) const;
+    KudSelectorBits selectedRows() const;
+    bool isSelectedRow(int row) const;
+    HbiIntervalIntSmall windowToMirror() const;
+    std::vector<HbiIntervalIntSmall> rangesToMirror();
 
     QPointer<KudSelector> m_selector;
     const KudTableSortFilterModel* m_order;
-    std::optional<KudSelectorBits> m_settled; // without what the last command selected
-    std::optional<Rows> m_shownRows;
-    bool m_isSelecting = false; // the selector changes on our behalf
-    bool m_isReleased = false;  // rows or columns are changing: nothing is mirrored
+    std::optional<KudSelectorBits> m_settled; // the selection without what was selected last
+    quint64 m_settledRevision = 0;            // of the selector, at which it holds
+    std::optional<HbiIntervalIntSmall> m_shownRows;
+    HbiIntervalIntSmall m_window; // the rows that are mirrored
+    bool m_isReleased = false;    // rows or columns are changing: nothing is mirrored
 };

@@ -9,7 +9,8 @@
 
 /// Which samples are selected: a bit a sample, in words, with their number. A value.
 ///
-/// Ranges reach from the first to the last rank and are cut to the samples.
+/// Intervals are cut to the samples; a single rank is one of them, and other bits are of the same
+/// size.
 class KudSelectorBits
 {
 public:
@@ -19,17 +20,25 @@ public:
 
     int getSize() const { return m_size; }
     int getCount() const { return m_count; }
+    bool contains(int rank) const { return rank >= 0 && rank < m_size; }
     bool isSelected(int rank) const
     {
         return (m_words[static_cast<std::size_t>(rank) / 64] >> (rank % 64) & 1) != 0;
     }
 
+    void select(int rank)
+    {
+        quint64& word = m_words[static_cast<std::size_t>(rank) / 64];
+        const quint64 bit = quint64(1) << (rank % 64);
+        m_count += (word & bit) == 0;
+        word |= bit;
+    }
     void select(HbiIntervalIntSmall ranks);
     void deselect(HbiIntervalIntSmall ranks);
     void toggle(HbiIntervalIntSmall ranks);
-    void toggle(const KudSelectorBits& other); ///< of the same size
     void select(const KudSelectorBits& other);
     void deselect(const KudSelectorBits& other);
+    void toggle(const KudSelectorBits& other);
 
     /// New samples, at the end, are not selected.
     void resize(int size);
