@@ -97,13 +97,11 @@ void KudMemoryDataTable::setDataTable(HbdDataTable table)
 
 void KudMemoryDataTable::appendTable(const HbdDataTable& table, bool addMissing)
 {
-    const KudKeptSelections selections(*this);
     {
         const KudResetScope scope(getModel());
         _clearHeaderCache();
         m_table.appendTable(table, addMissing);
     }
-    selections.restore();
     notifyReset();
 }
 
@@ -149,12 +147,8 @@ void KudMemoryDataTable::addTagToFilter(const QString& tag)
 
 void KudMemoryDataTable::shownColumnsChanged()
 {
-    const KudKeptSelections selections(*this);
-    {
-        const KudResetScope scope(getModel());
-        _clearHeaderCache();
-    }
-    selections.restore();
+    const KudResetScope scope(getModel());
+    _clearHeaderCache();
 }
 
 bool KudMemoryDataTable::isFiltered(const HbdAVariable& variable) const

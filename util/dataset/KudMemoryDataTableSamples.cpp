@@ -227,21 +227,11 @@ bool KudMemoryDataTable::_deleteSamples(const HbiIntervalIntSmall& ranks)
 
 bool KudMemoryDataTable::_deleteSampleSet(const HbiIntervalIntSmallDisjoint& ranks)
 {
-    HbiIntervalIntSmallDisjoint masked = getMask()->selectedRows();
-    HbiIntervalIntSmallDisjoint highlighted = getHighlight()->selectedRows();
     {
         const KudResetScope scope(getModel(), ranks);
         m_table.removeSamples(ranks);
     }
     notifySampleRemoved(ranks);
-
-    // A reset empties the selections: what was selected moves along.
-    masked.removeRanks(ranks);
-    highlighted.removeRanks(ranks);
-    if (!masked.isEmpty())
-        getMask()->select(masked, Ku::ClearAndSelect);
-    if (!highlighted.isEmpty())
-        getHighlight()->select(highlighted, Ku::ClearAndSelect);
     return true;
 }
 
@@ -256,12 +246,8 @@ void KudMemoryDataTable::setSampleCount(int count)
         m_table.setSampleCount(count);
         return;
     }
-    const KudKeptSelections selections(*this);
-    {
-        const KudResetScope scope(getModel(), HbiIntervalIntSmall(count, before - 1));
-        m_table.setSampleCount(count);
-    }
-    selections.restore();
+    const KudResetScope scope(getModel(), HbiIntervalIntSmall(count, before - 1));
+    m_table.setSampleCount(count);
 }
 
 void KudMemoryDataTable::columnChanged(const KudDatasetVariable& variable, int firstRank, int count)

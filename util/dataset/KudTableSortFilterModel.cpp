@@ -4,14 +4,14 @@
 #include <util/dataset/KudTableSortFilterModel.h>
 
 #include "KudSampleOrderRows.h"
+#include "KudSelectionModel.h"
 
 #include <basic/error/HbeProgrammingError.h>
 
 #include <QtCore/QBitArray>
-#include <QtCore/QHash>
-#include <QtCore/QItemSelectionModel>
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace
@@ -30,7 +30,7 @@ struct KudTableSortFilterModel::Data {
     bool isFiltered = false;
     KudDatasetVariable sortedBy; // not valid: by rank
     Qt::SortOrder order = Qt::AscendingOrder;
-    mutable QHash<const KudSelector*, QItemSelectionModel*> selectionModels;
+    std::map<const KudSelector*, std::unique_ptr<KudSelectionModel>> selectionModels;
 };
 
 KudTableSortFilterModel::KudTableSortFilterModel(const KudADataTable& table, QObject* parent)
@@ -118,6 +118,16 @@ int KudTableSortFilterModel::getRow(int rank) const
 bool KudTableSortFilterModel::isFiltered() const
 {
     return m_data->isFiltered;
+}
+
+QItemSelectionModel* KudTableSortFilterModel::getSelectionModel(KudSelector& selector) const
+{
+    std::unique_ptr<KudSelectionModel>& found = m_data->selectionModels[&selector];
+    if (found == nullptr) {
+        auto* self = const_cast<KudTableSortFilterModel*>(this);
+        found = std::make_unique<KudSelectionModel>(selector, *self, this);
+    }
+    return found.get();
 }
 
 void KudTableSortFilterModel::setFilter(const QBitArray& kept)
