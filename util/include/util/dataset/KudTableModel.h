@@ -20,6 +20,8 @@ public:
     explicit KudTableModel(KudADataTable& table);
     ~KudTableModel() override;
 
+    const KudADataTable& getTable() const { return m_table; }
+
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;

@@ -4,10 +4,15 @@
 
 #include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 
+#include <QtCore/QList>
+#include <QtCore/QMap>
 #include <QtCore/QVariant>
+#include <QtCore/QVector>
 
 class HbdAVariable;
+class QAbstractItemModel;
 class QItemSelectionModel;
+class QMimeData;
 struct HbdVariableDetails;
 
 /// Conversions between the cells of a table and what views show and edit.
@@ -33,4 +38,40 @@ KELVANE_UTIL_EXPORT bool isClearing(const QVariant& value);
 /// The rows in which anything is selected; empty for null.
 KELVANE_UTIL_EXPORT HbiIntervalIntSmallDisjoint
 getSelectedRows(const QItemSelectionModel* selectionModel);
+
+/// \name The clipboard; docs/formats/clipboard.md has the forms
+/// @{
+
+/// A block of cells as plain text, as HTML and in our own form, which keeps every value exactly;
+/// owned by the caller. Rows and columns are those of the model; what it does not have is left out.
+/// In the texts a number comes in the unit shown, with all its digits and `decimal` for its sign,
+/// and an undefined cell is empty. The cells of a model that rests on a table, through whatever
+/// proxies, are the table's. HbeUserError for a block of more than 512 MB.
+KELVANE_UTIL_EXPORT QMimeData* encodeForClipboard(const QAbstractItemModel* model,
+                                                  const HbiIntervalIntSmallDisjoint& rows,
+                                                  const HbiIntervalIntSmallDisjoint& columns,
+                                                  QChar decimal = QLatin1Char('.'));
+
+/// The same of what is selected within these rows and columns. Rows and columns without a selected
+/// cell are left out; a cell between others that is not selected is empty in the texts, and in our
+/// own form it is no cell, so that pasting leaves its place as it is.
+KELVANE_UTIL_EXPORT QMimeData* encodeForClipboard(const QItemSelectionModel* selectionModel,
+                                                  const HbiIntervalIntSmallDisjoint& rows,
+                                                  const HbiIntervalIntSmallDisjoint& columns,
+                                                  QChar decimal = QLatin1Char('.'));
+
+/// The block on the application's clipboard, one vector a row, as KudADataTable::createSamples
+/// takes it: values in the unit of the column that they were copied from, texts where the clipboard
+/// has only text, invalid for an undefined cell and where there is none. (KudTablePaste converts
+/// and checks; this does not.)
+///
+/// `cellCount` is the number of cells of each vector; 0 leaves rows as long as they are, which
+/// differs for text. `rows` and `columns` are those of the block that are wanted; empty for all.
+/// The map gives columns a position by their name, and columns without one are dropped; without a
+/// map the wanted columns go side by side. For text, which names no columns, its first row does.
+/// Empty without a clipboard and for one without cells.
+KELVANE_UTIL_EXPORT QList<QVector<QVariant>>
+decodeClipBoard(int cellCount, const HbiIntervalIntSmallDisjoint& rows,
+                const HbiIntervalIntSmallDisjoint& columns, const QMap<QString, int>& positions);
+/// @}
 } // namespace KudTableUtils
