@@ -47,8 +47,7 @@ void checkUsage(const QCommandLineParser& line)
                                     Tool::tr("each prints an answer of its own; --json has all."));
     for (const QString& option :
          {QStringLiteral("rule"), QStringLiteral("filter"), COUNT, PYTHON, DESCRIBE, JSON})
-        ToolCommandLine::checkExclusive(line, {UNMASK, option},
-                                        Tool::tr("there is nothing to select without a mask."));
+        ToolCommandLine::checkExclusive(line, {UNMASK, option}, Tool::tr("--unmask stands alone."));
     if (line.isSet(REPLACE) && !line.isSet(SAVE))
         throw ToolUsageError(Tool::tr("--replace says that --save NAME may replace a filter."));
     if (!ToolSelection::hasFilter(line) && !line.isSet(UNMASK))
@@ -131,7 +130,8 @@ QString getPython(const KufSampleFilter& filter, const KudADataset& dataset)
         ToolOutput::printNote(fault);
     if (faults.isEmpty())
         return visitor.getPythonString();
-    ToolOutput::printNote(Tool::tr("The expression is the escaped form, which is exact."));
+    ToolOutput::printNote(
+        Tool::tr("So the expression is in the form with escapes and all digits."));
     return visitor.getEscapedPythonString();
 }
 

@@ -111,7 +111,7 @@ QString rangeText(int from, int end, int count, int all)
         count == 0 ? Tool::tr("no rows")
                    : Tool::tr("rows %1 to %2 of %3")
                          .arg(QString::number(from), QString::number(end), QString::number(count));
-    return count == all ? rows : rows + Tool::tr(", from %1 samples").arg(all);
+    return count == all ? rows : rows + Tool::tr("; there are %1 samples").arg(all);
 }
 
 int run(const QCommandLineParser& line)

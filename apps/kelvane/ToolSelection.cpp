@@ -2,6 +2,7 @@
 
 #include "ToolCommandLine.h"
 #include "ToolOutput.h"
+#include "ToolProject.h"
 #include "ToolUsageError.h"
 
 #include <util/calc/KucDataSets.h>
@@ -13,6 +14,8 @@
 #include <util/filter/KufSampleFilterRuleNumeric.h>
 #include <util/filter/KufSampleFilterRuleText.h>
 #include <util/filter/KufSampleFilterValidator.h>
+
+#include <QtCore/QRegularExpression>
 
 namespace
 {
@@ -44,6 +47,25 @@ void tellUnit(const QString& ruleName, const KufSampleFilterRuleText::Rule& pars
                  details.getShownUnit().getSymbol()));
 }
 
+/// What went wrong with a rule; where it begins with a name that is no variable's, with those there
+/// are.
+QString explain(const QString& rule, const QString& fault, const KudADataset& dataset)
+{
+    static const QRegularExpression beginning(QStringLiteral("^\\s*(?:\"([^\"\\\\]*)\"|([\\w.]+))"),
+                                              QRegularExpression::UseUnicodePropertiesOption);
+    const QRegularExpressionMatch match = beginning.match(rule);
+    const QString name = match.captured(1) + match.captured(2);
+    static const QStringList words = {QStringLiteral("not"), QStringLiteral("selected")};
+    if (name.isEmpty() || words.contains(name.toLower()))
+        return fault;
+    try {
+        ToolProject::findVariable(dataset, name);
+        return fault;
+    } catch (const HbeUserError& error) {
+        return error.getMessage();
+    }
+}
+
 KufSampleFilter parseRules(const QCommandLineParser& line, const KudADataset& dataset)
 {
     const KufSampleFilterRuleText text(requireTable(dataset));
@@ -55,7 +77,8 @@ KufSampleFilter parseRules(const QCommandLineParser& line, const KudADataset& da
             tellUnit(name, parsed, dataset.getVariableDetails(parsed.variable));
             filter.addRule(parsed.variable, *parsed.rule);
         } catch (const HbeUserError& error) {
-            throw HbeUserError(QStringLiteral("%1: %2").arg(name, error.getMessage()));
+            throw HbeUserError(
+                QStringLiteral("%1: %2").arg(name, explain(word, error.getMessage(), dataset)));
         }
     }
     filter.setCombination(line.value(COMBINE));
