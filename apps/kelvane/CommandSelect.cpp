@@ -5,6 +5,7 @@
 #include "ToolProject.h"
 #include "ToolSelection.h"
 #include "ToolTable.h"
+#include "ToolText.h"
 #include "ToolUsageError.h"
 
 #include <util/dataset/KudADataTable.h>
@@ -30,10 +31,10 @@ const QString JSON = QStringLiteral("json");
 /// A filter and the samples of a dataset that pass it.
 struct Selection {
     KufSampleFilter filter;
-    QString combination;  ///< in its normal form
-    QStringList rules;    ///< as text, one a rule
-    QStringList words;    ///< the same described for people
-    QVector<int> passing; ///< how many samples pass each rule
+    QStringList combination; ///< its words in the normal form
+    QStringList rules;       ///< as text, one a rule
+    QStringList words;       ///< the same described for people
+    QVector<int> passing;    ///< how many samples pass each rule
     QBitArray kept;
 };
 
@@ -54,21 +55,28 @@ void checkUsage(const QCommandLineParser& line)
         throw ToolUsageError(Tool::tr("Nothing to select by: give --rule TEXT or --filter NAME."));
 }
 
+/// With blanks between the words, but none inside of parentheses.
+QString joined(const QStringList& words)
+{
+    QString text;
+    for (const QString& word : words) {
+        const bool isFirst = text.isEmpty() || text.endsWith(QLatin1Char('('));
+        text += (isFirst || word == QLatin1String(")") ? QString() : QStringLiteral(" ")) + word;
+    }
+    return text;
+}
+
 /// The combination with each rule in words.
 QString describe(const Selection& selection)
 {
     QStringList words;
-    for (const QString& word : selection.combination.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+    for (const QString& word : selection.combination) {
         const bool isRule = word.startsWith(QLatin1Char('R'));
         const QString text = isRule ? selection.words.value(word.midRef(1).toInt() - 1) : word;
         const bool isNegated = isRule && !words.isEmpty() && words.last() == QLatin1String("not");
         words.append(isNegated ? QLatin1Char('(') + text + QLatin1Char(')') : text);
     }
-    const QString text = words.join(QLatin1Char(' '));
-    return text.isEmpty() ? Tool::tr("all samples")
-                          : QString(text)
-                                .replace(QLatin1String("( "), QLatin1String("("))
-                                .replace(QLatin1String(" )"), QLatin1String(")"));
+    return words.isEmpty() ? Tool::tr("all samples") : joined(words);
 }
 
 Selection select(const QCommandLineParser& line, const QString& project, const KudADataset& dataset)
@@ -76,7 +84,8 @@ Selection select(const QCommandLineParser& line, const QString& project, const K
     Selection selection;
     selection.filter = ToolSelection::readFilter(line, project, dataset);
     const KufSampleFilter& filter = selection.filter;
-    selection.combination = KufSampleFilterCombinationValidator(&filter).getCombination();
+    selection.combination = KufSampleFilterCombinationValidator(&filter).getCombination().split(
+        QLatin1Char(' '), Qt::SkipEmptyParts);
     const KufSampleFilterRuleText text(*dataset.getObjectTable());
     for (int i = 0; i < filter.getRuleCount(); ++i) {
         const KudDatasetVariable variable = filter.getVariable(i);
@@ -152,11 +161,12 @@ QString toText(const Selection& selection, const KudADataset& dataset)
         table.addRow({KufISampleFilter::getRuleName(i), selection.rules.at(i),
                       QString::number(passing), percentText(passing, all)});
     }
-    table.addRow(
-        {Tool::tr("all"), selection.combination, QString::number(count), percentText(count, all)});
+    table.addRow({Tool::tr("all"), joined(selection.combination), QString::number(count),
+                  percentText(count, all)});
     return Tool::tr("%1: %2 of %3 samples pass\n\n")
                .arg(dataset.getName(), QString::number(count), QString::number(all)) +
-           table.toText(2) + QLatin1Char('\n') + describe(selection) + QLatin1Char('\n');
+           table.toText(2) + QLatin1Char('\n') + ToolText::makeVisible(describe(selection)) +
+           QLatin1Char('\n');
 }
 
 QByteArray toJson(const QString& project, const Selection& selection, const KudADataset& dataset)
@@ -178,7 +188,7 @@ QByteArray toJson(const QString& project, const Selection& selection, const KudA
         json.endObject();
     }
     json.endArray();
-    json.key("combination").value(selection.combination);
+    json.key("combination").value(joined(selection.combination));
     json.key("description").value(describe(selection));
     json.key("python").value(getPython(selection.filter, dataset));
     json.endObject();
@@ -210,7 +220,7 @@ int run(const QCommandLineParser& line)
     else if (line.isSet(PYTHON))
         ToolOutput::print(getPython(selection.filter, *dataset) + QLatin1Char('\n'));
     else if (line.isSet(DESCRIBE))
-        ToolOutput::print(describe(selection) + QLatin1Char('\n'));
+        ToolOutput::print(ToolText::makeVisible(describe(selection)) + QLatin1Char('\n'));
     else
         ToolOutput::print(toText(selection, *dataset));
     return ExitDone;
@@ -231,9 +241,9 @@ ToolCommand createSelectCommand()
         "With --mask the samples that pass are kept, and all others become masked: 'kelvane "
         "export --masked' then writes what passed.");
     command.example = QStringLiteral(
-        "kelvane select survey samples --rule 'zinc > 300'\n"
-        "kelvane select survey samples --rule 'zinc > 300' --rule 'x < 2' --combine 'R1 or R2' "
-        "--save rich\n"
+        "kelvane select survey samples --rule \"zinc > 300\"\n"
+        "kelvane select survey samples --rule \"zinc > 300\" --rule \"x < 2\" --combine \"R1 or "
+        "R2\" --save rich\n"
         "kelvane select survey samples --filter rich --mask");
     command.options = ToolSelection::getFilterOptions();
     command.options += {

@@ -164,7 +164,7 @@ ToolCommand createTableCommand()
     command.example =
         QStringLiteral("kelvane table survey samples\n"
                        "kelvane table survey samples --sort zinc --descending --count 5\n"
-                       "kelvane table survey samples --rule 'zinc > 300' --variables x,y,zinc");
+                       "kelvane table survey samples --rule \"zinc > 300\" --variables x,y,zinc");
     command.options = {
         {FROM, QStringLiteral("N"), Tool::tr("The first row to show; 1 by default.")},
         {COUNT, QStringLiteral("N"), Tool::tr("How many rows to show; 20 by default.")},

@@ -70,7 +70,8 @@ QString ToolTable::toText(int indent, int columns) const
         }
         while (line.endsWith(QLatin1Char(' ')))
             line.chop(1);
-        text += line + QLatin1Char('\n');
+        if (!line.isEmpty())
+            text += line + QLatin1Char('\n');
     }
     return text;
 }

@@ -4,7 +4,7 @@
 #include <QtCore/QVector>
 
 /// A table of texts for people. Columns that are empty in every row are left out, unless asked
-/// for.
+/// for, and so are lines that show nothing.
 class ToolTable
 {
 public:
