@@ -97,10 +97,10 @@ TEST_F(ToolSelectTest, answersForPeopleScriptsAndPython)
         "select",          "p", "t", "--rule", "v > 1", "--rule", "name = \"O'Hara\"", "--combine",
         "( R1 )and not R2"};
     EXPECT_EQ(ok(select).out, "t: 2 of 3 samples pass\n\n"
-                              "  rule  condition          samples  percent\n"
-                              "  R1    v > 1                    2     66.7\n"
-                              "  R2    name = \"O'Hara\"          1     33.3\n"
-                              "  all   (R1) and not R2          2     66.7\n\n"
+                              "  rule  condition        samples  percent\n"
+                              "  R1    v > 1                  2     66.7\n"
+                              "  R2    name = \"O'Hara\"        1     33.3\n"
+                              "  all   (R1) and not R2        2     66.7\n\n"
                               "('v' is greater than 1) and not ('name' is equal to 'O'Hara')\n");
     const ToolRun python = ok(select + QStringList{"--python"});
     EXPECT_EQ(python.out, "(data['v'] > 1) & (~ (data['name'] == 'O\\'Hara'))\n");
