@@ -51,8 +51,9 @@ void tellUnit(const QString& ruleName, const KufSampleFilterRuleText::Rule& pars
 /// are.
 QString explain(const QString& rule, const QString& fault, const KudADataset& dataset)
 {
-    static const QRegularExpression beginning(QStringLiteral("^\\s*(?:\"([^\"\\\\]*)\"|([\\w.]+))"),
-                                              QRegularExpression::UseUnicodePropertiesOption);
+    static const QRegularExpression beginning(
+        QStringLiteral("^\\s*(?:\"([^\"\\\\]*)\"|([^\\W\\d][\\w.]*))"),
+        QRegularExpression::UseUnicodePropertiesOption);
     const QRegularExpressionMatch match = beginning.match(rule);
     const QString name = match.captured(1) + match.captured(2);
     static const QStringList words = {QStringLiteral("not"), QStringLiteral("selected")};
