@@ -108,6 +108,19 @@ if grep -q '"name": "AS_PPM"' info.json; then
     run head -4 world.csv
 fi
 
+if grep -q '"name": "AS_PPM"' info.json; then
+    step "Select: rules narrow samples down, are kept by name, and make a mask"
+    run kelvane select project "$name" --rule 'CU_PCT > 0.5' --rule 'ROCK in {breccia, schist}' \
+        --combine 'R1 and not R2'
+    run kelvane select project "$name" --rule 'CU_PCT > 0.5' --rule 'AU_GPT > 0.5' --save rich --replace
+    run kelvane table project "$name" --filter rich --sort CU_PCT --descending --count 5
+    run kelvane export project "$name" rich.csv --filter rich
+    run kelvane select project "$name" --filter rich --mask --count
+    run kelvane export project "$name" masked.csv --masked
+    run cmp rich.csv masked.csv
+    run kelvane select project "$name" --unmask
+fi
+
 step "Check: is every file of the project whole?"
 run kelvane check project
 
@@ -132,5 +145,6 @@ step "The results are in $output"
 echo "  project/          the project: one file a dataset"
 echo "  export.csv        the export; export-comma.csv with decimal commas"
 echo "  info.json         what the project holds"
+[ ! -f rich.csv ] || echo "  rich.csv          the samples that pass rules; masked.csv the same by a mask"
 [ ! -f world.csv ] || echo "  world.csv         the export in longitudes and latitudes, in other units"
 [ ${#map[@]} -eq 0 ] || echo "  map.png           the map"

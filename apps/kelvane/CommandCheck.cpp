@@ -5,6 +5,12 @@
 #include "ToolProgress.h"
 
 #include <util/dataset/KudDatasetDirectory.h>
+#include <util/filter/KufSampleFilterCombinationValidator.h>
+#include <util/filter/KufSampleFilterDirectory.h>
+
+#include <basic/error/HbeUserError.h>
+
+#include <QtCore/QHash>
 
 namespace
 {
@@ -24,6 +30,39 @@ const char* statusOf(const FileCheck& file)
     if (!file.errors.isEmpty())
         return "wrong";
     return file.isMemento ? "ok" : "foreign";
+}
+
+bool isFilter(const FileCheck& file)
+{
+    return file.id.getRelation() == KufSampleFilter::getMementoRelation();
+}
+
+/// The directory of datasets knows no filters: they are read here, and their names compared.
+void checkFilters(const QString& project, std::vector<FileCheck>& files)
+{
+    const KufSampleFilterDirectory filters(project);
+    QHash<QString, QString> fileOfName;
+    for (FileCheck& file : files) {
+        if (!isFilter(file) || !file.errors.isEmpty())
+            continue;
+        try {
+            const KufSampleFilter filter = filters.read(file.id);
+            file.name = filter.getName();
+            const KufSampleFilterCombinationValidator combination(&filter);
+            if (!combination.isValid())
+                file.errors.append(combination.getError());
+        } catch (const HbeUserError& error) {
+            file.errors.append(error.getMessage());
+            continue;
+        }
+        if (file.name.isEmpty())
+            file.errors.append(Tool::tr("The sample filter has no name."));
+        else if (fileOfName.contains(file.name))
+            file.errors.append(Tool::tr("'%1' holds a sample filter of the same name, '%2'.")
+                                   .arg(fileOfName.value(file.name), file.name));
+        else
+            fileOfName.insert(file.name, file.fileName);
+    }
 }
 
 QByteArray toJson(const QString& project, const std::vector<FileCheck>& files, int wrong)
@@ -58,7 +97,8 @@ QString toText(const FileCheck& file)
     else
         text = Tool::tr("other  %1  no memento file; left alone").arg(file.fileName);
     if (!file.name.isEmpty())
-        text += Tool::tr("  dataset '%1'").arg(file.name);
+        text += (isFilter(file) ? Tool::tr("  sample filter '%1'") : Tool::tr("  dataset '%1'"))
+                    .arg(file.name);
     text += QLatin1Char('\n');
     for (const QString& error : file.errors)
         text += QStringLiteral("       %1\n")
@@ -71,7 +111,8 @@ QString toText(const FileCheck& file)
 int run(const QCommandLineParser& line)
 {
     const QString path = line.positionalArguments().first();
-    const std::vector<FileCheck> files = check(KudDatasetDirectory(path));
+    std::vector<FileCheck> files = check(KudDatasetDirectory(path));
+    checkFilters(path, files);
     int mementos = 0;
     int wrong = 0;
     QString text;

@@ -4,6 +4,7 @@
 #include "ToolJson.h"
 #include "ToolOutput.h"
 #include "ToolTable.h"
+#include "ToolText.h"
 #include "ToolUsageError.h"
 
 #include <util/utils/KuuCoordSystemCatalog.h>
@@ -34,22 +35,11 @@ QString kindText(const Search::Entry& entry)
     return entry.mode == Mode::GEOGRAPHIC ? Tool::tr("geographic") : Tool::tr("projected");
 }
 
-QString shortened(const QString& text)
-{
-    return text.size() <= AREA_LENGTH ? text : text.left(AREA_LENGTH - 1) + QChar(0x2026);
-}
-
 Search::Question readQuestion(const QCommandLineParser& line, const QStringList& words)
 {
     Search::Question question;
     question.text = words.join(QLatin1Char(' '));
-    question.limit = DEFAULT_LIMIT;
-    if (line.isSet(QStringLiteral("limit"))) {
-        question.limit = HbbGlobal::convertString(line.value(QStringLiteral("limit")), -1);
-        if (question.limit < 1)
-            throw ToolUsageError(Tool::tr("--limit is a number above 0, not '%1'")
-                                     .arg(line.value(QStringLiteral("limit"))));
-    }
+    question.limit = ToolCommandLine::readCount(line, QStringLiteral("limit"), DEFAULT_LIMIT);
     if (line.isSet(QStringLiteral("area"))) {
         const QString text = line.value(QStringLiteral("area"));
         question.area = KuuCoordSystemArea::fromText(text);
@@ -99,7 +89,8 @@ int search(const QCommandLineParser& line, const QStringList& words)
                 : Tool::tr("No coordinate system is found."));
     ToolTable table({Tool::tr("system"), Tool::tr("name"), Tool::tr("kind"), Tool::tr("area")});
     for (const Search::Entry& entry : answer.entries)
-        table.addRow({entry.getText(), entry.name, kindText(entry), shortened(entry.area.name)});
+        table.addRow({entry.getText(), entry.name, kindText(entry),
+                      ToolText::cut(entry.area.name, AREA_LENGTH)});
     ToolOutput::print(table.toText(0));
     if (answer.count > answer.entries.size())
         ToolOutput::printNote(Tool::tr("%1 more; --limit %2 shows all.")

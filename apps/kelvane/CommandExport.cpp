@@ -5,6 +5,7 @@
 #include "ToolOutput.h"
 #include "ToolProgress.h"
 #include "ToolProject.h"
+#include "ToolSelection.h"
 #include "ToolUnits.h"
 #include "ToolUsageError.h"
 
@@ -26,6 +27,8 @@ struct Settings {
     KueCsvSeparator separator;
     KueDecimalSeparator decimal;
     bool fullPrecision = false;
+    bool isRestricted = false; ///< to the samples of `ranks`
+    HbiIntervalIntSmallDisjoint ranks;
     KuuCoordSystem system; ///< that of the file; not valid: the coordinates stay as they are
 };
 
@@ -50,20 +53,6 @@ Settings readSettings(const QCommandLineParser& line)
     return settings;
 }
 
-/// The variables that the list names, in its order; all that are to be exported without a list. A
-/// name that holds a comma stands in double quotes.
-KudDatasetVariableList readVariables(const QCommandLineParser& line, const KudADataset& dataset)
-{
-    if (!line.isSet(QStringLiteral("variables")))
-        return Kuc::getExportedVariables(dataset);
-
-    const KueCsv list(QLatin1Char(','), false, QLatin1Char('"'), QLatin1Char('.'));
-    KudDatasetVariableList variables;
-    for (const QString& name : list.parseDelimitedRow(line.value(QStringLiteral("variables"))))
-        variables.append(ToolProject::findVariable(dataset, name));
-    return variables;
-}
-
 /// The units that the line asks for, each said, since no header tells of it.
 void setUnits(KucExportData& job, const QCommandLineParser& line, const KudADataset& dataset,
               const KudDatasetVariableList& variables)
@@ -82,16 +71,24 @@ void setUnits(KucExportData& job, const QCommandLineParser& line, const KudAData
     }
 }
 
+template <class DataSet>
+void setDataset(KucExportData& job, DataSet dataset, const Settings& settings)
+{
+    if (settings.isRestricted)
+        dataset.setSelection(settings.ranks);
+    job.setDataset(dataset);
+}
+
 void exportTo(const QString& path, const QCommandLineParser& line, const Settings& settings,
               const KudADataset& dataset)
 {
-    const KudDatasetVariableList variables = readVariables(line, dataset);
+    const KudDatasetVariableList variables = ToolProject::readVariables(line, dataset);
     KucExportData job;
     if (const KudMemoryDatasetGrid* grid = KudMemoryDatasetGrid::convert(&dataset)) {
-        job.setDataset(Kuc::createGrid(*grid, variables));
+        setDataset(job, Kuc::createGrid(*grid, variables), settings);
         job.setSorting(grid->is3D() ? QList<int>{2, 1, 0} : QList<int>{1, 0});
     } else {
-        job.setDataset(Kuc::createPoints(dataset, variables));
+        setDataset(job, Kuc::createPoints(dataset, variables), settings);
     }
     // Without --cs no coordinate systems: with one of longitudes and latitudes the coordinates
     // would get other names and seven decimals, and what came in would not go out.
@@ -109,6 +106,11 @@ void exportTo(const QString& path, const QCommandLineParser& line, const Setting
         ToolProgress progress(Tool::tr("Exporting '%1'").arg(dataset.getName()));
         ToolInterrupt::run(job, progress);
     }
+    if (settings.isRestricted)
+        ToolOutput::printNote(
+            Tool::tr("%1 of %2 samples are written.")
+                .arg(QString::number(settings.ranks.getCount()),
+                     QString::number(dataset.getObjectTable()->getSampleCount())));
     ToolConversion::print(job);
     // Columns of text, say, that look like coordinates to whoever asked.
     if (settings.system.isValid() && job.getConverter() == nullptr &&
@@ -142,12 +144,16 @@ void exportSafely(const QString& path, const QCommandLineParser& line, const Set
 
 int run(const QCommandLineParser& line)
 {
-    const Settings settings = readSettings(line);
+    ToolSelection::checkUsage(line);
+    Settings settings = readSettings(line);
     const QStringList arguments = line.positionalArguments();
     const KudDatasetDirectory project(arguments.at(0));
     const auto dataset = ToolProject::readDataset(project, arguments.at(1));
     if (settings.system.isValid())
         ToolProject::requireCoordSystem(project, *dataset);
+    settings.isRestricted = ToolSelection::isRestricted(line);
+    if (settings.isRestricted)
+        settings.ranks = ToolSelection::readRanks(line, arguments.at(0), *dataset);
     exportSafely(arguments.at(2), line, settings, *dataset);
     return ExitDone;
 }
@@ -169,12 +175,14 @@ ToolCommand createExportCommand()
         "with "
         "seven decimals, other converted coordinates in the unit of the system. A coordinate that "
         "cannot be "
-        "converted is undefined. Of a grid, the coordinates of the nodes are written as columns.");
+        "converted is undefined. Of a grid, the coordinates of the nodes are written as columns.\n"
+        "With --rule, --filter or --masked only the samples that pass are written.");
     command.example = QStringLiteral("kelvane export survey samples samples.csv\n"
                                      "kelvane export survey samples zinc.csv --variables x,y,zinc "
                                      "--separator semicolon --decimal comma --undefined NA\n"
                                      "kelvane export survey samples world.csv --cs EPSG:4326 "
-                                     "--units zinc=%,depth=ft");
+                                     "--units zinc=%,depth=ft\n"
+                                     "kelvane export survey samples rich.csv --filter rich");
     command.options = {
         {QStringLiteral("separator"), QStringLiteral("S"),
          Tool::tr("comma, the default, or semicolon.")},
@@ -190,6 +198,7 @@ ToolCommand createExportCommand()
         {QStringLiteral("precision"), QStringLiteral("full"),
          Tool::tr("Writes every digit that a number has.")},
     };
+    command.options += ToolSelection::getOptions();
     command.minArguments = 3;
     command.maxArguments = 3;
     command.run = &run;

@@ -7,6 +7,7 @@
 #include "ToolProject.h"
 
 #include <util/dataset/KudADataset.h>
+#include <util/filter/KufSampleFilterDirectory.h>
 
 #include <basic/error/HbeUserError.h>
 
@@ -51,6 +52,8 @@ int run(const QCommandLineParser& line)
     const auto datasets = readDatasets(project, arguments, damaged);
     const int exitCode = damaged == 0 ? ExitDone : ExitWrongInput;
 
+    QStringList filters = KufSampleFilterDirectory(arguments.first()).getNames();
+    filters.sort();
     if (line.isSet(QStringLiteral("json"))) {
         ToolJson json;
         json.beginObject();
@@ -59,6 +62,7 @@ int run(const QCommandLineParser& line)
         for (const auto& dataset : datasets)
             ToolDatasetFacts::write(json, *dataset, other);
         json.endArray();
+        json.key("filters").value(filters);
         json.endObject();
         ToolOutput::print(json.toByteArray());
         return exitCode;
@@ -66,6 +70,8 @@ int run(const QCommandLineParser& line)
     QStringList texts;
     for (const auto& dataset : datasets)
         texts.append(ToolDatasetFacts::toText(*dataset, other));
+    if (arguments.size() == 1 && !filters.isEmpty())
+        texts.append(Tool::tr("sample filters: %1\n").arg(filters.join(QStringLiteral(", "))));
     ToolOutput::print(texts.isEmpty()
                           ? Tool::tr("The project '%1' holds no datasets.\n").arg(arguments.first())
                           : texts.join(QLatin1Char('\n')));

@@ -3,6 +3,8 @@
 #include "ToolCommand.h"
 #include "ToolUsageError.h"
 
+#include <basic/base/HbbGlobal.h>
+
 #include <QtCore/QVector>
 
 #include <algorithm>
@@ -138,4 +140,29 @@ int ToolCommandLine::readWord(const QCommandLineParser& line, const QString& opt
                 .arg(option, words.join(QStringLiteral(", ")), word, getHint(word, words)));
     }
     return i;
+}
+
+int ToolCommandLine::readCount(const QCommandLineParser& line, const QString& option,
+                               int defaultCount)
+{
+    if (!line.isSet(option))
+        return defaultCount;
+    const int count = HbbGlobal::convertString(line.value(option), -1);
+    if (count < 1)
+        throw ToolUsageError(
+            Tool::tr("--%1 is a number above 0, not '%2'").arg(option, line.value(option)));
+    return count;
+}
+
+void ToolCommandLine::checkExclusive(const QCommandLineParser& line, const QStringList& options,
+                                     const QString& hint)
+{
+    QStringList given;
+    for (const QString& option : options) {
+        if (line.optionNames().contains(option))
+            given.append(QStringLiteral("--") + option);
+    }
+    if (given.size() > 1)
+        throw ToolUsageError(
+            Tool::tr("%1 and %2 exclude each other: %3").arg(given.at(0), given.at(1), hint));
 }

@@ -18,4 +18,11 @@ QString getHint(const QString& word, const QStringList& known);
 /// The value of an option that takes one of a few words, as its place in `words`; the first word is
 /// the default.
 int readWord(const QCommandLineParser& line, const QString& option, const QStringList& words);
+
+/// The value of an option that takes a number above 0.
+int readCount(const QCommandLineParser& line, const QString& option, int defaultCount);
+
+/// A usage error, with the hint, where two of the options are given.
+void checkExclusive(const QCommandLineParser& line, const QStringList& options,
+                    const QString& hint);
 } // namespace ToolCommandLine

@@ -6,6 +6,8 @@ ToolCommand createImportCommand();
 ToolCommand createInfoCommand();
 ToolCommand createSetCommand();
 ToolCommand createExportCommand();
+ToolCommand createSelectCommand();
+ToolCommand createTableCommand();
 ToolCommand createCheckCommand();
 ToolCommand createMapCommand();
 ToolCommand createCsCommand();

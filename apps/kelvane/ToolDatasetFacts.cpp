@@ -8,6 +8,7 @@
 
 #include <util/dataset/KudADataTable.h>
 #include <util/dataset/KudADataset.h>
+#include <util/dataset/KudSelector.h>
 
 #include <basic/data/HbdColumnSummary.h>
 #include <basic/data/HbdEnumCatalog.h>
@@ -23,6 +24,12 @@ QStringList labelsOf(const HbdEnumCatalog& catalog)
     for (const HbdEnumCatalog::Category& category : catalog.getCategories())
         labels.append(category.label);
     return labels;
+}
+
+int countMasked(const KudADataset& dataset)
+{
+    const KudADataTable* table = dataset.getObjectTable();
+    return table == nullptr ? 0 : table->getMaskConst()->getNSelected();
 }
 
 QString typeName(const HbdVariableDetails& details)
@@ -173,6 +180,7 @@ void ToolDatasetFacts::write(ToolJson& json, const KudADataset& dataset,
     json.key("name").value(dataset.getName());
     json.key("kind").value(dataset.getDatasetType().getKey());
     json.key("count").value(qint64(dataset.getObjectCount()));
+    json.key("masked").value(qint64(countMasked(dataset)));
     json.key("coordinateSystem").textOrNull(system.serialize());
     json.key("coordinateSystemName").textOrNull(system.getName());
     json.key("coordinateSystemKind").textOrNull(system.isValid() ? kindKey(system) : QString());
@@ -218,6 +226,9 @@ QString ToolDatasetFacts::toText(const KudADataset& dataset, const KuuCoordSyste
     text += Tool::tr("\n  coordinate system  %1").arg(coordSystemText(dataset.getCoordSystem()));
     if (other.isValid())
         text += extentText(dataset, other);
+    const int masked = countMasked(dataset);
+    if (masked > 0)
+        text += Tool::tr("\n  masked             %1 samples").arg(masked);
     text += QStringLiteral("\n\n");
 
     ToolTable table({Tool::tr("variable"), Tool::tr("type"), Tool::tr("role"), Tool::tr("unit"),

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace
 {
@@ -29,6 +31,12 @@ void ToolOutput::print(const QByteArray& utf8)
 void ToolOutput::print(const QString& text)
 {
     print(text.toUtf8());
+}
+
+int ToolOutput::getTerminalWidth()
+{
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 void ToolOutput::printError(const QString& message)

@@ -9,6 +9,9 @@ namespace ToolOutput
 void print(const QString& text);
 void print(const QByteArray& utf8);
 
+/// The columns of the terminal that stdout is; 0 where it is none.
+int getTerminalWidth();
+
 /// Lines beginning with "kelvane: ", "warning: " or "note: ".
 void printError(const QString& message);
 void printWarning(const QString& message);

@@ -3,8 +3,10 @@
 #include "ToolCommand.h"
 #include "ToolCommandLine.h"
 
+#include <util/calc/KucDataSets.h>
 #include <util/dataset/KudADataTable.h>
 #include <util/dataset/KudADataset.h>
+#include <util/extern/KueCsv.h>
 
 #include <basic/error/HbeUserError.h>
 
@@ -36,6 +38,19 @@ KudDatasetVariable ToolProject::findVariable(const KudADataset& dataset, const Q
     throw HbeUserError(Tool::tr("The dataset '%1' has no variable '%2'%3\nIt has: %4")
                            .arg(dataset.getName(), name, ToolCommandLine::getHint(name, known),
                                 known.join(QStringLiteral(", "))));
+}
+
+KudDatasetVariableList ToolProject::readVariables(const QCommandLineParser& line,
+                                                  const KudADataset& dataset)
+{
+    if (!line.isSet(QStringLiteral("variables")))
+        return Kuc::getExportedVariables(dataset);
+
+    const KueCsv list(QLatin1Char(','), false, QLatin1Char('"'), QLatin1Char('.'));
+    KudDatasetVariableList variables;
+    for (const QString& name : list.parseDelimitedRow(line.value(QStringLiteral("variables"))))
+        variables.append(findVariable(dataset, name));
+    return variables;
 }
 
 KuuCoordSystem ToolProject::readCoordSystem(const QCommandLineParser& line)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <util/dataset/KudDatasetDirectory.h>
-#include <util/dataset/KudDatasetVariable.h>
+#include <util/dataset/KudDatasetVariableList.h>
 #include <util/utils/KuuCoordSystem.h>
 
 #include <QtCore/QCommandLineParser>
@@ -15,6 +15,10 @@ std::unique_ptr<KudADataset> readDataset(const KudDatasetDirectory& project, con
 /// A variable of the dataset's samples by its full name; a user error that lists those there are
 /// when there is none.
 KudDatasetVariable findVariable(const KudADataset& dataset, const QString& name);
+
+/// The variables that --variables lists, in its order; all that are to be exported without the
+/// option. A name that holds a comma stands in double quotes.
+KudDatasetVariableList readVariables(const QCommandLineParser& line, const KudADataset& dataset);
 
 /// The system that --cs asks for; an invalid one without the option.
 KuuCoordSystem readCoordSystem(const QCommandLineParser& line);

@@ -22,9 +22,10 @@ constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
 
 std::vector<ToolCommand> createCommands()
 {
-    return {createImportCommand(), createInfoCommand(),    createSetCommand(),
-            createExportCommand(), createCheckCommand(),   createMapCommand(),
-            createCsCommand(),     createConvertCommand(), createUnitsCommand()};
+    return {createImportCommand(),  createInfoCommand(),  createSetCommand(),
+            createSelectCommand(),  createTableCommand(), createExportCommand(),
+            createCheckCommand(),   createMapCommand(),   createCsCommand(),
+            createConvertCommand(), createUnitsCommand()};
 }
 
 QString generalHelp(const std::vector<ToolCommand>& commands)

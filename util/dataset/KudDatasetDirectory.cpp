@@ -6,13 +6,10 @@
 #include <basic/base/HbbDebug.h>
 #include <basic/calc/HbcCancelled.h>
 #include <basic/error/HbeDiskError.h>
-#include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
-#include <QtCore/QFile>
 #include <QtCore/QHash>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QXmlStreamReader>
 
 namespace
 {
@@ -48,39 +45,6 @@ bool isMementoName(const QString& fileName)
         QStringLiteral("^.+_[0-9a-fA-F]{8}(-[0-9a-fA-F]{4}){3}-[0-9a-fA-F]{12}\\.xml$"));
     return pattern.match(fileName).hasMatch();
 }
-
-/// What an error says, without the place in our sources that a programming error names: here it is
-/// the user's file that is at fault.
-QString reasonOf(const HbeError& error)
-{
-    const QString message = error.getMessage();
-    const bool isOurs = dynamic_cast<const HbeProgrammingError*>(&error) != nullptr;
-    const int end = isOurs ? message.indexOf(QLatin1String(":\n\n")) : -1;
-    return end < 0 ? message : message.mid(end + 3);
-}
-
-/// The field "name" of a memento file. The fields stand in key order, so it comes before the
-/// values, and these are not read.
-QString peekName(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    QXmlStreamReader xml(&file);
-    xml.readNextStartElement();
-    while (xml.readNextStartElement()) {
-        if (xml.name() != QLatin1String("fields")) {
-            xml.skipCurrentElement();
-            continue;
-        }
-        while (xml.readNextStartElement()) {
-            if (xml.name() == QLatin1String("name"))
-                return xml.readElementText();
-            xml.skipCurrentElement();
-        }
-    }
-    return QString();
-}
 } // namespace
 
 KudDatasetDirectory::KudDatasetDirectory(const QString& path,
@@ -104,7 +68,7 @@ QList<KuuId> KudDatasetDirectory::getIds() const
 
 QString KudDatasetDirectory::readName(const KuuId& id) const
 {
-    const QString name = peekName(m_directory.filePath(KuxXmlMementoFile::getFileName(id)));
+    const QString name = KuxXmlMementoFile::peekText(m_directory, id, QStringLiteral("name"));
     return name.isEmpty() ? read(id)->getName() : name;
 }
 
@@ -150,9 +114,9 @@ std::unique_ptr<KudADataset> KudDatasetDirectory::read(const KuuId& id) const
     try {
         return orDefault(m_factory).create(KuxXmlMementoFile::read(m_directory, id), true);
     } catch (const HbeError& error) {
-        throw HbeUserError(
-            tr("Cannot read the dataset file '%1': %2")
-                .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)), reasonOf(error)));
+        throw HbeUserError(tr("Cannot read the dataset file '%1': %2")
+                               .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)),
+                                    KuxXmlMementoFile::getReason(error)));
     }
 }
 
@@ -186,7 +150,7 @@ void KudDatasetDirectory::checkMemento(FileCheck& file) const
         if (file.name.isEmpty())
             file.errors.append(tr("The dataset has no name."));
     } catch (const HbeError& error) {
-        file.errors.append(reasonOf(error));
+        file.errors.append(KuxXmlMementoFile::getReason(error));
     }
 }
 

@@ -16,8 +16,12 @@ QList<KuuId> KufSampleFilterDirectory::getIds() const
     return KuxXmlMementoFile::getIdList(m_directory, KufSampleFilter::getMementoRelation());
 }
 
+/// Of the name alone: a damaged filter is found, so that reading it says what is wrong.
 QString KufSampleFilterDirectory::readNameOrWarn(const KuuId& id) const
 {
+    const QString name = KuxXmlMementoFile::peekText(m_directory, id, QStringLiteral("name"));
+    if (!name.isEmpty())
+        return name;
     try {
         return read(id).getName();
     } catch (const HbeUserError& error) {
@@ -60,9 +64,9 @@ KufSampleFilter KufSampleFilterDirectory::read(const KuuId& id) const
         filter.setMemento(KuxXmlMementoFile::read(m_directory, id), true);
         return filter;
     } catch (const HbeError& error) {
-        throw HbeUserError(
-            tr("Cannot read the sample filter file '%1': %2")
-                .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)), error.getMessage()));
+        throw HbeUserError(tr("Cannot read the sample filter file '%1': %2")
+                               .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)),
+                                    KuxXmlMementoFile::getReason(error)));
     }
 }
 

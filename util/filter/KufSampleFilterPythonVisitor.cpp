@@ -49,6 +49,7 @@ QString escaped(const QString& text)
 /// How numbers and texts stand in an expression.
 struct Style {
     bool isEscaped;
+    QStringList* rounded; // takes the numbers that are not written exactly
 
     QString text(const QString& value) const { return isEscaped ? escaped(value) : value; }
 
@@ -58,9 +59,14 @@ struct Style {
             return QStringLiteral("np.nan");
         if (std::isinf(value))
             return value < 0 ? QStringLiteral("-np.inf") : QStringLiteral("np.inf");
+        const QString exact = QString::fromLatin1(
+            HbbStringFormat::simpleValueToByteArray(value, HbbEFormat::SHORTEST, 0));
+        if (isEscaped)
+            return exact;
         const QByteArray digits =
-            isEscaped ? HbbStringFormat::simpleValueToByteArray(value, HbbEFormat::SHORTEST, 0)
-                      : HbbStringFormat::simpleValueToByteArray(value, HbbEFormat::DECIMAL, 12);
+            HbbStringFormat::simpleValueToByteArray(value, HbbEFormat::DECIMAL, 12);
+        if (digits.toDouble() != value)
+            rounded->append(exact);
         return QString::fromLatin1(digits);
     }
 };
@@ -175,9 +181,14 @@ void KufSampleFilterPythonVisitor::_visitRule(int index)
         const KudDatasetVariable name = m_variables.value(index);
         const QString variable = m_mapping + QLatin1String("['") +
                                  escaped(name.getFullVariableName()) + QLatin1String("']");
-        plain = expressionOf(*rule, variable, Style{false});
-        safe = expressionOf(*rule, variable, Style{true});
-        checkQuoting(KufISampleFilter::getRuleName(index), *rule);
+        const QString ruleName = KufISampleFilter::getRuleName(index);
+        QStringList rounded;
+        plain = expressionOf(*rule, variable, Style{false, &rounded});
+        safe = expressionOf(*rule, variable, Style{true, nullptr});
+        for (const QString& number : rounded)
+            m_roundedNumbers.append(
+                tr("%1: the number %2 has more than 12 decimals.").arg(ruleName, number));
+        checkQuoting(ruleName, *rule);
     }
     m_plain.stack.append(plain);
     m_escaped.stack.append(safe);

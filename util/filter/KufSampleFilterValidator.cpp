@@ -46,6 +46,21 @@ bool hasUndefinedNumber(const KufSampleFilterRuleNumeric& rule)
                                              HbbGlobal::isUndefined(rule.getUpperBound()));
 }
 
+QString labelsText(const HbdEnumCatalog& catalog)
+{
+    constexpr int SHOWN = 12;
+    QStringList labels;
+    for (const HbdEnumCatalog::Category& category : catalog.getCategories()) {
+        if (labels.size() == SHOWN) {
+            labels.append(QStringLiteral("…"));
+            break;
+        }
+        labels.append(QLatin1Char('\'') + category.label + QLatin1Char('\''));
+    }
+    return labels.isEmpty() ? QCoreApplication::translate("KufSampleFilterValidator", "none")
+                            : labels.join(QStringLiteral(", "));
+}
+
 /// The object table, or the first; what a filter without rules applies to.
 const KudADataTable* mainTableOf(const KudADataset& dataset)
 {
@@ -123,7 +138,7 @@ QString KufSampleFilterValidator::findFault(const KufISampleFilterRule& rule,
     const HbdEnumCatalog& catalog = static_cast<const HbdVariableEnum&>(column).getCatalog();
     for (const QString& name : categories->getSelectedList()) {
         if (!catalog.containsLabel(name))
-            return tr("has no category '%1'.").arg(name);
+            return tr("has no category '%1'; it has %2.").arg(name, labelsText(catalog));
     }
     return QString();
 }

@@ -7,12 +7,15 @@
 #include "KuxXmlGuard.h"
 
 #include <basic/error/HbeDiskError.h>
+#include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 #include <util/system/KusFileUtils.h>
 #include <util/system/KusSafeFile.h>
 #include <util/xml/KuxXml.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QXmlStreamReader>
 
 using namespace KuxMementoXmlRules;
 
@@ -203,6 +206,35 @@ KuuMemento KuxXmlMementoFile::read(const QDir& directory, const KuuId& id)
 KuuMemento KuxXmlMementoFile::read(const QString& path)
 {
     return readFile(path);
+}
+
+QString KuxXmlMementoFile::peekText(const QDir& directory, const KuuId& id, const QString& key)
+{
+    QFile file(filePath(directory, id));
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    QXmlStreamReader xml(&file);
+    xml.readNextStartElement();
+    while (xml.readNextStartElement()) {
+        if (xml.name() != QLatin1String("fields")) {
+            xml.skipCurrentElement();
+            continue;
+        }
+        while (xml.readNextStartElement()) {
+            if (xml.name() == key)
+                return xml.readElementText();
+            xml.skipCurrentElement();
+        }
+    }
+    return QString();
+}
+
+QString KuxXmlMementoFile::getReason(const HbeError& error)
+{
+    const QString message = error.getMessage();
+    const bool isOurs = dynamic_cast<const HbeProgrammingError*>(&error) != nullptr;
+    const int end = isOurs ? message.indexOf(QLatin1String(":\n\n")) : -1;
+    return end < 0 ? message : message.mid(end + 3);
 }
 
 bool KuxXmlMementoFile::exists(const QDir& directory, const KuuId& id)

@@ -187,7 +187,7 @@ TEST_F(ToolRoadTest, infoIsTheDocumentedJson)
         R"("yMin":10,"zMax":null,"zMin":null},"coordinateSystem":"EPSG:2154",)"
         R"("coordinateSystemKind":"PROJECTED","coordinateSystemName":"RGF93 v1 / Lambert-93",)"
         R"("coordinateUnit":"m","count":4,"elevationUnit":"m",)"
-        R"("kind":"POINT","name":"t","variables":[)"
+        R"("kind":"POINT","masked":0,"name":"t","variables":[)"
         R"({"categories":[],"defined":4,"displayUnit":null,"maximum":4.5,"mean":3,"minimum":1.5,"name":"EASTING",)"
         R"("role":"X_COORDINATE","type":"real","undefined":0,"unit":null},)"
         R"({"categories":[],"defined":4,"displayUnit":null,"maximum":50,"mean":27.5,"minimum":10,"name":"NORTHING",)"
@@ -197,7 +197,7 @@ TEST_F(ToolRoadTest, infoIsTheDocumentedJson)
         R"({"categories":[],"defined":3,"displayUnit":null,"maximum":9007199254740992,"mean":3002399751580329.5,)"
         R"("minimum":-5,"name":"n","role":null,"type":"integer","undefined":1,"unit":null},)"
         R"({"categories":[],"defined":0,"displayUnit":null,"maximum":null,"mean":null,"minimum":null,)"
-        R"("name":"empty","role":null,"type":"text","undefined":4,"unit":null}]}],"project":"p"})";
+        R"("name":"empty","role":null,"type":"text","undefined":4,"unit":null}]}],"filters":[],"project":"p"})";
     EXPECT_EQ(QJsonDocument::fromJson(info.out).toJson(QJsonDocument::Compact), expected);
     EXPECT_TRUE(
         info.out.contains("\"maximum\": 9007199254740993,")); // all digits; Qt reads a double

@@ -241,4 +241,6 @@ TEST_F(ToolSpaceTest, gridsAreExportedWithTheirNodes)
     EXPECT_EQ(cells[1], (QList<QByteArray>{"3.0000000", "46.5000000", "0"}));
     EXPECT_NEAR(cells[4][0].toDouble(), 3.0130, 1e-4);
     EXPECT_NEAR(cells[4][1].toDouble(), 46.5090, 1e-4);
+    ok({"export", "p", "g", "some.csv", "--cs", "EPSG:4171", "--rule", "v in (0, 2]"});
+    EXPECT_EQ(rows(read("some.csv")), (QList<QList<QByteArray>>{cells[0], cells[2], cells[3]}));
 }

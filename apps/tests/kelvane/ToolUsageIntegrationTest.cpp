@@ -52,6 +52,22 @@ TEST_F(ToolUsageTest, exitCodesAndHints)
         {{"export", "p", "good", "o.csv", "--units", "zinc"}, 2, "VAR=UNIT, not 'zinc'"},
         {{"export", "p", "good", "o.csv", "--units", "zinq=%"}, 1, "did you mean 'zinc'?"},
         {{"export", "p", "good", "o.csv", "--units", "zinc=%"}, 1, "'zinc' has no unit"},
+        {{"export", "p", "good", "o.csv", "--filter", "f", "--masked"}, 2, "exclude each other"},
+        {{"export", "p", "good", "o.csv", "--combine", "R1"}, 2, "give them with --rule TEXT"},
+        {{"export", "p", "good", "o.csv", "--rule", "zinq > 1"}, 1, "did you mean 'zinc'?"},
+        {{"select", "p", "good"}, 2, "give --rule TEXT or --filter NAME"},
+        {{"select", "p", "good", "--rule", "x > 1", "--filter", "f"}, 2, "exclude each other"},
+        {{"select", "p", "good", "--rule", "x > 1", "--save", "f", "--mask"}, 2, "--filter NAME"},
+        {{"select", "p", "good", "--rule", "x > 1", "--count", "--json"}, 2, "--json has all"},
+        {{"select", "p", "good", "--unmask", "--rule", "x > 1"}, 2, "--unmask stands alone"},
+        {{"select", "p", "good", "--rule", "x > 1", "--replace"}, 2, "--save NAME"},
+        {{"select", "p", "good", "--rule", "x > 1", "--rule", "x >"}, 1, "R2: At character 4"},
+        {{"select", "p", "good", "--rule", "x > 1", "--combine", "R1 or"}, 1, "At character 6"},
+        {{"select", "p", "good", "--filter", "f"}, 1, "holds no sample filters"},
+        {{"table", "p", "good", "--from", "2"}, 1, "There is no row 2: the last one is 1."},
+        {{"table", "p", "good", "--count", "-1"}, 2, "--count is a number above 0, not '-1'"},
+        {{"table", "p", "good", "--descending"}, 2, "--sort VAR"},
+        {{"table", "p", "good", "--sort", "zinq"}, 1, "did you mean 'zinc'?"},
         {{"set", "p", "good"}, 2, "Nothing to set"},
         {{"set", "p", "god", "--cs", "EPSG:4326"}, 1, "did you mean 'good'?"},
         {{"set", "p", "good", "--unit", "zinc=ppmm"}, 1, "did you mean 'ppm'?"},
@@ -86,8 +102,8 @@ TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
 {
     EXPECT_TRUE(run({"--version"}).out.startsWith("kelvane "));
     const QByteArray help = run({"--help"}).out;
-    for (const char* command :
-         {"import", "info", "set", "export", "check", "map", "cs", "convert", "units"}) {
+    for (const char* command : {"import", "info", "set", "select", "table", "export", "check",
+                                "map", "cs", "convert", "units"}) {
         const ToolRun result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "");
@@ -95,7 +111,7 @@ TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
         const int example = result.out.indexOf("Example:\n");
         ASSERT_GT(example, 0) << command;
         for (const QByteArray& line : result.out.mid(example + 9).trimmed().split('\n')) {
-            QStringList words = QString::fromUtf8(line.trimmed()).split(' ');
+            QStringList words = QProcess::splitCommand(QString::fromUtf8(line.trimmed()));
             ASSERT_EQ(words.takeFirst(), "kelvane");
             EXPECT_NE(run(words).exitCode, 2) << line.toStdString();
         }

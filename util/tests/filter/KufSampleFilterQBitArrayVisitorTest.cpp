@@ -223,7 +223,7 @@ TEST_F(KufFilterData, aFilterThatDoesNotApplyIsRefused)
         {"land use", Alpha().duplicate(), "R2: the variable 'land use' is not a text."},
         {"name", Categories({"a"}).duplicate(), "R2: the variable 'name' is not a category."},
         {"land use", Categories({"Ag", "Xx"}).duplicate(),
-         "R2: the variable 'land use' has no category 'Xx'."},
+         "R2: the variable 'land use' has no category 'Xx'; it has 'Ag', 'W', 'Ah', 'a b', '-1'."},
         {"", Numeric().duplicate(), "R2: the rule has no variable."},
     };
     for (const auto& row : rows) {

@@ -141,22 +141,30 @@ TEST(KufSampleFilterDirectory, keepsFiltersByName)
     EXPECT_THROW(KufSampleFilterDirectory(folder.filePath("none")).getNames(), HbeUserError);
 }
 
-TEST(KufSampleFilterDirectory, aDamagedFileIsWarnedOfAndPassedOver)
+// A damaged filter is found by its name and not by that of another: reading says what is wrong.
+TEST(KufSampleFilterDirectory, aDamagedFilterIsFoundAndNotRead)
 {
     const QTemporaryDir folder;
     const KufSampleFilterDirectory directory(folder.path());
     directory.save(sampleFilter("good"));
-    KuuMemento memento(KuuId::generate("SampleFilter"));
-    memento.setField("name", "bad");
-    KuxXmlMementoFile::save(QDir(folder.path()), memento);
+    KuuMemento bad(KuuId::generate("SampleFilter"));
+    bad.setField("name", "bad");
+    KuuMemento nameless(KuuId::generate("SampleFilter"));
+    KuxXmlMementoFile::save(QDir(folder.path()), {bad, nameless});
     QStringList printed;
     const auto before =
         HbbDebug::setSink([&](HbbDebug::Level, const QString& message) { printed << message; });
-    EXPECT_EQ(directory.getNames(), QStringList{"good"});
-    EXPECT_FALSE(directory.findName("bad").isValid());
-    HbbDebug::setSink(before);
-    EXPECT_EQ(printed.size(), 2);
+    QStringList names = directory.getNames();
+    names.sort();
+    EXPECT_EQ(names, (QStringList{"bad", "good"}));
     EXPECT_TRUE(errorOf<HbeUserError>([&] {
-                    directory.read(memento.getId());
+                    directory.read(QString("bad"));
                 }).endsWith("': The sample filter: the value of 'rules' is missing or not valid."));
+    EXPECT_THROW(directory.save(KufSampleFilter("bad")), HbeUserError);
+    directory.replace(KufSampleFilter("bad"));
+    EXPECT_EQ(directory.read(bad.getId()).getRuleCount(), 0);
+    HbbDebug::setSink(before);
+    for (const QString& warning : printed)
+        EXPECT_TRUE(warning.contains(nameless.getId().getUuid()));
+    EXPECT_FALSE(printed.isEmpty());
 }

@@ -25,7 +25,8 @@ public:
     /// The filters, by file name; a user error when the directory does not exist.
     QList<KuuId> getIds() const;
 
-    /// The names of all filters. A damaged file is warned of and left out, here and in findName.
+    /// The names of all filters. A file whose name cannot be read is warned of and left out, here
+    /// and in findName; one that is damaged elsewhere is there, and reading it is an error.
     QStringList getNames() const;
 
     /// The filter of that name, or an id that is not valid. A user error when there are several.

@@ -57,6 +57,11 @@ public:
     /// when both forms mean the same texts.
     const QStringList& findQuotingFaults() const { return m_quotingFaults; }
 
+    /// The numbers that 12 decimals do not hold, a line each: "R1: the number 1e-20 has more than
+    /// 12 decimals.". The form without escapes compares with others, and selects other samples
+    /// perhaps.
+    const QStringList& findRoundedNumbers() const { return m_roundedNumbers; }
+
 private:
     void _visitRule(int index) override;
     void _visitNot() override;
@@ -76,4 +81,5 @@ private:
     Operands m_plain;
     Operands m_escaped;
     QStringList m_quotingFaults;
+    QStringList m_roundedNumbers;
 };

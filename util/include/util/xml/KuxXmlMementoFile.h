@@ -10,6 +10,7 @@
 class QByteArray;
 class QDomDocument;
 class QDomElement;
+class HbeError;
 
 /// Mementos as XML, one file per memento, "relation_uuid.xml" with the relation in lower case.
 ///
@@ -59,6 +60,13 @@ KELVANE_UTIL_EXPORT void save(const QDir& directory, const QList<KuuMemento>& me
 KELVANE_UTIL_EXPORT KuuMemento read(const QDir& directory, const KuuId& id);
 /// Any memento file, whatever its relation.
 KELVANE_UTIL_EXPORT KuuMemento read(const QString& path);
+
+/// The text of a field, without reading those behind it (fields stand in the order of their keys)
+/// and whatever is wrong with the rest of the file. Empty where there is none.
+KELVANE_UTIL_EXPORT QString peekText(const QDir& directory, const KuuId& id, const QString& key);
+/// What an error of reading says, for people: without the place in our sources that a programming
+/// error names, for it is the file that is at fault.
+KELVANE_UTIL_EXPORT QString getReason(const HbeError& error);
 
 KELVANE_UTIL_EXPORT bool exists(const QDir& directory, const KuuId& id);
 KELVANE_UTIL_EXPORT void destroy(const QDir& directory, const KuuId& id);
