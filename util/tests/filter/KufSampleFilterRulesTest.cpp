@@ -161,12 +161,32 @@ TEST(KufSampleFilterRules, whatIsMissingOrUnknownHasItsDefault)
                                  {"intervalLowerOperator", ""},
                                  {"intervalUpper", QVariantList{1}}};
     expected.setLowerOperator(Bound::ITV_LESS_OR_EQUAL_TO);
-    QStringList invalid = rule.findInvalidFields(damaged, 2);
-    invalid.sort();
-    EXPECT_EQ(invalid, damaged.keys());
+    const QStringList invalid = rule.findInvalidFields(damaged, 2);
+    EXPECT_EQ(invalid.mid(0, 5), QStringList({"mode", "compareOperator", "compareValue",
+                                              "intervalLowerOperator", "intervalUpper"}));
     rule.fromQVariantMap(damaged, 2);
     EXPECT_EQ(rule, expected);
     EXPECT_EQ(printed.texts.size(), damaged.size());
+}
+
+TEST(KufSampleFilterRules, aStoredRuleLacksNoKeyButAnOperatorOfItsInterval)
+{
+    QStringList optional;
+    for (const KufFilterRuleType& type : KufFilterRuleType::createIterator()) {
+        const auto rule = Kuf::createFromType(type);
+        const QVariantMap map = rule->toQVariantMap();
+        for (const QString& key : map.keys()) {
+            QVariantMap damaged = map;
+            damaged.remove(key);
+            const QStringList invalid = rule->findInvalidFields(damaged, 2);
+            if (invalid.isEmpty())
+                optional << key;
+            else
+                EXPECT_EQ(invalid, QStringList{key});
+        }
+        EXPECT_EQ(rule->findInvalidFields({}, 1).size(), 1);
+    }
+    EXPECT_EQ(optional, QStringList({"intervalLowerOperator", "intervalUpperOperator"}));
 }
 
 TEST(KufSampleFilterRules, oldNumericRules)
