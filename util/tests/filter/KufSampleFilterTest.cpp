@@ -1,9 +1,8 @@
+#include "CapturedLog.h"
 #include "KufFilterFixture.h"
 
 #include <util/filter/KufSampleFilterDirectory.h>
 #include <util/xml/KuxXmlMementoFile.h>
-
-#include <basic/base/HbbDebug.h>
 
 namespace
 {
@@ -146,13 +145,10 @@ TEST(KufSampleFilterDirectory, aDamagedFileIsWarnedOfAndPassedOver)
     KuuMemento memento(KuuId::generate("SampleFilter"));
     memento.setField("name", "bad");
     KuxXmlMementoFile::save(QDir(folder.path()), memento);
-    QStringList printed;
-    const auto before =
-        HbbDebug::setSink([&](HbbDebug::Level, const QString& message) { printed << message; });
+    const CapturedLog log;
     EXPECT_EQ(directory.getNames(), QStringList{"good"});
     EXPECT_FALSE(directory.findName("bad").isValid());
-    HbbDebug::setSink(before);
-    EXPECT_EQ(printed.size(), 2);
+    EXPECT_EQ(log.texts.size(), 2);
     EXPECT_TRUE(errorOf<HbeUserError>([&] {
                     directory.read(memento.getId());
                 }).endsWith("': The sample filter: the value of 'rules' is missing or not valid."));
