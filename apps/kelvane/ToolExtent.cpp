@@ -20,16 +20,6 @@ constexpr int BLOCK_SIZE = 100000;
 /// Fills x and y with the coordinates of `count` samples from `first` on.
 using Reader = std::function<void(int first, int count, double* x, double* y)>;
 
-/// Longitudes and latitudes have classes of their own, between which nothing converts, with the
-/// keys of the angles.
-HbuUnit toAngle(const HbuUnit& unit)
-{
-    const HbuEUnitClass unitClass = unit.getUnitClass();
-    return unitClass == HbuEUnitClass::LONGITUDE || unitClass == HbuEUnitClass::LATITUDE
-               ? HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, unit.getKey())
-               : unit;
-}
-
 HbgBox convertAll(int sampleCount, const KuuCoordSystemConverter& converter, const Reader& read)
 {
     HbgBox box;
@@ -77,7 +67,8 @@ HbgBox ToolExtent::compute(const KudADataset& dataset, const KuuCoordSystem& sys
         return HbgBox();
     // The converter takes both in one unit.
     const HbuUnitTransfo toUnitOfX = HbuUnitService::getInstance().getConversion(
-        toAngle(getUnitOfY(dataset)), toAngle(dataset.getCoordinateUnit()));
+        KuuCoordSystemConverter::toAngle(getUnitOfY(dataset)),
+        KuuCoordSystemConverter::toAngle(dataset.getCoordinateUnit()));
     return convertAll(sampleCount, converter, [&](int first, int count, double* xs, double* ys) {
         x->readNumbers(first, count, xs);
         y->readNumbers(first, count, ys);

@@ -230,18 +230,13 @@ IntegerInterval integersIn(const Interval& in)
     qint64 min = LEAST;
     if (in.min >= -END) {
         const double first = std::ceil(in.min);
-        min = first < END ? static_cast<qint64>(first) : GREATEST;
-        min += in.isMinOpen && first == in.min;
+        min = static_cast<qint64>(first) + (in.isMinOpen && first == in.min);
     }
     qint64 max = GREATEST;
     if (in.max < END) {
         const double last = std::floor(in.max);
         max = static_cast<qint64>(last);
-        if (in.isMaxOpen && last == in.max) {
-            if (max < LEAST)
-                return {1, 0};
-            --max;
-        }
+        max -= in.isMaxOpen && last == in.max && max >= LEAST;
     }
     return {std::max(min, LEAST), max};
 }

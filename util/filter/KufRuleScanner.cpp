@@ -1,5 +1,7 @@
 #include "KufRuleScanner.h"
 
+#include "KufQuotedText.h"
+
 #include <basic/error/HbeUserError.h>
 
 #include <algorithm>
@@ -181,9 +183,6 @@ QString KufRuleScanner::quoted(const QString& text)
     QString result = QStringLiteral("\"");
     for (int i = 0; i < text.size(); ++i) {
         const QChar c = text[i];
-        const bool isHalfOfPair =
-            (c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) ||
-            (c.isLowSurrogate() && i > 0 && text[i - 1].isHighSurrogate());
         if (c == QLatin1Char('"') || c == QLatin1Char('\\'))
             result += QLatin1Char('\\') + QString(c);
         else if (c == QLatin1Char('\n'))
@@ -192,10 +191,8 @@ QString KufRuleScanner::quoted(const QString& text)
             result += QLatin1String("\\r");
         else if (c == QLatin1Char('\t'))
             result += QLatin1String("\\t");
-        else if (c.isPrint() || isHalfOfPair)
-            result += c;
         else
-            result += QStringLiteral("\\u%1").arg(uint(c.unicode()), 4, 16, QLatin1Char('0'));
+            result += kufPrintable(text, i);
     }
     return result + QLatin1Char('"');
 }

@@ -155,7 +155,7 @@ KufSampleFilter::Entry KufSampleFilter::readEntry(const QVariant& stored, int in
     const QStringList invalid = entry.rule->findInvalidFields(fields, version);
     if (!invalid.isEmpty())
         throw HbeUserError(
-            tr("%1: the value of '%2' is not valid, of the rule on the variable '%3'.")
+            tr("%1: the value of '%2' is missing or not valid, in the rule on the variable '%3'.")
                 .arg(place, invalid.first(), entry.variable.getFullVariableName()));
     entry.rule->fromQVariantMap(fields, version);
     return entry;

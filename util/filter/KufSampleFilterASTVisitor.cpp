@@ -41,11 +41,6 @@ KufSampleFilterASTVisitor::KufSampleFilterASTVisitor(const KufISampleFilter* fil
 
 KufSampleFilterASTVisitor::~KufSampleFilterASTVisitor() = default;
 
-bool KufSampleFilterASTVisitor::_isEmpty() const
-{
-    return m_combination->getNodes().isEmpty();
-}
-
 void KufSampleFilterASTVisitor::_traverse()
 {
     for (const KufCombination::Node& node : m_combination->getNodes()) {

@@ -1,3 +1,5 @@
+#include "KufQuotedText.h"
+
 #include <util/filter/KufISampleFilter.h>
 #include <util/filter/KufSampleFilterPythonVisitor.h>
 #include <util/filter/KufSampleFilterRuleAlpha.h>
@@ -14,20 +16,12 @@
 
 namespace
 {
-/// The character at `i` and a neighbour stand for one beyond U+FFFF.
-bool isPartOfPair(const QString& text, int i)
-{
-    const bool isHigh = text[i].isHighSurrogate() && i + 1 < text.size();
-    const bool isLow = text[i].isLowSurrogate() && i > 0;
-    return (isHigh && text[i + 1].isLowSurrogate()) || (isLow && text[i - 1].isHighSurrogate());
-}
-
 /// The character at `i` ends the quoted text, changes it, or makes the source text no source text.
 bool breaksQuoting(const QString& text, int i)
 {
     const QChar c = text[i];
     return c == QLatin1Char('\'') || c == QLatin1Char('\\') || c == QLatin1Char('\n') ||
-           c == QLatin1Char('\r') || c.isNull() || (c.isSurrogate() && !isPartOfPair(text, i));
+           c == QLatin1Char('\r') || c.isNull() || (c.isSurrogate() && !kufIsPartOfPair(text, i));
 }
 
 QString escaped(const QString& text)
@@ -38,10 +32,8 @@ QString escaped(const QString& text)
         const QChar c = text[i];
         if (c == QLatin1Char('\'') || c == QLatin1Char('\\'))
             result += QLatin1Char('\\') + QString(c);
-        else if (isPartOfPair(text, i) || c.isPrint())
-            result += c;
         else
-            result += QStringLiteral("\\u%1").arg(uint(c.unicode()), 4, 16, QLatin1Char('0'));
+            result += kufPrintable(text, i);
     }
     return result;
 }
@@ -185,10 +177,13 @@ void KufSampleFilterPythonVisitor::_visitRule(int index)
         QStringList rounded;
         plain = expressionOf(*rule, variable, Style{false, &rounded});
         safe = expressionOf(*rule, variable, Style{true, nullptr});
-        for (const QString& number : rounded)
-            m_roundedNumbers.append(
-                tr("%1: the number %2 has more than 12 decimals.").arg(ruleName, number));
-        checkQuoting(ruleName, *rule);
+        if (!m_checkedRules.contains(index)) {
+            for (const QString& number : rounded)
+                m_roundedNumbers.append(
+                    tr("%1: the number %2 has more than 12 decimals.").arg(ruleName, number));
+            checkQuoting(ruleName, *rule);
+        }
+        m_checkedRules.insert(index);
     }
     m_plain.stack.append(plain);
     m_escaped.stack.append(safe);
@@ -198,18 +193,17 @@ void KufSampleFilterPythonVisitor::checkQuoting(const QString& ruleName,
                                                 const KufISampleFilterRule& rule)
 {
     for (const QString& text : textsOf(rule)) {
-        for (int i = 0; i < text.size(); ++i) {
-            if (!breaksQuoting(text, i))
-                continue;
-            const QString digits = QString::number(text[i].unicode(), 16).toUpper();
-            const QString code = QLatin1String("U+") + digits.rightJustified(4, QLatin1Char('0'));
-            const QString shown =
-                text[i].isPrint() ? text[i] + QStringLiteral(" (%1)").arg(code) : code;
-            const QString fault = tr("%1: the text '%2' holds the character %3 at %4.")
-                                      .arg(ruleName, text, shown, QString::number(i + 1));
-            if (!m_quotingFaults.contains(fault))
-                m_quotingFaults.append(fault);
-        }
+        int i = 0;
+        while (i < text.size() && !breaksQuoting(text, i))
+            ++i;
+        if (i == text.size())
+            continue;
+        const QString digits = QString::number(text[i].unicode(), 16).toUpper();
+        const QString code = QLatin1String("U+") + digits.rightJustified(4, QLatin1Char('0'));
+        const QString shown =
+            text[i].isPrint() ? text[i] + QStringLiteral(" (%1)").arg(code) : code;
+        m_quotingFaults.append(tr("%1: the text '%2' holds the character %3 at %4.")
+                                   .arg(ruleName, text, shown, QString::number(i + 1)));
     }
 }
 

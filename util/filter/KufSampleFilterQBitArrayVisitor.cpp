@@ -21,12 +21,12 @@ struct KufSampleFilterQBitArrayVisitor::Program {
     enum class Operation { TEST, NOT, AND, OR };
     struct Step {
         Operation operation;
-        std::size_t test; // of a TEST: its index
+        std::size_t rule; // of a TEST
     };
 
-    void add(Operation operation, std::size_t test = 0)
+    void add(Operation operation, std::size_t rule = 0)
     {
-        steps.push_back({operation, test});
+        steps.push_back({operation, rule});
         depth += operation == Operation::TEST;
         depth -= operation == Operation::AND || operation == Operation::OR;
         maxDepth = std::max(maxDepth, depth);
@@ -38,7 +38,7 @@ struct KufSampleFilterQBitArrayVisitor::Program {
     const KufISampleFilter* filter = nullptr;
     const KudADataTable* table = nullptr;
     QList<KudDatasetVariable> variables;
-    std::vector<KufRulePredicate> tests;
+    std::vector<KufRulePredicate> tests; // of the rules that the combination names, by index
     std::vector<Step> steps;
     std::size_t depth = 0;
     std::size_t maxDepth = 0;
@@ -52,7 +52,7 @@ void KufSampleFilterQBitArrayVisitor::Program::runBlock(int first, int count, qu
         switch (step.operation) {
         case Operation::TEST:
             top += BLOCK_WORDS;
-            tests[step.test](first, count, top);
+            tests[step.rule](first, count, top);
             break;
         case Operation::NOT:
             std::transform(top, top + words, top, [](quint64 word) { return ~word; });
@@ -98,6 +98,7 @@ KufSampleFilterQBitArrayVisitor::KufSampleFilterQBitArrayVisitor(
     m_program->filter = filter;
     m_program->table = validator.getTable();
     m_program->variables = variables;
+    m_program->tests.resize(filter == nullptr ? 0 : std::size_t(filter->getRuleCount()));
     _traverse();
     m_selection = m_program->run();
     m_program.reset();
@@ -107,9 +108,12 @@ KufSampleFilterQBitArrayVisitor::~KufSampleFilterQBitArrayVisitor() = default;
 
 void KufSampleFilterQBitArrayVisitor::_visitRule(int index)
 {
-    const HbdAVariable* column = m_program->table->readValues(m_program->variables.at(index));
-    m_program->tests.push_back(kufMakeRulePredicate(*m_program->filter->getRule(index), *column));
-    m_program->add(Program::Operation::TEST, m_program->tests.size() - 1);
+    const auto rule = static_cast<std::size_t>(index);
+    KufRulePredicate& test = m_program->tests[rule];
+    if (!test)
+        test = kufMakeRulePredicate(*m_program->filter->getRule(index),
+                                    *m_program->table->readValues(m_program->variables.at(index)));
+    m_program->add(Program::Operation::TEST, rule);
 }
 
 void KufSampleFilterQBitArrayVisitor::_visitNot()

@@ -253,6 +253,11 @@ KufSampleFilterRuleText::Rule KufSampleFilterRuleText::parse(const QString& text
         parsed.variable.isValid() ? m_table.readValues(parsed.variable) : nullptr;
     if (column == nullptr)
         scanner.failAt(position, tr("there is no variable '%1'.").arg(name));
+    const QString fullName = parsed.variable.getFullVariableName();
+    if (fullName != name)
+        scanner.failAt(
+            position,
+            tr("'%1' has several columns: name one in full, as in \"%2\".").arg(name, fullName));
     const int condition = scanner.getPosition();
     parsed.rule = parseCondition(scanner, column->getType());
     scanner.requireEnd();

@@ -24,6 +24,9 @@ namespace
 {
 constexpr char SOURCE_PATH[] = "filter\\KufSampleFilterRules";
 
+constexpr QLatin1String LOWER_OPERATOR{"intervalLowerOperator", 21};
+constexpr QLatin1String UPPER_OPERATOR{"intervalUpperOperator", 21};
+
 bool isKnownVersion(int version)
 {
     return version == 1 || version == KufISampleFilterRule::MAP_VERSION;
@@ -51,6 +54,32 @@ T valueOf(const QVariantMap& map, const char* key, QStringList& invalid)
         invalid.append(found.key());
     return value;
 }
+
+/// The keys whose values this kind of rule cannot read, and those that are missing though a stored
+/// rule has them: all but the operators of an interval, and of old rules the one that says what is
+/// asked.
+template <class Rule, class Fields>
+QStringList findInvalid(const QVariantMap& map, int version)
+{
+    if (!isKnownVersion(version))
+        HBE_PROGRAMMING_ERROR(SOURCE_PATH, versionMessage(version));
+    Rule scratch;
+    QStringList invalid = Fields::read(scratch, map, version);
+    const QStringList keys =
+        version == 1 ? QStringList(QLatin1String(Fields::OLD_MODE)) : Rule().toQVariantMap().keys();
+    for (const QString& key : keys) {
+        if (!map.contains(key) && key != LOWER_OPERATOR && key != UPPER_OPERATOR)
+            invalid.append(key);
+    }
+    return invalid;
+}
+
+template <class Rule>
+bool isSame(const Rule& rule, const KufISampleFilterRule& other)
+{
+    const auto* same = dynamic_cast<const Rule*>(&other);
+    return same != nullptr && *same == rule;
+}
 } // namespace
 
 KufISampleFilterRule::~KufISampleFilterRule() = default;
@@ -64,12 +93,19 @@ QString KufISampleFilter::getRuleName(int index)
 // Selection
 
 struct KufSampleFilterRuleSelection::Fields {
-    static const KuuMementoFields<KufSampleFilterRuleSelection>& rows()
+    using Rule = KufSampleFilterRuleSelection;
+    static constexpr char OLD_MODE[] = "invert";
+
+    static const KuuMementoFields<Rule>& rows()
     {
-        static const KuuMementoFields<KufSampleFilterRuleSelection> fields = {
-            {"invert", &KufSampleFilterRuleSelection::m_invertSelection},
-        };
+        static const KuuMementoFields<Rule> fields = {{"invert", &Rule::m_invertSelection}};
         return fields;
+    }
+
+    static QStringList read(Rule& rule, const QVariantMap& map, int)
+    {
+        rule = Rule();
+        return rows().restoreQuietly(rule, map);
     }
 };
 
@@ -82,8 +118,7 @@ KufSampleFilterRuleSelection::~KufSampleFilterRuleSelection() = default;
 
 bool KufSampleFilterRuleSelection::isEqual(const KufISampleFilterRule& other) const
 {
-    const auto* rule = dynamic_cast<const KufSampleFilterRuleSelection*>(&other);
-    return rule != nullptr && *rule == *this;
+    return isSame(*this, other);
 }
 
 QSharedPointer<KufISampleFilterRule> KufSampleFilterRuleSelection::duplicate() const
@@ -107,23 +142,20 @@ void KufSampleFilterRuleSelection::fromQVariantMap(const QVariantMap& map, int v
 {
     if (!isKnownVersion(version))
         HBE_PROGRAMMING_ERROR(SOURCE_PATH, versionMessage(version));
-    *this = KufSampleFilterRuleSelection();
-    warn("KufSampleFilterRuleSelection", Fields::rows().restoreQuietly(*this, map), map);
+    warn("KufSampleFilterRuleSelection", Fields::read(*this, map, version), map);
 }
 
 QStringList KufSampleFilterRuleSelection::findInvalidFields(const QVariantMap& map,
                                                             int version) const
 {
-    if (!isKnownVersion(version))
-        HBE_PROGRAMMING_ERROR(SOURCE_PATH, versionMessage(version));
-    KufSampleFilterRuleSelection scratch;
-    return Fields::rows().restoreQuietly(scratch, map);
+    return findInvalid<KufSampleFilterRuleSelection, Fields>(map, version);
 }
 
 // Numeric
 
 struct KufSampleFilterRuleNumeric::Fields {
     using Rule = KufSampleFilterRuleNumeric;
+    static constexpr char OLD_MODE[] = "mode";
 
     static const KuuMementoFields<Rule>& rows()
     {
@@ -132,9 +164,9 @@ struct KufSampleFilterRuleNumeric::Fields {
             {"compareOperator", &Rule::m_compareOperator},
             {"compareValue", &Rule::m_compareValue},
             {"compareTolerance", &Rule::m_tolerance},
-            {"intervalLowerOperator", &Rule::m_lowerOperator},
+            {LOWER_OPERATOR.data(), &Rule::m_lowerOperator},
             {"intervalLower", &Rule::m_lowerBound},
-            {"intervalUpperOperator", &Rule::m_upperOperator},
+            {UPPER_OPERATOR.data(), &Rule::m_upperOperator},
             {"intervalUpper", &Rule::m_upperBound},
         };
         return fields;
@@ -153,9 +185,9 @@ struct KufSampleFilterRuleNumeric::Fields {
     {
         rule = Rule();
         // A missing operator excludes its bound; one that is unknown falls back to the default.
-        if (!map.contains(QStringLiteral("intervalLowerOperator")))
+        if (!map.contains(LOWER_OPERATOR))
             rule.m_lowerOperator = IntervalOperator::ITV_LESS_THAN;
-        if (!map.contains(QStringLiteral("intervalUpperOperator")))
+        if (!map.contains(UPPER_OPERATOR))
             rule.m_upperOperator = IntervalOperator::ITV_LESS_THAN;
         return rows().restoreQuietly(rule, map);
     }
@@ -250,8 +282,7 @@ bool KufSampleFilterRuleNumeric::usesTolerance() const
 
 bool KufSampleFilterRuleNumeric::isEqual(const KufISampleFilterRule& other) const
 {
-    const auto* rule = dynamic_cast<const KufSampleFilterRuleNumeric*>(&other);
-    return rule != nullptr && *rule == *this;
+    return isSame(*this, other);
 }
 
 QSharedPointer<KufISampleFilterRule> KufSampleFilterRuleNumeric::duplicate() const
@@ -280,10 +311,7 @@ void KufSampleFilterRuleNumeric::fromQVariantMap(const QVariantMap& map, int ver
 
 QStringList KufSampleFilterRuleNumeric::findInvalidFields(const QVariantMap& map, int version) const
 {
-    if (!isKnownVersion(version))
-        HBE_PROGRAMMING_ERROR(SOURCE_PATH, versionMessage(version));
-    KufSampleFilterRuleNumeric scratch;
-    return Fields::read(scratch, map, version);
+    return findInvalid<KufSampleFilterRuleNumeric, Fields>(map, version);
 }
 
 bool KufSampleFilterRuleNumeric::operator==(const KufSampleFilterRuleNumeric& other) const
@@ -311,6 +339,7 @@ bool KufSampleFilterRuleNumeric::isSameCondition(const KufSampleFilterRuleNumeri
 
 struct KufSampleFilterRuleAlpha::Fields {
     using Rule = KufSampleFilterRuleAlpha;
+    static constexpr char OLD_MODE[] = "mode";
 
     static const KuuMementoFields<Rule>& rows()
     {
@@ -367,8 +396,7 @@ const QString& KufSampleFilterRuleAlpha::getText() const
 
 bool KufSampleFilterRuleAlpha::isEqual(const KufISampleFilterRule& other) const
 {
-    const auto* rule = dynamic_cast<const KufSampleFilterRuleAlpha*>(&other);
-    return rule != nullptr && *rule == *this;
+    return isSame(*this, other);
 }
 
 QSharedPointer<KufISampleFilterRule> KufSampleFilterRuleAlpha::duplicate() const
@@ -397,10 +425,7 @@ void KufSampleFilterRuleAlpha::fromQVariantMap(const QVariantMap& map, int versi
 
 QStringList KufSampleFilterRuleAlpha::findInvalidFields(const QVariantMap& map, int version) const
 {
-    if (!isKnownVersion(version))
-        HBE_PROGRAMMING_ERROR(SOURCE_PATH, versionMessage(version));
-    KufSampleFilterRuleAlpha scratch;
-    return Fields::read(scratch, map, version);
+    return findInvalid<KufSampleFilterRuleAlpha, Fields>(map, version);
 }
 
 bool KufSampleFilterRuleAlpha::operator==(const KufSampleFilterRuleAlpha& other) const
@@ -413,6 +438,7 @@ bool KufSampleFilterRuleAlpha::operator==(const KufSampleFilterRuleAlpha& other)
 
 struct KufSampleFilterRuleEnum::Fields {
     using Rule = KufSampleFilterRuleEnum;
+    static constexpr char OLD_MODE[] = "selected_list";
 
     static const KuuMementoFields<Rule>& rows()
     {
@@ -440,8 +466,7 @@ KufSampleFilterRuleEnum::~KufSampleFilterRuleEnum() = default;
 
 bool KufSampleFilterRuleEnum::isEqual(const KufISampleFilterRule& other) const
 {
-    const auto* rule = dynamic_cast<const KufSampleFilterRuleEnum*>(&other);
-    return rule != nullptr && *rule == *this;
+    return isSame(*this, other);
 }
 
 QSharedPointer<KufISampleFilterRule> KufSampleFilterRuleEnum::duplicate() const
@@ -470,8 +495,5 @@ void KufSampleFilterRuleEnum::fromQVariantMap(const QVariantMap& map, int versio
 
 QStringList KufSampleFilterRuleEnum::findInvalidFields(const QVariantMap& map, int version) const
 {
-    if (!isKnownVersion(version))
-        HBE_PROGRAMMING_ERROR(SOURCE_PATH, versionMessage(version));
-    KufSampleFilterRuleEnum scratch;
-    return Fields::read(scratch, map, version);
+    return findInvalid<KufSampleFilterRuleEnum, Fields>(map, version);
 }

@@ -43,11 +43,6 @@ void checkValid(const KuuCoordSystem& system)
     }
 }
 
-HbuUnit angleUnit(const char* key)
-{
-    return HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, QString::fromLatin1(key));
-}
-
 /// The units of one side.
 struct Units {
     HbuUnit plane;
@@ -73,8 +68,7 @@ Units unitsOf(const KuuCoordSystem& system, const HbuUnit& wanted)
                                "unit \"%2\".")
                                .arg(system.getName(), unit.getName()));
     }
-    // Longitudes and latitudes have classes of their own, with the same keys.
-    return {angleUnit(unit.getKey().toLatin1().constData()), metre};
+    return {KuuCoordSystemConverter::toAngle(unit), metre};
 }
 
 /// From a unit to what is `factor` times the reference unit of its class.
@@ -115,6 +109,13 @@ KuuCoordSystemTask createTask(const KuuCoordSystem& from, const Units& fromUnits
     return task;
 }
 } // namespace
+
+HbuUnit KuuCoordSystemConverter::toAngle(const HbuUnit& unit)
+{
+    return unit.getUnitClass().isAngle()
+               ? HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, unit.getKey())
+               : unit;
+}
 
 KuuCoordSystemConverter::Private::Private(const KuuCoordSystem& fromSystem,
                                           const HbuUnit& fromWanted, const KuuCoordSystem& toSystem,

@@ -1,4 +1,8 @@
 #include <basic/base/HbbAEnum.h>
+
+#include "CapturedLog.h"
+#include "ErrorText.h"
+
 #include <basic/base/HbbDebug.h>
 #include <basic/error/HbeProgrammingError.h>
 
@@ -43,33 +47,6 @@ std::vector<QString> keys()
     return found;
 }
 
-template <class Operation>
-QString errorOf(Operation operation)
-{
-    try {
-        operation();
-    } catch (const HbeProgrammingError& error) {
-        return error.getMessage();
-    }
-    return QStringLiteral("no error");
-}
-
-// What is printed while it lives.
-class PrintedMessages
-{
-public:
-    PrintedMessages()
-        : m_former(HbbDebug::setSink(
-              [this](HbbDebug::Level, const QString& message) { texts.append(message); }))
-    {
-    }
-    ~PrintedMessages() { HbbDebug::setSink(m_former); }
-
-    QStringList texts;
-
-private:
-    HbbDebug::Sink m_former;
-};
 } // namespace
 
 TEST(HbbAEnum, iteratesInValueOrder)
@@ -104,13 +81,13 @@ TEST(HbbAEnum, anItemIsFoundByKeyLabelAndValue)
 
 TEST(HbbAEnum, anUnknownItemIsAnErrorOrTheGivenOne)
 {
-    EXPECT_EQ(errorOf([] { SampleColor::fromKey("PINK"); }),
+    EXPECT_EQ(errorOf<HbeProgrammingError>([] { SampleColor::fromKey("PINK"); }),
               "'SampleColor::fromKey(const QString&)' in file 'tests\\SampleColor' failed:\n\n"
               "PINK is not valid");
-    EXPECT_EQ(errorOf([] { SampleColor::fromLabel("Pink"); }),
+    EXPECT_EQ(errorOf<HbeProgrammingError>([] { SampleColor::fromLabel("Pink"); }),
               "'SampleColor::fromLabel(const QString&)' in file 'tests\\SampleColor' failed:\n\n"
               "Pink is not valid");
-    EXPECT_EQ(errorOf([] { SampleColor::fromValue(-9); }),
+    EXPECT_EQ(errorOf<HbeProgrammingError>([] { SampleColor::fromValue(-9); }),
               "'SampleColor::fromValue(int)' in file 'tests\\SampleColor' failed:\n\n"
               "-9 is not valid");
     EXPECT_EQ(SampleColor::fromKey("PINK", SampleColor::BLUE), SampleColor::BLUE);
@@ -132,9 +109,9 @@ TEST(HbbAEnum, comparesByValue)
 
 TEST(HbbAEnum, ofTwoItemsWithOneValueTheLaterWinsAndTheSinkIsTold)
 {
-    const PrintedMessages printed;
-    SampleTwin::registerItem(1, QStringLiteral("LATER"), QStringLiteral("Later one"));
-    SampleTwin::registerItem(7, QStringLiteral("OTHER"), QStringLiteral("Other one"));
+    const CapturedLog printed;
+    SampleTwin::registerItem(1, "LATER", "Later one");
+    SampleTwin::registerItem(7, "OTHER", "Other one");
     EXPECT_EQ(printed.texts, QStringList("SampleTwin: duplicated item Later one [1=LATER]!\n"));
     EXPECT_EQ(SampleTwin::count(), 2);
     EXPECT_EQ(SampleTwin::fromValue(1).getKey(), "LATER");

@@ -56,7 +56,7 @@ protected:
     {
         stream >> title;
         if (title == QLatin1String("refused"))
-            throw HbeError(QStringLiteral("A record may not be called that."));
+            throw HbeError("A record may not be called that.");
         values.clear();
         if (streamVersion == 200101)
             return;
@@ -82,7 +82,7 @@ Record sample(const QString& title)
 // The error of reading the bytes; the object must be as before.
 QString errorOf(const QByteArray& bytes, bool firstVersionValid = true)
 {
-    Record record = sample(QStringLiteral("former"));
+    Record record = sample("former");
     record.firstVersionValid = firstVersionValid;
     const Record former = record;
     try {

@@ -125,7 +125,7 @@ TEST(HbcAProgress, theErrorOfARunIsKeptAsThrown)
         QString text;
     };
     const Row rows[] = {
-        {[](Job&) { throw HbeUserError(QStringLiteral("No such file.")); }, "No such file."},
+        {[](Job&) { throw HbeUserError("No such file."); }, "No such file."},
         {[](Job&) { throw std::runtime_error("plain"); }, "plain"},
         {[](Job&) { throw std::bad_alloc(); }, "There is not enough memory."},
         {[](Job&) { throw 42; }, "An unknown error occurred."},
@@ -203,7 +203,7 @@ TEST(HbcAProgress, anotherJobRunsAsAPart)
         self.runSubProgress(inner, 6);
         counters.push_back(self.getCounter());
 
-        Job failing([](Job&) { throw HbeUserError(QStringLiteral("inner error")); });
+        Job failing([](Job&) { throw HbeUserError("inner error"); });
         EXPECT_THROW(self.runSubProgress(failing, 1), HbeUserError);
         counters.push_back(self.getCounter());
 

@@ -10,7 +10,7 @@ namespace
 {
 void operationThatFails(int)
 {
-    HBE_PROGRAMMING_ERROR("module\\Source", QStringLiteral("The rank 100%1 is out of range"));
+    HBE_PROGRAMMING_ERROR("module\\Source", "The rank 100%1 is out of range");
 }
 } // namespace
 

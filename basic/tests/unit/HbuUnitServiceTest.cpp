@@ -159,19 +159,17 @@ TEST(HbuUnitService, convertsWithinAClassOnly)
     EXPECT_FALSE(service().getConversion(HbuUnit(), HbuUnit()).isValid());
     EXPECT_TRUE(service().getConversion(HbuUnit::none(), HbuUnit::none()).isIdentity());
     EXPECT_FALSE(service().getConversionToStorageUnit(HbuUnit()).isValid());
-    EXPECT_EQ(service().getUnitFromSymbol(HbuEUnitClass::AREA, QStringLiteral("m²")).getKey(),
-              QStringLiteral("m2"));
+    EXPECT_EQ(service().getUnitFromSymbol(HbuEUnitClass::AREA, "m²").getKey(), "m2");
     EXPECT_EQ(service().getUnitFromFactor(HbuEUnitClass::LENGTH, 0.304800609601219).getKey(),
-              QStringLiteral("ft-us"));
+              "ft-us");
 }
 
 TEST(HbuUnitService, keepsTheUsersUnitsApart)
 {
-    const QString key = service().getUniqueKey(QStringLiteral("m"));
-    EXPECT_EQ(key, QStringLiteral("m_2"));
+    const QString key = service().getUniqueKey("m");
+    EXPECT_EQ(key, "m_2");
     const auto unit = [&key](const HbuEUnitClass& unitClass, const HbuUnitTransfo& transfo) {
-        return HbuUnit(key, QStringLiteral("Step"), QStringLiteral("st"), unitClass,
-                       HbuEUnitSystem::OTHER, transfo);
+        return HbuUnit(key, "Step", "st", unitClass, HbuEUnitSystem::OTHER, transfo);
     };
     const HbuUnit step = unit(HbuEUnitClass::LENGTH, HbuUnitTransfo::linear(0.75));
     EXPECT_FALSE(service().updateUnit(step));
@@ -195,7 +193,7 @@ TEST(HbuUnitService, keepsTheUsersUnitsApart)
     EXPECT_TRUE(
         service().updateUnit(unit(HbuEUnitClass::TEMPERATURE, HbuUnitTransfo::affine(1., 2.))));
     EXPECT_FALSE(service().getUnit(HbuEUnitClass::LENGTH, key).isValid());
-    EXPECT_FALSE(service().removeUnit(QStringLiteral("m")));
+    EXPECT_FALSE(service().removeUnit("m"));
     EXPECT_TRUE(service().removeUnit(key));
     EXPECT_TRUE(service().getUserUnits().isEmpty());
 }

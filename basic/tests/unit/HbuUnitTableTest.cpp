@@ -16,8 +16,7 @@ using C = HbuEUnitClass;
 QVector<double> askUnits(const QStringList& pairs)
 {
     QProcess process;
-    process.start(QStringLiteral("units"),
-                  {"--terse", "--strict", "--one-line", "--output-format", "%.17g"});
+    process.start("units", {"--terse", "--strict", "--one-line", "--output-format", "%.17g"});
     process.write(pairs.join('\n').toUtf8() + '\n');
     process.closeWriteChannel();
     EXPECT_TRUE(process.waitForFinished());
@@ -115,7 +114,7 @@ class HbuUnitTableTest : public testing::Test
 protected:
     void SetUp() override
     {
-        if (QStandardPaths::findExecutable(QStringLiteral("units")).isEmpty())
+        if (QStandardPaths::findExecutable("units").isEmpty())
             GTEST_SKIP() << "the program 'units' is not installed (package units)";
     }
 };
@@ -152,8 +151,7 @@ TEST_F(HbuUnitTableTest, agreesOnTemperatures)
                 service.getConversion(service.getUnit(C::TEMPERATURE, keys.at(from)),
                                       service.getUnit(C::TEMPERATURE, keys.at(to)));
             for (const double value : {300., 451., 512.25}) {
-                pairs << QStringLiteral("%1(%2)").arg(functions.at(from)).arg(value)
-                      << functions.at(to);
+                pairs << QString("%1(%2)").arg(functions.at(from)).arg(value) << functions.at(to);
                 ours.append(transfo.apply(value));
             }
         }

@@ -8,6 +8,7 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
+#include "ErrorText.h"
 #include "QtPrinters.h"
 
 #include <gtest/gtest.h>
@@ -90,10 +91,6 @@ TEST(KucDataSetsTest, GridsBringTheirGeometry)
               (std::vector<const HbdAVariable*>{dataset.getGridTable()->readValues(zn)}));
 
     dataset.setGeometrySet(KuuGeometrySet(HbgSparseGrid(geometry, Range64(1, 3))));
-    try {
-        Kuc::createGrid(dataset, {});
-        ADD_FAILURE();
-    } catch (const HbeUserError& error) {
-        EXPECT_STREQ(error.what(), "The grid 'grid' is sparse: a full grid is needed.");
-    }
+    EXPECT_EQ(errorOf<HbeUserError>([&] { Kuc::createGrid(dataset, {}); }),
+              "The grid 'grid' is sparse: a full grid is needed.");
 }

@@ -1,3 +1,4 @@
+#include "ErrorText.h"
 #include "ExportFixture.h"
 
 #include <basic/calc/HbcCancelled.h>
@@ -366,13 +367,10 @@ TEST_F(KucExportDataTest, FailuresSpeakInWholeMessages)
 TEST_F(KucExportDataTest, ALineWithoutAnOpenFileIsAProgrammingError)
 {
     KucExportDataEncodingCsv encoding(path(), KueCsvSeparator(), KueDecimalSeparator());
-    try {
-        encoding.writeLine({});
-        FAIL();
-    } catch (const HbeProgrammingError& error) {
-        EXPECT_TRUE(error.getMessage().endsWith(
-            "' in file 'calc\\KucExportDataEncodingCsv' failed:\n\nFile is not open"));
-    }
+    EXPECT_TRUE(
+        errorOf<HbeProgrammingError>([&] {
+            encoding.writeLine({});
+        }).endsWith("' in file 'calc\\KucExportDataEncodingCsv' failed:\n\nFile is not open"));
 }
 
 TEST_F(KucExportDataTest, AFullDiskIsTold)

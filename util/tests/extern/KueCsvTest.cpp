@@ -3,6 +3,7 @@
 
 #include <basic/error/HbeProgrammingError.h>
 
+#include "ErrorText.h"
 #include "QtPrinters.h"
 
 #include <QtCore/QDate>
@@ -21,17 +22,6 @@ const QChar POINT('.');
 QString u(const char* text)
 {
     return QString::fromUtf8(text);
-}
-
-template <class Operation>
-QString messageOf(Operation operation)
-{
-    try {
-        operation();
-    } catch (const HbeProgrammingError& error) {
-        return error.getMessage();
-    }
-    return QStringLiteral("no error");
 }
 
 /// The quoting rule, spelled out with whole byte arrays.
@@ -88,17 +78,17 @@ TEST(KueSeparatorsTest, CharactersFallOnTheSecondItemDeliberately)
 
 TEST(KueSeparatorsTest, FailedLookUpsNameTheirSource)
 {
-    EXPECT_EQ(messageOf([] { KueCsvSeparator::fromKey("TAB"); }),
+    EXPECT_EQ(errorOf<HbeProgrammingError>([] { KueCsvSeparator::fromKey("TAB"); }),
               "'KueCsvSeparator::fromKey(const QString&)' in file 'extern\\KueCsv' failed:\n\n"
               "TAB is not valid");
-    EXPECT_EQ(messageOf([] { KueDecimalSeparator::fromValue(7); }),
+    EXPECT_EQ(errorOf<HbeProgrammingError>([] { KueDecimalSeparator::fromValue(7); }),
               "'KueDecimalSeparator::fromValue(int)' in file 'extern\\KueCsv' failed:\n\n"
               "7 is not valid");
 }
 
 TEST(KueCsvTest, ANullSeparatorIsAProgrammingError)
 {
-    EXPECT_EQ(messageOf([] { KueCsv(QChar(), true, QUOTE, POINT); }),
+    EXPECT_EQ(errorOf<HbeProgrammingError>([] { KueCsv(QChar(), true, QUOTE, POINT); }),
               "'KueCsv::KueCsv(const QChar&, bool, const QChar&, const QChar&)' in file "
               "'extern\\KueCsv' failed:\n\nEmpty separator");
 }
@@ -161,13 +151,13 @@ TEST(KueCsvTest, EncodesByType)
         {1.5, "1,500"},
         {-0.0625f, "-0,062"},
         {-1234567.0, "-1234567,000"},
-        {QStringLiteral("1.5"), "1.5"},
-        {QStringLiteral("a;b"), "\"a;b\""},
-        {QStringLiteral("a,b"), "a,b"},
-        {QStringLiteral("a\"b"), "\"a\"\"b\""},
-        {QStringLiteral("\""), "\"\"\"\""},
-        {QStringLiteral("a\nb"), "\"a\nb\""},
-        {QStringLiteral("a\rb"), "a\rb"},
+        {"1.5", "1.5"},
+        {"a;b", "\"a;b\""},
+        {"a,b", "a,b"},
+        {"a\"b", "\"a\"\"b\""},
+        {"\"", "\"\"\"\""},
+        {"a\nb", "\"a\nb\""},
+        {"a\rb", "a\rb"},
         {u("é€😀"), "é€😀"},
         {QByteArray("x;y"), "\"x;y\""},
         {QDate(2020, 2, 3), "2020-02-03"},
@@ -232,7 +222,7 @@ TEST(KueCsvWriterTest, KeepsItsMemoryBetweenBlocks)
 // Both ways against an independent codec: it reads what we write, and we read what it writes.
 TEST(KueCsvTest, AgreesWithPython)
 {
-    const QString python = QStandardPaths::findExecutable(QStringLiteral("python3"));
+    const QString python = QStandardPaths::findExecutable("python3");
     if (python.isEmpty())
         GTEST_SKIP() << "python3 is not there";
     const char* script = R"(
@@ -261,7 +251,7 @@ sys.stdout.buffer.write(json.dumps(out).encode("ascii"))
     }
 
     QProcess process;
-    process.start(python, {QStringLiteral("-c"), QString::fromUtf8(script)});
+    process.start(python, {"-c", QString::fromUtf8(script)});
     process.write(text);
     process.closeWriteChannel();
     ASSERT_TRUE(process.waitForFinished()) << process.readAllStandardError().constData();

@@ -23,16 +23,16 @@ TEST(KueProj4Definition, normalizesSpellingsThatSayTheSame)
         EXPECT_TRUE(definition.isValid());
         EXPECT_EQ(definition, KueProj4Definition(QString::fromUtf8(row.normalized)));
     }
-    EXPECT_NE(KueProj4Definition(QStringLiteral("+proj=utm +zone=31")),
-              KueProj4Definition(QStringLiteral("+proj=utm +zone=31 +south")));
+    EXPECT_NE(KueProj4Definition("+proj=utm +zone=31"),
+              KueProj4Definition("+proj=utm +zone=31 +south"));
 }
 
 TEST(KueProj4Definition, isValidWhenItNamesAProjection)
 {
     for (const char* text : {"", "   ", "garbage", "+zone=31", "+proj=", "+proj", "+init +x=1"})
         EXPECT_FALSE(KueProj4Definition(QString::fromUtf8(text)).isValid()) << text;
-    const KueProj4Definition utm(QStringLiteral("+proj=utm +zone=31 +south"));
-    EXPECT_EQ(utm.getParameter(QStringLiteral("zone")), QStringLiteral("31"));
-    EXPECT_TRUE(utm.hasParameter(QStringLiteral("south")));
-    EXPECT_EQ(utm.getParameter(QStringLiteral("south")), QString());
+    const KueProj4Definition utm("+proj=utm +zone=31 +south");
+    EXPECT_EQ(utm.getParameter("zone"), "31");
+    EXPECT_TRUE(utm.hasParameter("south"));
+    EXPECT_EQ(utm.getParameter("south"), QString());
 }

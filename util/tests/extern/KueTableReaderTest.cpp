@@ -20,7 +20,7 @@ class KueTableReaderTest : public testing::Test
 protected:
     QString write(const QByteArray& bytes)
     {
-        const QString path = m_directory.filePath(QStringLiteral("table.csv"));
+        const QString path = m_directory.filePath("table.csv");
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(bytes);
@@ -97,7 +97,7 @@ TEST_F(KueTableReaderTest, TypesOfColumnsFollowTheirTexts)
         int precision;
         QStringList written; ///< what leaves again; empty: the cells as they came
     };
-    const QString u = QStringLiteral("NULL");
+    const QString u = "NULL";
     const Case cases[] = {
         {"whole numbers", {"1", "-20", "+5"}, "INTEGER", "INTEGER", 0, {"1", "-20", "5"}},
         {"64 bits", {"9223372036854775807", "-9223372036854775807"}, "INTEGER", "INTEGER", 0, {}},
@@ -256,7 +256,7 @@ TEST_F(KueTableReaderTest, LayoutsAreRecognised)
 
 TEST_F(KueTableReaderTest, BytesAreReadInTheirEncoding)
 {
-    const QString text = QStringLiteral("Grün, Ørsted: ¼");
+    const QString text = "Grün, Ørsted: ¼";
     const QString content = QStringLiteral("näme;v\n") + text + QStringLiteral(";1\n");
     const QByteArray latin = content.toLatin1();
     // The bytes of Latin-1 that are also UTF-8 are read anew when others are not.
@@ -270,7 +270,7 @@ TEST_F(KueTableReaderTest, BytesAreReadInTheirEncoding)
     for (const auto& [bytes, encoding] : cases) {
         const KueTableResult result = read(bytes);
         EXPECT_EQ(result.encoding, encoding);
-        EXPECT_EQ(getNames(result), QStringList({QStringLiteral("näme"), "v"}));
+        EXPECT_EQ(getNames(result), QStringList({"näme", "v"}));
         EXPECT_EQ(getRows(result), QStringList(text + "|1"));
     }
     KueTableOptions options;
@@ -280,8 +280,8 @@ TEST_F(KueTableReaderTest, BytesAreReadInTheirEncoding)
         const KueTableResult result = read(late, options);
         EXPECT_EQ(result.encoding, Encoding::LATIN_1);
         const HbdAVariable& column = *result.table.getVariableAt(0);
-        EXPECT_EQ(column.getVariant(0), QStringLiteral("Ã¼"));
-        EXPECT_EQ(column.getVariant(400001), QStringLiteral("ü"));
+        EXPECT_EQ(column.getVariant(0), "Ã¼");
+        EXPECT_EQ(column.getVariant(400001), "ü");
     }
 }
 
@@ -440,7 +440,7 @@ TEST_F(KueTableReaderTest, ErrorsNameLineColumnAndText)
 
     const KueTableReader reader;
     EXPECT_THROW(reader.read(m_directory.path()), HbeUserError);
-    EXPECT_THROW(reader.read(QStringLiteral("/dev/null")), HbeUserError);
+    EXPECT_THROW(reader.read("/dev/null"), HbeUserError);
     EXPECT_THROW(reader.read(m_directory.filePath("none")), HbeUserError);
     KueTableOptions twice;
     twice.textColumns = twice.categoryColumns = QStringList{"a"};

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QtPrinters.h>
+#include "ErrorText.h"
+#include "QtPrinters.h"
 
 #include <util/dataset/KudMemoryDataTable.h>
 #include <util/dataset/KudMemoryDatasetPoint.h>
@@ -32,17 +33,6 @@ using Selection = KufSampleFilterRuleSelection;
 inline KudDatasetVariable onPoints(const QString& name)
 {
     return KudDatasetVariable::createVariable("Points", name);
-}
-
-template <class Error, class Operation>
-QString errorOf(Operation operation)
-{
-    try {
-        operation();
-    } catch (const Error& error) {
-        return error.getMessage();
-    }
-    return "no error";
 }
 
 struct RandomFilters {

@@ -97,8 +97,6 @@ TEST(KufSampleFilterPythonVisitor, textsThatBreakOutAreNamedAndEscaped)
                            "R2: the text 'a\\' holds the character \\ (U+005C) at 2.",
                            "R2: the text 'x\n' holds the character U+000A at 2.",
                            QString("R3: the text '%1%2' holds the character U+0000 at 1.")
-                               .arg(QChar(0), QChar(0xdd1e)),
-                           QString("R3: the text '%1%2' holds the character U+DD1E at 2.")
                                .arg(QChar(0), QChar(0xdd1e))}));
     EXPECT_EQ(python.visitor.getEscapedPythonString(),
               "((d['v'] == '\\' or exit() #') & ((d['v'] == 'plain é \"𝄞\"') | "

@@ -1,6 +1,10 @@
 #include "KufFilterFixture.h"
 
+#include <util/dataset/KudMemoryDatasetGrid.h>
+#include <util/filter/KufSampleFilterQBitArrayVisitor.h>
 #include <util/filter/KufSampleFilterRuleText.h>
+
+#include <basic/geometry/HbgGeomGrid.h>
 
 #include <cstring>
 
@@ -73,6 +77,40 @@ TEST_F(KufFilterData, aSelectionBesideTheFirstIsNamed)
     EXPECT_EQ(text.print(marked, Selection(true)), "marked not selected");
     EXPECT_EQ(text.parse("marked selected").variable, marked);
     EXPECT_EQ(text.getSelectionVariable(), onPoints("selected"));
+}
+
+TEST(KufSampleFilterRuleText, columnsOfAGridAreNamedInFullAndFiltered)
+{
+    KudMemoryDatasetGrid grid("g");
+    grid.setGeometrySet(KuuGeometrySet(HbgGeomGrid(13, 5, HbgVector2D{0, 0}, 1, 1)));
+    const struct {
+        const char *name, *index, *component;
+    } columns[] = {{"Zn", "1", ""}, {"Zn", "10", ""}, {"Zn x", "3", "é"}, {"not", "", "\u2028"}};
+    for (int shift = 0; shift < 4; ++shift) {
+        auto column = HbdAVariable::create(HbdVariableDetails(columns[shift].name));
+        column->setRealization(columns[shift].index);
+        column->setComponent(columns[shift].component);
+        column->resize(65);
+        for (int i = 0; i < 65; ++i)
+            column->setVariant(i, (i + shift) % 5);
+        ASSERT_TRUE(grid.getGridTable()->addVariable(std::move(column)).isValid());
+    }
+    const KufSampleFilterRuleText text(*grid.getGridTable());
+    KufSampleFilter filter;
+    for (const char* rule :
+         {"\"Zn[1]\" > 1", "\"Zn[10]\" > 1", "\"Zn x[3].é\" > 1", "\"not.\\u2028\" > 1"}) {
+        const auto parsed = text.parse(rule);
+        EXPECT_EQ(text.print(parsed.variable, *parsed.rule), rule);
+        filter.addRule(parsed.variable, *parsed.rule);
+    }
+    filter.setCombination("R1 and not R2 or R3 and R4");
+    const QBitArray bits =
+        KufSampleFilterQBitArrayVisitor(&filter, &grid, filter.getVariables()).getSelection();
+    for (int i = 0; i < 65; ++i)
+        EXPECT_EQ(bits.testBit(i), i % 5 == 4 || i % 5 < 2) << i;
+    EXPECT_TRUE(errorOf<HbeUserError>([&] {
+                    text.parse("Zn > 1");
+                }).endsWith("'Zn' has several columns: name one in full, as in \"Zn[1]\"."));
 }
 
 TEST_F(KufFilterData, errorsOfRuleTextsNameThePlace)

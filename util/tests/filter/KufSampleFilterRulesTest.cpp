@@ -1,8 +1,7 @@
+#include "CapturedLog.h"
 #include "KufFilterFixture.h"
 
 #include <util/filter/Kuf.h>
-
-#include <basic/base/HbbDebug.h>
 
 namespace
 {
@@ -22,13 +21,6 @@ HbdVariableDetails named(const QString& name)
 {
     return HbdVariableDetails(name);
 }
-
-struct Printed {
-    QStringList texts;
-    HbbDebug::Sink before =
-        HbbDebug::setSink([this](HbbDebug::Level, const QString& message) { texts << message; });
-    ~Printed() { HbbDebug::setSink(before); }
-};
 } // namespace
 
 TEST(KufSampleFilterRules, enumerations)
@@ -54,7 +46,7 @@ TEST(KufSampleFilterRules, enumerations)
     EXPECT_TRUE(errorOf<HbeProgrammingError>([] {
                     KufFilterRuleType::fromValue(7);
                 }).contains("' in file 'filter\\Kuf' failed:\n\n7 is not valid"));
-    Printed printed;
+    const CapturedLog printed;
     Operator::registerItem(5, "NOT_EQUAL", "≠");
     EXPECT_TRUE(printed.texts.value(0).startsWith(
         "KufSampleFilterRuleNumeric::CompareOperator: duplicated item "));
@@ -146,7 +138,7 @@ TEST(KufSampleFilterRules, everyFieldIsStored)
 
 TEST(KufSampleFilterRules, whatIsMissingOrUnknownHasItsDefault)
 {
-    Printed printed;
+    const CapturedLog printed;
     Numeric rule(1, Bound::ITV_LESS_OR_EQUAL_TO, 2, Bound::ITV_LESS_OR_EQUAL_TO);
     rule.fromQVariantMap({{"other", 1}}, 2);
     Numeric expected;
@@ -161,12 +153,32 @@ TEST(KufSampleFilterRules, whatIsMissingOrUnknownHasItsDefault)
                                  {"intervalLowerOperator", ""},
                                  {"intervalUpper", QVariantList{1}}};
     expected.setLowerOperator(Bound::ITV_LESS_OR_EQUAL_TO);
-    QStringList invalid = rule.findInvalidFields(damaged, 2);
-    invalid.sort();
-    EXPECT_EQ(invalid, damaged.keys());
+    const QStringList invalid = rule.findInvalidFields(damaged, 2);
+    EXPECT_EQ(invalid.mid(0, 5), QStringList({"mode", "compareOperator", "compareValue",
+                                              "intervalLowerOperator", "intervalUpper"}));
     rule.fromQVariantMap(damaged, 2);
     EXPECT_EQ(rule, expected);
     EXPECT_EQ(printed.texts.size(), damaged.size());
+}
+
+TEST(KufSampleFilterRules, aStoredRuleLacksNoKeyButAnOperatorOfItsInterval)
+{
+    QStringList optional;
+    for (const KufFilterRuleType& type : KufFilterRuleType::createIterator()) {
+        const auto rule = Kuf::createFromType(type);
+        const QVariantMap map = rule->toQVariantMap();
+        for (const QString& key : map.keys()) {
+            QVariantMap damaged = map;
+            damaged.remove(key);
+            const QStringList invalid = rule->findInvalidFields(damaged, 2);
+            if (invalid.isEmpty())
+                optional << key;
+            else
+                EXPECT_EQ(invalid, QStringList{key});
+        }
+        EXPECT_EQ(rule->findInvalidFields({}, 1).size(), 1);
+    }
+    EXPECT_EQ(optional, QStringList({"intervalLowerOperator", "intervalUpperOperator"}));
 }
 
 TEST(KufSampleFilterRules, oldNumericRules)

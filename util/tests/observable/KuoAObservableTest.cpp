@@ -2,7 +2,8 @@
 
 #include <basic/base/HbbDebug.h>
 
-#include <QtPrinters.h>
+#include "CapturedLog.h"
+#include "QtPrinters.h"
 
 #include <functional>
 #include <stdexcept>
@@ -45,7 +46,7 @@ class Source : public KuoAObservable<Notice>
 {
 public:
     Source()
-        : KuoAObservable(QStringLiteral("Source"))
+        : KuoAObservable("Source")
     {
     }
     void send(int number) const { notify(Notice({number})); }
@@ -263,18 +264,15 @@ TEST_F(KuoAObservableTest, LockingDuringADeliveryTakesEffectAtOnce)
 
 TEST_F(KuoAObservableTest, RunawayRecursionWarnsAndDrops)
 {
-    std::vector<QString> warnings;
-    const auto old = HbbDebug::setSink(
-        [&](HbbDebug::Level, const QString& message) { warnings.push_back(message); });
+    const CapturedLog log;
     source->removeObserver(&b);
     source->removeObserver(&c);
     a.onUpdate = [&] { source->send(static_cast<int>(a.heard.size())); };
     source->send(0);
-    HbbDebug::setSink(old);
     EXPECT_EQ(a.heard.size(), 101u);
-    ASSERT_EQ(warnings.size(), 1u);
-    EXPECT_EQ(warnings[0], QStringLiteral("KuoAObservable: suspicious recursion detected.\n"
-                                          "Maybe some KuoLock/KuoLockObserver can help you?!?"));
+    ASSERT_EQ(log.texts.size(), 1);
+    EXPECT_EQ(log.texts[0], QStringLiteral("KuoAObservable: suspicious recursion detected.\n"
+                                           "Maybe some KuoLock/KuoLockObserver can help you?!?"));
     EXPECT_FALSE(source->hasNotifications());
     a.onUpdate = nullptr;
     source->send(1);

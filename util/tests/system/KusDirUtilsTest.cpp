@@ -18,7 +18,7 @@ using Outcome = HbcAProgress::Outcome;
 
 void write(const QString& path, const QByteArray& bytes)
 {
-    ASSERT_TRUE(QFileInfo(path).absoluteDir().mkpath(QStringLiteral(".")));
+    ASSERT_TRUE(QFileInfo(path).absoluteDir().mkpath("."));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(bytes);
@@ -38,7 +38,7 @@ QStringList describe(const QString& directory)
         if (entry.is_symlink()) {
             line += " -> " + QString::fromStdString(fs::read_symlink(entry.path()).string());
         } else {
-            line += QStringLiteral(" %1").arg(QFile::permissions(path), 0, 16);
+            line += QString(" %1").arg(QFile::permissions(path), 0, 16);
             QFile file(path);
             if (entry.is_regular_file() && file.open(QIODevice::ReadOnly)) {
                 line += QFileInfo(path).lastModified().toString(" yyyy-MM-dd hh:mm:ss.zzz ") +
@@ -103,21 +103,19 @@ TEST_F(KusDirUtilsTest, CopiesEverythingAndFollowsNoLink)
 TEST_F(KusDirUtilsTest, RefusesWhatItCannotCopyAndChangesNothing)
 {
     ASSERT_TRUE(QDir(m_dir.path()).mkpath("held/source"));
-    const QString intoItself = QStringLiteral("Cannot copy directory '%1' into '%2'");
+    const QString intoItself = "Cannot copy directory '%1' into '%2'";
     ASSERT_TRUE(QFile::link(at("source/sub"), at("link")));
     const struct {
         QString source, target, message;
     } rows[] = {
-        {at("missing"), at("target"),
-         QStringLiteral("Directory '%1' does not exist.").arg(at("missing"))},
+        {at("missing"), at("target"), QString("Directory '%1' does not exist.").arg(at("missing"))},
         {at("source/a.bin"), at("target"),
-         QStringLiteral("Directory '%1' does not exist.").arg(at("source/a.bin"))},
-        {at("source"), at("missing"),
-         QStringLiteral("'%1' is not a valid directory").arg(at("missing"))},
+         QString("Directory '%1' does not exist.").arg(at("source/a.bin"))},
+        {at("source"), at("missing"), QString("'%1' is not a valid directory").arg(at("missing"))},
         {at("source"), at("source/sub"), intoItself.arg(at("source"), at("source/sub"))},
         {at("source"), at("link"), intoItself.arg(at("source"), at("link"))},
         {at("source"), at("source"), intoItself.arg(at("source"), at("source"))},
-        {at("source"), at("held"), QStringLiteral("Cannot create '%1'").arg(at("held/source"))},
+        {at("source"), at("held"), QString("Cannot create '%1'").arg(at("held/source"))},
     };
     const QStringList before = describe(m_dir.path());
     for (const auto& row : rows) {
@@ -162,7 +160,7 @@ TEST_F(KusDirUtilsTest, AnEntryThatCannotBeCopiedFailsTheWhole)
     EXPECT_FALSE(task.runInCurrentThread());
     EXPECT_EQ(task.getOutcome(), Outcome::FAILED);
     EXPECT_TRUE(task.getErrorText().startsWith(
-        QStringLiteral("Cannot copy file '%1' into '").arg(at("source/sub/pipe"))));
+        QString("Cannot copy file '%1' into '").arg(at("source/sub/pipe"))));
     EXPECT_TRUE(task.getErrorText().endsWith("': it is not a regular file"));
     EXPECT_TRUE(KusFileUtils::dirIsEmpty(QDir(at("target"))));
 }

@@ -2,10 +2,10 @@
 
 #include <basic/base/HbbDebug.h>
 
+#include "CapturedLog.h"
 #include "QtPrinters.h"
 
 #include <chrono>
-#include <mutex>
 #include <thread>
 
 #ifdef Q_OS_UNIX
@@ -14,26 +14,6 @@
 
 namespace
 {
-/// Collects the warnings while it lives.
-class Warnings
-{
-public:
-    Warnings()
-        : m_previous(HbbDebug::setSink([this](HbbDebug::Level, const QString& text) {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            m_texts.append(text);
-        }))
-    {
-    }
-    ~Warnings() { HbbDebug::setSink(m_previous); }
-    QStringList texts() const { return m_texts; }
-
-private:
-    std::mutex m_mutex;
-    QStringList m_texts;
-    HbbDebug::Sink m_previous;
-};
-
 /// Does the work after so many milliseconds, in a thread of its own that the destructor waits for.
 class Later
 {
@@ -69,19 +49,19 @@ TEST(KusFileUtilsRetrySlowTest, RemovesWhatIsLockedForAMoment)
     } rows[] = {{500, true, 1}, {1500, true, 2}, {3000, false, 3}};
     for (const auto& row : rows) {
         const QTemporaryDir parent;
-        const QString dir = parent.filePath(QStringLiteral("locked"));
+        const QString dir = parent.filePath("locked");
         const QString lock = dir + "/lock";
         ASSERT_TRUE(QDir().mkdir(dir));
         touch(lock);
-        Warnings warnings;
+        CapturedLog warnings;
         const Later unlock(row.lockedFor, [lock] { QFile::remove(lock); });
         EXPECT_EQ(KusFileUtils::removePath(dir), row.removed) << row.lockedFor;
         EXPECT_EQ(QFile::exists(dir), !row.removed) << row.lockedFor;
-        const QStringList texts = warnings.texts();
+        const QStringList texts = warnings.texts;
         ASSERT_EQ(texts.size(), row.failures) << row.lockedFor;
         for (int i = 0; i < texts.size(); ++i) {
             const QString start =
-                QStringLiteral("Failed to remove '%1' (try %2). Error was ").arg(dir).arg(i + 1);
+                QString("Failed to remove '%1' (try %2). Error was ").arg(dir).arg(i + 1);
             EXPECT_TRUE(texts[i].startsWith(start) && texts[i].endsWith('.') &&
                         texts[i].size() > start.size() + 1)
                 << texts[i].toStdString();
@@ -92,30 +72,30 @@ TEST(KusFileUtilsRetrySlowTest, RemovesWhatIsLockedForAMoment)
 TEST(KusFileUtilsRetrySlowTest, RenamesWhenTheTargetIsFreed)
 {
     const QTemporaryDir dir;
-    const QString from = dir.filePath(QStringLiteral("from"));
-    const QString to = dir.filePath(QStringLiteral("to"));
+    const QString from = dir.filePath("from");
+    const QString to = dir.filePath("to");
     touch(from);
     touch(to);
-    Warnings warnings;
+    CapturedLog warnings;
     {
         const Later free(500, [to] { QFile::remove(to); });
         EXPECT_TRUE(KusFileUtils::renamePath(from, to));
     }
     EXPECT_FALSE(QFile::exists(from));
-    ASSERT_EQ(warnings.texts().size(), 1);
-    EXPECT_TRUE(warnings.texts().first().startsWith(
-        QStringLiteral("Failed to rename '%1' to '%2' (try 1). Error was ").arg(from, to)));
+    ASSERT_EQ(warnings.texts.size(), 1);
+    EXPECT_TRUE(warnings.texts.first().startsWith(
+        QString("Failed to rename '%1' to '%2' (try 1). Error was ").arg(from, to)));
 }
 
 TEST(KusFileUtilsRetrySlowTest, NeverReplacesTheTargetOfARename)
 {
     const QTemporaryDir dir;
-    const QString from = dir.filePath(QStringLiteral("from"));
-    const QString to = dir.filePath(QStringLiteral("to"));
+    const QString from = dir.filePath("from");
+    const QString to = dir.filePath("to");
     ASSERT_TRUE(QDir().mkdir(from) && QDir().mkdir(to));
-    Warnings warnings;
+    CapturedLog warnings;
     EXPECT_FALSE(KusFileUtils::renamePath(from, to));
-    EXPECT_EQ(warnings.texts().size(), 3);
+    EXPECT_EQ(warnings.texts.size(), 3);
     EXPECT_TRUE(QFile::exists(from) && QFile::exists(to));
 }
 
@@ -128,14 +108,14 @@ TEST(KusFileUtilsRetrySlowTest, AnInterruptedRemovalGivesTheRestItsNameBack)
         GTEST_SKIP() << "cannot run as an ordinary user";
     {
         const QTemporaryDir dir;
-        const QString tree = dir.filePath(QStringLiteral("tree"));
+        const QString tree = dir.filePath("tree");
         const QString closed = tree + "/closed";
         ASSERT_TRUE(QDir().mkpath(closed));
         touch(closed + "/file");
         QFile::setPermissions(closed, QFile::ReadOwner | QFile::ExeOwner);
-        Warnings warnings;
+        CapturedLog warnings;
         EXPECT_FALSE(KusFileUtils::removePath(tree, true));
-        EXPECT_EQ(warnings.texts().size(), 3);
+        EXPECT_EQ(warnings.texts.size(), 3);
         EXPECT_TRUE(QFile::exists(closed + "/file"));
         EXPECT_EQ(QDir(dir.path()).entryList(QDir::NoDotAndDotDot | QDir::Dirs),
                   QStringList{"tree"});

@@ -2,6 +2,7 @@
 
 #include <basic/error/HbeProgrammingError.h>
 
+#include "ErrorText.h"
 #include "QtPrinters.h"
 
 #include <QtCore/QRegularExpression>
@@ -10,7 +11,7 @@ namespace
 {
 void write(const QString& path, const QByteArray& bytes)
 {
-    ASSERT_TRUE(QFileInfo(path).absoluteDir().mkpath(QStringLiteral(".")));
+    ASSERT_TRUE(QFileInfo(path).absoluteDir().mkpath("."));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(bytes);
@@ -28,7 +29,7 @@ protected:
         write(at("root/sub/b.xml"), "12345");
         write(at("root/sub/deep/c.txt"), "123456");
         write(at("out/kept.txt"), "1234567");
-        ASSERT_TRUE(QDir(m_dir.path()).mkdir(QStringLiteral("root/empty")));
+        ASSERT_TRUE(QDir(m_dir.path()).mkdir("root/empty"));
         ASSERT_TRUE(QFile::link(at("out"), at("root/sub/link")));
     }
 
@@ -65,23 +66,18 @@ TEST_F(KusFileUtilsTest, WhatIsMissingCountsAsRemoved)
 
 TEST_F(KusFileUtilsTest, AnEmptyPathToRemoveIsAProgrammingError)
 {
-    try {
-        KusFileUtils::removePath(QString());
-        FAIL();
-    } catch (const HbeProgrammingError& error) {
-        EXPECT_EQ(error.getMessage(),
-                  "'static bool KusFileUtils::removePath(const QString&, bool)' in file "
-                  "'system/KusFileUtils' failed:\n\nPath to remove is empty.");
-    }
+    EXPECT_EQ(errorOf<HbeProgrammingError>([] { KusFileUtils::removePath(QString()); }),
+              "'static bool KusFileUtils::removePath(const QString&, bool)' in file "
+              "'system/KusFileUtils' failed:\n\nPath to remove is empty.");
 }
 
 TEST_F(KusFileUtilsTest, MovesADirectoryAsideUnderADatedNameThatIsFree)
 {
     const QRegularExpression dated(
-        QStringLiteral("^.*/root_remove_\\(\\d\\d-\\d\\d-\\d\\d__\\d\\d-\\d\\d\\)(_\\d)?$"));
+        "^.*/root_remove_\\(\\d\\d-\\d\\d-\\d\\d__\\d\\d-\\d\\d\\)(_\\d)?$");
     const QString first = KusFileUtils::aboutToRemoveDir(at("root"));
     EXPECT_TRUE(dated.match(first).hasMatch()) << first.toStdString();
-    ASSERT_TRUE(QDir(m_dir.path()).mkdir(QStringLiteral("root")));
+    ASSERT_TRUE(QDir(m_dir.path()).mkdir("root"));
     const QString second = KusFileUtils::aboutToRemoveDir(at("root"));
     EXPECT_TRUE(dated.match(second).hasMatch()) << second.toStdString();
     EXPECT_NE(first, second);
@@ -94,7 +90,7 @@ TEST_F(KusFileUtilsTest, TheTestOfRemovalChangesNothing)
     const QStringList before = KusFileUtils::getPaths(QDir(m_dir.path()), true);
     EXPECT_TRUE(KusFileUtils::canBeRemoved(at("root")));
     EXPECT_TRUE(KusFileUtils::canBeRemoved(at("root/a.txt")));
-    EXPECT_FALSE(KusFileUtils::canBeRemoved(QStringLiteral("/")));
+    EXPECT_FALSE(KusFileUtils::canBeRemoved("/"));
     EXPECT_EQ(KusFileUtils::getPaths(QDir(m_dir.path()), true), before);
 }
 
@@ -156,14 +152,14 @@ TEST_F(KusFileUtilsTest, FreeSpaceIsThatOfTheNearestDirectory)
 TEST(KusFileUtilsNamesTest, RefusesTheCharactersThatSomePlatformRefuses)
 {
     for (const char character : {':', '*', '?', '"', '<', '>', '|'}) {
-        const QString name = QStringLiteral("a%1b").arg(QLatin1Char(character));
+        const QString name = QString("a%1b").arg(QLatin1Char(character));
         EXPECT_FALSE(KusFileUtils::isValidNativePathElementName(name)) << character;
         EXPECT_TRUE(KusFileUtils::pathContainsInvalidCharacters("/x/" + name + "/y")) << character;
     }
-    EXPECT_TRUE(KusFileUtils::isValidNativePathElementName(QStringLiteral("a b'é%.txt")));
-    EXPECT_FALSE(KusFileUtils::pathContainsInvalidCharacters(QStringLiteral("C:/x/y.txt")));
-    EXPECT_TRUE(KusFileUtils::pathContainsInvalidCharacters(QStringLiteral("/C:/x")));
-    EXPECT_TRUE(KusFileUtils::pathContainsInvalidCharacters(QStringLiteral("C:x")));
+    EXPECT_TRUE(KusFileUtils::isValidNativePathElementName("a b'é%.txt"));
+    EXPECT_FALSE(KusFileUtils::pathContainsInvalidCharacters("C:/x/y.txt"));
+    EXPECT_TRUE(KusFileUtils::pathContainsInvalidCharacters("/C:/x"));
+    EXPECT_TRUE(KusFileUtils::pathContainsInvalidCharacters("C:x"));
 }
 
 TEST(KusFileUtilsNamesTest, AddsTheFirstExtensionOfTheFilterWhereThereIsNone)

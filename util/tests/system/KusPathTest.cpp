@@ -3,6 +3,7 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
+#include "ErrorText.h"
 #include "QtPrinters.h"
 
 namespace
@@ -25,16 +26,6 @@ protected:
     KusPath::ProjectResolver m_previous;
 };
 
-template <class Error, class Operation>
-QString messageOf(Operation operation)
-{
-    try {
-        operation();
-    } catch (const Error& error) {
-        return error.getMessage();
-    }
-    return QStringLiteral("no error");
-}
 } // namespace
 
 TEST_F(KusPathTest, ResolvesShortcutsInTheProject)
@@ -86,24 +77,24 @@ TEST_F(KusPathTest, RefusesToResolveWithoutAProject)
 {
     const QString pattern = QStringLiteral(
         "'QString KusPath::absoluteDirPath() const' in file 'system/KusPath' failed:\n\n%1");
-    KusPath path(QStringLiteral("%BATCH%/run.xml"));
+    KusPath path("%BATCH%/run.xml");
     EXPECT_TRUE(path.dirIsShortcut());
     EXPECT_FALSE(path.isValid());
     EXPECT_FALSE(path.exists());
-    EXPECT_EQ(messageOf<HbeProgrammingError>([&] { path.absoluteDirPath(); }),
+    EXPECT_EQ(errorOf<HbeProgrammingError>([&] { path.absoluteDirPath(); }),
               pattern.arg("Cannot use shortcut while no project is provided"));
-    path.setProjectId(QStringLiteral("lost"));
+    path.setProjectId("lost");
     EXPECT_FALSE(path.isValid());
-    EXPECT_EQ(messageOf<HbeProgrammingError>([&] { path.absolutePath(); }),
+    EXPECT_EQ(errorOf<HbeProgrammingError>([&] { path.absolutePath(); }),
               pattern.arg("Project path is empty"));
-    path.setProjectId(QStringLiteral("p"));
+    path.setProjectId("p");
     EXPECT_EQ(path.absolutePath(), at("batch/run.xml"));
 }
 
 TEST_F(KusPathTest, RefusesRelativePathsAndKeepsWhatItHeld)
 {
-    KusPath path(QStringLiteral("/a/b.txt"));
-    EXPECT_EQ(messageOf<HbeProgrammingError>([&] { path.setFullPath("x/y"); }),
+    KusPath path("/a/b.txt");
+    EXPECT_EQ(errorOf<HbeProgrammingError>([&] { path.setFullPath("x/y"); }),
               "'void KusPath::setFullPath(const QString&)' in file 'system/KusPath' failed:\n\n"
               "Relative paths are not authorized in KusPath! Provided path was x/y");
     EXPECT_EQ(path.absolutePath(), "/a/b.txt");
@@ -160,7 +151,7 @@ TEST_F(KusPathTest, FindsTheInstallDirectoryOrSaysThatItIsMissing)
     qputenv("KELVANE_HOME", QFile::encodeName(m_dir.path()));
     EXPECT_EQ(KusPath::getInstallDirectory(), m_dir.path());
     qputenv("KELVANE_HOME", "/no/such");
-    EXPECT_EQ(messageOf<HbeUserError>([] { KusPath::getInstallDirectory(); }),
+    EXPECT_EQ(errorOf<HbeUserError>([] { KusPath::getInstallDirectory(); }),
               "Install directory (found in KELVANE_HOME environment variable) '/no/such' does not "
               "exist.");
     qunsetenv("KELVANE_HOME");

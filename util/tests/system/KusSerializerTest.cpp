@@ -85,7 +85,7 @@ TEST(KusSerializerTest, DamagedTextsAndUnstreamableValuesAreRefused)
     for (const char* text : {"@uint:-1", "@int64:x", "@variant:", "@variant:AAAA", "@float:"}) {
         EXPECT_FALSE(KusSerializer::unserialize(QString::fromUtf8(text)).isValid()) << text;
     }
-    EXPECT_EQ(KusSerializer::unserialize(QStringLiteral("@home")), QStringLiteral("@home"));
+    EXPECT_EQ(KusSerializer::unserialize("@home"), "@home");
     const QVariant unstreamable = QVariant::fromValue(KusUnstreamable());
     EXPECT_THROW(KusSerializer::serialize(unstreamable), HbeProgrammingError);
     EXPECT_THROW(KusSerializer::serialize(QVariantList{unstreamable}), HbeProgrammingError);

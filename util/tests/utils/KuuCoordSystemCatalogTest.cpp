@@ -7,7 +7,8 @@
 #include <basic/error/HbeUserError.h>
 #include <util/system/KusFileUser.h>
 
-#include <QtPrinters.h>
+#include "CapturedLog.h"
+#include "QtPrinters.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QSet>
@@ -35,9 +36,7 @@ class KuuCoordSystemCatalogTest : public testing::Test
 {
 protected:
     KuuCoordSystemCatalogTest()
-        : m_formerSink(HbbDebug::setSink(
-              [this](HbbDebug::Level, const QString& message) { m_log.append(message); }))
-        , m_formerDirectory(KusFileUser::setDirectory(m_folder.filePath("user")))
+        : m_formerDirectory(KusFileUser::setDirectory(m_folder.filePath("user")))
         , m_connection(QObject::connect(&catalog(), &KuuCoordSystemCatalog::favoritesChanged,
                                         [this] { ++m_signals; }))
     {
@@ -48,7 +47,6 @@ protected:
     {
         QObject::disconnect(m_connection);
         KusFileUser::setDirectory(m_formerDirectory);
-        HbbDebug::setSink(m_formerSink);
     }
 
     static KuuCoordSystemCatalog& catalog() { return KuuCoordSystemCatalog::getInstance(); }
@@ -91,9 +89,9 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    QStringList m_log;
+    CapturedLog m_captured;
+    QStringList& m_log = m_captured.texts;
     int m_signals = 0;
-    HbbDebug::Sink m_formerSink;
     QString m_formerDirectory;
     QMetaObject::Connection m_connection;
 };

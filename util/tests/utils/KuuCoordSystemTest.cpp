@@ -4,7 +4,8 @@
 #include <basic/error/HbeUserError.h>
 #include <basic/unit/HbuUnitService.h>
 
-#include <QtPrinters.h>
+#include "ErrorText.h"
+#include "QtPrinters.h"
 
 #include <thread>
 
@@ -71,9 +72,9 @@ TEST(KuuCoordSystem, readsAndWritesItsTextForm)
         EXPECT_EQ(system.getUnit().isValid(), row.isValid);
         EXPECT_EQ(*row.back == '\0', system == KuuCoordSystem());
     }
-    const KuuCoordSystem both = KuuCoordSystem::createFromFields(
-        QString(), QStringLiteral("2154"), QStringLiteral("LAMB93"), KueProj4Definition());
-    EXPECT_EQ(both.serialize(), QStringLiteral("IGNF:LAMB93"));
+    const KuuCoordSystem both =
+        KuuCoordSystem::createFromFields(QString(), "2154", "LAMB93", KueProj4Definition());
+    EXPECT_EQ(both.serialize(), "IGNF:LAMB93");
     EXPECT_TRUE(KuuCoordSystem::createLocal().serialize().isEmpty());
 }
 
@@ -112,38 +113,33 @@ TEST(KuuCoordSystem, knowsTheFactsOfPublishedSystems)
         EXPECT_EQ(system.getProj4().getParameter(QString::fromUtf8(row.parameter)),
                   QString::fromUtf8(row.value));
     }
-    const KueProj4Definition feet(QStringLiteral("+proj=utm +zone=15 +datum=NAD83 +units=us-ft"));
+    const KueProj4Definition feet("+proj=utm +zone=15 +datum=NAD83 +units=us-ft");
     EXPECT_EQ(service().extractUnit(feet), length("ft-us"));
     EXPECT_EQ(service().getCoordSystemMode(feet), Mode::PROJECTED);
     EXPECT_EQ(service().expandDefinition(feet), feet);
-    const KueProj4Definition byCode(QStringLiteral("+init=epsg:32631"));
+    const KueProj4Definition byCode("+init=epsg:32631");
     EXPECT_EQ(service().expandDefinition(byCode), KueProj4Definition(QString::fromUtf8(UTM31)));
     EXPECT_TRUE(service().expandDefinition(KueProj4Definition("+init=epsg:99999")).isEmpty());
     // A unit that our table does not have is made: the Gold Coast foot.
-    const HbuUnit foot = KuuCoordSystem::createFromEpsg(QStringLiteral("2136")).getUnit();
+    const HbuUnit foot = KuuCoordSystem::createFromEpsg("2136").getUnit();
     EXPECT_NEAR(foot.getTransfo().getFactor(), 0.304799710181509, 1e-15);
     const HbuUnit half = fromProj4("+proj=utm +zone=31 +datum=WGS84 +to_meter=0.5").getUnit();
-    EXPECT_EQ(half.getSymbol(), QStringLiteral("0.5 m"));
+    EXPECT_EQ(half.getSymbol(), "0.5 m");
     EXPECT_EQ(half.getTransfo(), HbuUnitTransfo::linear(0.5));
 }
 
 TEST(KuuCoordSystem, refusesAnUnknownSystemOfTheUser)
 {
-    EXPECT_TRUE(KuuCoordSystem::fromUserText(QStringLiteral("EPSG:2154")).isProjected());
-    try {
-        KuuCoordSystem::fromUserText(QStringLiteral("EPSG:99999"));
-        FAIL();
-    } catch (const HbeUserError& error) {
-        EXPECT_STREQ(error.what(), "Unknown coordinate system: \"EPSG:99999\".");
-    }
+    EXPECT_TRUE(KuuCoordSystem::fromUserText("EPSG:2154").isProjected());
+    EXPECT_EQ(errorOf<HbeUserError>([] { KuuCoordSystem::fromUserText("EPSG:99999"); }),
+              "Unknown coordinate system: \"EPSG:99999\".");
 }
 
 TEST(KuuCoordSystem, tellsEntitiesFromTransformations)
 {
-    const KuuCoordSystem lambert = KuuCoordSystem::createFromEpsg(QStringLiteral("2154"));
+    const KuuCoordSystem lambert = KuuCoordSystem::createFromEpsg("2154");
     const KuuCoordSystem lambertOfBoth =
-        KuuCoordSystem::createFromFields(QStringLiteral("both"), QStringLiteral("2154"),
-                                         QStringLiteral("LAMB93"), KueProj4Definition());
+        KuuCoordSystem::createFromFields("both", "2154", "LAMB93", KueProj4Definition());
     const KuuCoordSystem utm = fromProj4(UTM31);
     const struct {
         KuuCoordSystem a;
@@ -152,20 +148,19 @@ TEST(KuuCoordSystem, tellsEntitiesFromTransformations)
         bool isSameTransfo;
     } rows[] = {
         {lambert, lambert, true, true},
-        {lambert, KuuCoordSystem::createFromEpsg(QStringLiteral("2154"), QStringLiteral("mine")),
-         true, true},
+        {lambert, KuuCoordSystem::createFromEpsg("2154", "mine"), true, true},
         {lambert, lambertOfBoth, false, true},
-        {lambert, KuuCoordSystem::createFromEpsg(QStringLiteral("27572")), false, false},
+        {lambert, KuuCoordSystem::createFromEpsg("27572"), false, false},
         {utm, fromProj4("proj=utm zone=31 units=m datum=WGS84"), true, true},
         {utm, fromProj4("+proj=utm +zone=32 +datum=WGS84 +units=m"), false, false},
         {utm, fromProj4("+proj=utm +zone=31 +datum=WGS84 +units=us-ft"), false, false},
-        {utm, KuuCoordSystem::createFromEpsg(QStringLiteral("32631")), false, true},
+        {utm, KuuCoordSystem::createFromEpsg("32631"), false, true},
         // The axis order of an authority is not ours.
-        {KuuCoordSystem::createFromEpsg(QStringLiteral("4326")),
-         fromProj4("+proj=longlat +datum=WGS84"), false, true},
+        {KuuCoordSystem::createFromEpsg("4326"), fromProj4("+proj=longlat +datum=WGS84"), false,
+         true},
         // The same ellipsoid is not the same datum.
-        {KuuCoordSystem::createFromEpsg(QStringLiteral("4289")),
-         fromProj4("+proj=longlat +ellps=bessel"), false, false},
+        {KuuCoordSystem::createFromEpsg("4289"), fromProj4("+proj=longlat +ellps=bessel"), false,
+         false},
         {KuuCoordSystem::createLocal(), KuuCoordSystem(), false, true},
         {KuuCoordSystem::createLocal(), KuuCoordSystem::createLocal(length("ft")), true, true},
         {KuuCoordSystem(), KuuCoordSystem(), true, true},
@@ -185,10 +180,10 @@ TEST(KuuCoordSystem, tellsEntitiesFromTransformations)
 
 TEST(KuuCoordSystem, convertsItsUnit)
 {
-    const KuuCoordSystem newYork = KuuCoordSystem::createFromEpsg(QStringLiteral("2263"));
+    const KuuCoordSystem newYork = KuuCoordSystem::createFromEpsg("2263");
     EXPECT_EQ(newYork.getConvertToTransfo(length("m")).apply(3937.), 1200.);
     EXPECT_EQ(newYork.getConvertFromTransfo(length("m")).apply(1200.), 3937.);
-    const KuuCoordSystem wgs84 = KuuCoordSystem::createFromEpsg(QStringLiteral("4326"));
+    const KuuCoordSystem wgs84 = KuuCoordSystem::createFromEpsg("4326");
     EXPECT_FALSE(wgs84.getConvertToTransfo(length("m")).isValid());
     EXPECT_FALSE(KuuCoordSystem().getConvertToTransfo(length("m")).isValid());
 

@@ -62,24 +62,24 @@ QVector<Row> rows()
 
 const KuuCoordSystem& lonLat()
 {
-    static const KuuCoordSystem system = KuuCoordSystem::createFromEpsg(QStringLiteral("4326"));
+    static const KuuCoordSystem system = KuuCoordSystem::createFromEpsg("4326");
     return system;
 }
 
 const KuuCoordSystem& lambert()
 {
-    static const KuuCoordSystem system = KuuCoordSystem::createFromEpsg(QStringLiteral("2154"));
+    static const KuuCoordSystem system = KuuCoordSystem::createFromEpsg("2154");
     return system;
 }
 
 HbuUnit metre()
 {
-    return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, QStringLiteral("m"));
+    return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, "m");
 }
 
 HbuUnit kilometre()
 {
-    return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, QStringLiteral("km"));
+    return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, "km");
 }
 } // namespace
 
@@ -193,7 +193,7 @@ TEST(KuuGeometrySample, StaysAsItIsWhereCoordinatesCannotBeConverted)
         {"an unknown code", lambert(), KuuCoordSystem::createFromEpsg("999999"), metre()},
         {"no way to a local system", lambert(), local, metre()},
         {"degrees in a projected system", lambert(), lambert(),
-         HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, QStringLiteral("deg"))},
+         HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, "deg")},
     };
     for (const auto& c : cases) {
         for (const Row& row : rows()) {

@@ -1,6 +1,7 @@
 #include <util/utils/KuuAMementoOriginator.h>
 #include <util/utils/KuuMementoFields.h>
 
+#include "CapturedLog.h"
 #include "QtPrinters.h"
 
 #include <basic/base/HbbDebug.h>
@@ -22,13 +23,13 @@ HBB_ENUM_DEFINE(KuuTestShape, KUU_TEST_SHAPE, ROUND, "utils/KuuMementoTest")
 
 namespace
 {
-const QString UUID = QStringLiteral("6f0f9b52-9a5b-4a1e-9c3f-0a4f6b1c2d3e");
+const QString UUID = "6f0f9b52-9a5b-4a1e-9c3f-0a4f6b1c2d3e";
 
 class Marker : public KuuAMementoOriginator
 {
 public:
     Marker()
-        : KuuAMementoOriginator(QStringLiteral("Marker"))
+        : KuuAMementoOriginator("Marker")
     {
     }
 
@@ -73,17 +74,8 @@ const KuuMementoFields<Marker>& Marker::fields()
 class KuuMementoTest : public testing::Test
 {
 protected:
-    KuuMementoTest()
-    {
-        m_former = HbbDebug::setSink(
-            [this](HbbDebug::Level, const QString& message) { m_warnings.append(message); });
-    }
-    ~KuuMementoTest() override { HbbDebug::setSink(m_former); }
-
-    QStringList m_warnings;
-
-private:
-    HbbDebug::Sink m_former;
+    CapturedLog m_log;
+    QStringList& m_warnings = m_log.texts;
 };
 
 KuuMemento mementoOf(const QString& relation, int version = 100)
@@ -95,54 +87,54 @@ KuuMemento mementoOf(const QString& relation, int version = 100)
 
 TEST_F(KuuMementoTest, IdsCompareByBothPartsAndSortByUuidAlone)
 {
-    const KuuId a(QStringLiteral("A"), UUID);
-    const KuuId b(QStringLiteral("B"), QLatin1Char('{') + UUID.toUpper() + QLatin1Char('}'));
+    const KuuId a("A", UUID);
+    const KuuId b("B", QLatin1Char('{') + UUID.toUpper() + QLatin1Char('}'));
     EXPECT_EQ(b.getUuid(), UUID);
     EXPECT_NE(a, b);
     EXPECT_FALSE(a < b);
     EXPECT_FALSE(a > b);
 
     EXPECT_FALSE(KuuId().isValid());
-    EXPECT_FALSE(KuuId(QStringLiteral("A")).isValid());
-    EXPECT_FALSE(KuuId(QStringLiteral("A"), QStringLiteral("1234")).isValid());
+    EXPECT_FALSE(KuuId("A").isValid());
+    EXPECT_FALSE(KuuId("A", "1234").isValid());
     EXPECT_FALSE(KuuId(QString(), UUID).isValid());
-    EXPECT_TRUE(KuuId::generate(QStringLiteral("A")).isValid());
-    EXPECT_NE(KuuId::generate(QStringLiteral("A")), KuuId::generate(QStringLiteral("A")));
+    EXPECT_TRUE(KuuId::generate("A").isValid());
+    EXPECT_NE(KuuId::generate("A"), KuuId::generate("A"));
 }
 
 TEST_F(KuuMementoTest, AnAssociationSetAgainKeepsItsPlace)
 {
-    KuuMemento owner = mementoOf(QStringLiteral("Scene"));
-    KuuMemento first = mementoOf(QStringLiteral("Item"));
-    const KuuMemento second = mementoOf(QStringLiteral("Item"));
+    KuuMemento owner = mementoOf("Scene");
+    KuuMemento first = mementoOf("Item");
+    const KuuMemento second = mementoOf("Item");
     owner.setAssociation(first, false);
     owner.setAssociation(second, true);
-    first.setField(QStringLiteral("name"), 3);
+    first.setField("name", 3);
     owner.setAssociation(first, true);
     owner.setAssociation(first, true);
     owner.setAssociation(second, false);
 
-    const QList<KuuMemento> items = owner.getAssociations(QStringLiteral("Item"));
+    const QList<KuuMemento> items = owner.getAssociations("Item");
     ASSERT_EQ(items.size(), 2);
     EXPECT_EQ(items.at(0), first);
-    EXPECT_EQ(owner.getAssociation(QStringLiteral("Item")), first);
+    EXPECT_EQ(owner.getAssociation("Item"), first);
     EXPECT_EQ(owner.getSharedIds(), (QList<KuuId>{second.getId(), first.getId()}));
     EXPECT_TRUE(owner.isShared(second.getId()));
-    EXPECT_EQ(owner.getRelations(), QStringList{QStringLiteral("Item")});
-    owner.removeAssociations(QStringLiteral("Item"));
-    EXPECT_FALSE(owner.hasRelation(QStringLiteral("Item")));
+    EXPECT_EQ(owner.getRelations(), QStringList{"Item"});
+    owner.removeAssociations("Item");
+    EXPECT_FALSE(owner.hasRelation("Item"));
 }
 
 TEST_F(KuuMementoTest, CopiesAreIndependentAndAMementoMayHoldItself)
 {
-    KuuMemento memento = mementoOf(QStringLiteral("Item"), 7);
+    KuuMemento memento = mementoOf("Item", 7);
     const KuuMemento copy = memento;
-    memento.setField(QStringLiteral("a"), 1);
+    memento.setField("a", 1);
     memento.setAssociation(memento, true);
     EXPECT_TRUE(copy.getFields().isEmpty());
-    EXPECT_EQ(memento.getAssociation(QStringLiteral("Item")).getField(QStringLiteral("a")), 1);
+    EXPECT_EQ(memento.getAssociation("Item").getField("a"), 1);
 
-    const KuuMemento renamed(KuuId::generate(QStringLiteral("Other")), memento);
+    const KuuMemento renamed(KuuId::generate("Other"), memento);
     EXPECT_EQ(renamed.getFields(), memento.getFields());
     EXPECT_EQ(renamed.getVersion(), 7);
     EXPECT_TRUE(renamed.isShared(memento.getId()));
@@ -161,7 +153,7 @@ TEST_F(KuuMementoTest, AnOriginatorTakesStateAndOnRequestTheIdentity)
 
     Marker target;
     const KuuId own = target.getId();
-    target.setMemento(KuuMemento(KuuId(QStringLiteral("Other"), UUID), memento), true);
+    target.setMemento(KuuMemento(KuuId("Other", UUID), memento), true);
     EXPECT_EQ(target.getId(), own);
     EXPECT_EQ(target.size, 5);
 
@@ -179,12 +171,12 @@ TEST_F(KuuMementoTest, ANewerMementoIsReadWithAWarning)
 {
     KuuMemento memento = Marker().getMemento();
     memento.setVersion(103);
-    memento.setField(QStringLiteral("size"), 8);
+    memento.setField("size", 8);
     Marker marker;
     marker.setMemento(memento, false);
     EXPECT_EQ(marker.size, 8);
     ASSERT_EQ(m_warnings.size(), 1);
-    EXPECT_TRUE(m_warnings.at(0).contains(QStringLiteral("version 103")));
+    EXPECT_TRUE(m_warnings.at(0).contains("version 103"));
 }
 
 TEST_F(KuuMementoTest, EveryFieldRestoresFromItsTextAsFromItsValue)
@@ -195,7 +187,7 @@ TEST_F(KuuMementoTest, EveryFieldRestoresFromItsTextAsFromItsValue)
     source.count = std::numeric_limits<qint64>::max();
     source.ratio = 0.1 + 0.2;
     source.name = QStringLiteral("Zinc é");
-    source.tags = QStringList{QStringLiteral("a"), QString()};
+    source.tags = QStringList{"a", QString()};
     source.shape = KuuTestShape::SQUARE;
     source.color = QColor(1, 2, 3, 4);
     source.bounds = {-1.0 / 3, 1e300, std::numeric_limits<double>::denorm_min()};
@@ -205,11 +197,11 @@ TEST_F(KuuMementoTest, EveryFieldRestoresFromItsTextAsFromItsValue)
         const QString key = QString::fromLatin1(scalar);
         asText.setField(key, asText.getField(key).toString());
     }
-    QVariantList bounds = asText.getField(QStringLiteral("bounds")).toList();
+    QVariantList bounds = asText.getField("bounds").toList();
     for (QVariant& bound : bounds) {
         bound = bound.toString();
     }
-    asText.setField(QStringLiteral("bounds"), bounds);
+    asText.setField("bounds", bounds);
 
     for (const KuuMemento& memento : {source.getMemento(), asText}) {
         Marker target;
@@ -244,7 +236,7 @@ TEST_F(KuuMementoTest, AFieldThatDoesNotDecodeKeepsItsValueAndWarns)
         SCOPED_TRACE(key);
         Marker marker;
         const QVariantMap before = marker.getMemento().getFields();
-        KuuMemento memento(KuuId::generate(QStringLiteral("Marker")));
+        KuuMemento memento(KuuId::generate("Marker"));
         memento.setField(QLatin1String(key), value);
         m_warnings.clear();
         marker.setMemento(memento, false);
@@ -256,19 +248,19 @@ TEST_F(KuuMementoTest, AFieldThatDoesNotDecodeKeepsItsValueAndWarns)
 
 TEST_F(KuuMementoTest, LegacyKeysServeAndConditionsHold)
 {
-    KuuMemento memento(KuuId::generate(QStringLiteral("Marker")));
-    memento.setField(QStringLiteral("oldSize"), QStringLiteral(" 9 "));
-    memento.setField(QStringLiteral("visible"), QStringLiteral("NO"));
-    memento.setField(QStringLiteral("factor"), 6);
+    KuuMemento memento(KuuId::generate("Marker"));
+    memento.setField("oldSize", " 9 ");
+    memento.setField("visible", "NO");
+    memento.setField("factor", 6);
     Marker marker;
     marker.setMemento(memento, false);
     EXPECT_EQ(marker.size, 9);
     EXPECT_FALSE(marker.visible);
     EXPECT_EQ(marker.factor, 1);
-    EXPECT_FALSE(marker.getMemento().hasField(QStringLiteral("factor")));
+    EXPECT_FALSE(marker.getMemento().hasField("factor"));
 
-    memento.setField(QStringLiteral("size"), 10);
-    memento.setField(QStringLiteral("visible"), true);
+    memento.setField("size", 10);
+    memento.setField("visible", true);
     marker.setMemento(memento, false);
     EXPECT_EQ(marker.size, 10);
     EXPECT_EQ(marker.factor, 6);

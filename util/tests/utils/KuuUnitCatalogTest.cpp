@@ -1,5 +1,6 @@
 #include <util/utils/KuuUnitCatalog.h>
 
+#include "CapturedLog.h"
 #include "QtPrinters.h"
 
 #include <basic/base/HbbDebug.h>
@@ -25,16 +26,14 @@ class KuuUnitCatalogTest : public testing::Test
 protected:
     void SetUp() override
     {
-        KusFileUser::setDirectory(m_folder.filePath(QStringLiteral("user")));
-        m_path = KusFileUser::getPath(QStringLiteral("unit_user.xml"));
-        HbbDebug::setSink([this](HbbDebug::Level, const QString& text) { m_said.append(text); });
+        KusFileUser::setDirectory(m_folder.filePath("user"));
+        m_path = KusFileUser::getPath("unit_user.xml");
         m_connection =
             QObject::connect(&catalog(), &KuuUnitCatalog::unitChanged, [this] { ++m_notices; });
     }
     void TearDown() override
     {
         QObject::disconnect(m_connection);
-        HbbDebug::setSink({});
         KusFileUser::setDirectory({});
         forget();
     }
@@ -79,7 +78,8 @@ protected:
 
     QTemporaryDir m_folder;
     QString m_path;
-    QStringList m_said;
+    CapturedLog m_log;
+    QStringList& m_said = m_log.texts;
     int m_notices = 0;
     QMetaObject::Connection m_connection;
 };

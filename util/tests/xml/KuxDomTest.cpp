@@ -1,5 +1,6 @@
 #include <util/xml/KuxDom.h>
 
+#include "ErrorText.h"
 #include "QtPrinters.h"
 
 #include <basic/error/HbeError.h>
@@ -8,7 +9,7 @@
 
 namespace
 {
-const QString ROOT = QStringLiteral("settings");
+const QString ROOT = "settings";
 
 class KuxDomTest : public testing::Test
 {
@@ -29,29 +30,24 @@ protected:
     }
 
     QTemporaryDir m_folder;
-    QString m_path = m_folder.filePath(QStringLiteral("s.xml"));
+    QString m_path = m_folder.filePath("s.xml");
     KuxDom m_dom{ROOT, m_path};
 };
 
 TEST_F(KuxDomTest, AMissingFileIsCreatedOnlyOnRequest)
 {
-    KuxDom dom(ROOT, m_folder.filePath(QStringLiteral("other.xml")));
+    KuxDom dom(ROOT, m_folder.filePath("other.xml"));
     dom.load();
     EXPECT_FALSE(dom.isValid());
-    EXPECT_FALSE(dom.set(QStringLiteral("a"), 1));
+    EXPECT_FALSE(dom.set("a", 1));
     EXPECT_FALSE(QFile::exists(dom.filePath()));
     dom.load(QString(), true);
     EXPECT_TRUE(dom.isValid());
     EXPECT_TRUE(QFile::exists(dom.filePath()));
 
     write("<other/>");
-    try {
-        dom.load(m_path);
-        FAIL();
-    } catch (const HbeError& error) {
-        EXPECT_EQ(error.getMessage(),
-                  QStringLiteral("DOM document load from XML file '%1' is not valid.").arg(m_path));
-    }
+    EXPECT_EQ(errorOf<HbeError>([&] { dom.load(m_path); }),
+              QString("DOM document load from XML file '%1' is not valid.").arg(m_path));
     EXPECT_FALSE(dom.isValid());
 }
 
@@ -72,7 +68,7 @@ TEST_F(KuxDomTest, ValuesComeBackEqualFromTheFile)
                                QVariantList{1, "x"}};
     int i = 0;
     for (const QVariant& value : values) {
-        const QString path = QStringLiteral("group/with blank/v%1").arg(i++);
+        const QString path = QString("group/with blank/v%1").arg(i++);
         EXPECT_EQ(m_dom.set(path, value), value != QVariant(QString())) << i;
         const QVariant back = reloaded().get(path, QString());
         EXPECT_EQ(back, value) << i;
@@ -82,65 +78,65 @@ TEST_F(KuxDomTest, ValuesComeBackEqualFromTheFile)
 
 TEST_F(KuxDomTest, SettingAnswersWhetherTheTextChanged)
 {
-    const QString path = QStringLiteral("/a//b/");
+    const QString path = "/a//b/";
     EXPECT_TRUE(m_dom.set(path, 5));
     EXPECT_FALSE(m_dom.set(path, 5));
     EXPECT_TRUE(m_dom.set(path, "5"));
     EXPECT_TRUE(m_dom.set(path, ""));
-    EXPECT_EQ(m_dom.get(QStringLiteral("a/b")), "");
-    EXPECT_FALSE(m_dom.set(QStringLiteral("x/y"), ""));
-    EXPECT_FALSE(m_dom.get(QStringLiteral("x")).isValid());
-    EXPECT_FALSE(m_dom.set(QStringLiteral("//"), 1));
+    EXPECT_EQ(m_dom.get("a/b"), "");
+    EXPECT_FALSE(m_dom.set("x/y", ""));
+    EXPECT_FALSE(m_dom.get("x").isValid());
+    EXPECT_FALSE(m_dom.set("//", 1));
     EXPECT_EQ(m_dom.get(QString(), 3), 3);
-    EXPECT_TRUE(m_dom.removeElement(QStringLiteral("a")));
-    EXPECT_FALSE(m_dom.removeElement(QStringLiteral("a")));
-    EXPECT_TRUE(reloaded().toString().endsWith(QStringLiteral("<settings/>\n")));
+    EXPECT_TRUE(m_dom.removeElement("a"));
+    EXPECT_FALSE(m_dom.removeElement("a"));
+    EXPECT_TRUE(reloaded().toString().endsWith("<settings/>\n"));
 }
 
 TEST_F(KuxDomTest, TheLastElementOfANameGoverns)
 {
     write("<settings><a><b>1</b></a><a><b>2</b><b>3</b></a></settings>");
     m_dom.load();
-    EXPECT_EQ(m_dom.get(QStringLiteral("a/b")), 3);
-    EXPECT_TRUE(m_dom.set(QStringLiteral("a/b"), 4));
-    EXPECT_EQ(m_dom.toString().count(QStringLiteral("<b>")), 3);
-    EXPECT_EQ(reloaded().get(QStringLiteral("a/b")), 4);
+    EXPECT_EQ(m_dom.get("a/b"), 3);
+    EXPECT_TRUE(m_dom.set("a/b", 4));
+    EXPECT_EQ(m_dom.toString().count("<b>"), 3);
+    EXPECT_EQ(reloaded().get("a/b"), 4);
 }
 
 TEST_F(KuxDomTest, ListsAndMapsAreElementsAndWriteOnlyChanges)
 {
-    const QString path = QStringLiteral("recent/studies");
-    const QString tag = QStringLiteral("studyID");
+    const QString path = "recent/studies";
+    const QString tag = "studyID";
     const QVariantList list{"x", 2, ""};
     EXPECT_TRUE(m_dom.setList(path, tag, list));
     EXPECT_FALSE(m_dom.setList(path, tag, list));
     EXPECT_EQ(reloaded().getList(path, tag), list);
 
     const QVariantMap map{{"a key", 1}, {"b", "x"}};
-    EXPECT_TRUE(m_dom.setMap(QStringLiteral("m"), map));
-    EXPECT_FALSE(m_dom.setMap(QStringLiteral("m"), map));
-    EXPECT_TRUE(m_dom.setMap(QStringLiteral("m"), QVariantMap{{"b", "x"}}));
-    EXPECT_EQ(reloaded().getMap(QStringLiteral("m")), (QVariantMap{{"b", "x"}}));
+    EXPECT_TRUE(m_dom.setMap("m", map));
+    EXPECT_FALSE(m_dom.setMap("m", map));
+    EXPECT_TRUE(m_dom.setMap("m", QVariantMap{{"b", "x"}}));
+    EXPECT_EQ(reloaded().getMap("m"), (QVariantMap{{"b", "x"}}));
 
     const QList<QVariantMap> maps{map, QVariantMap(), QVariantMap{{"b", true}}};
-    EXPECT_TRUE(m_dom.setMapList(path, QStringLiteral("map"), maps));
-    EXPECT_FALSE(m_dom.setMapList(path, QStringLiteral("map"), maps));
-    EXPECT_EQ(reloaded().getMapList(path, QStringLiteral("map")), maps);
+    EXPECT_TRUE(m_dom.setMapList(path, "map", maps));
+    EXPECT_FALSE(m_dom.setMapList(path, "map", maps));
+    EXPECT_EQ(reloaded().getMapList(path, "map"), maps);
     EXPECT_EQ(reloaded().getList(path, tag), list);
-    EXPECT_FALSE(m_dom.setList(QStringLiteral("none"), tag, QVariantList()));
+    EXPECT_FALSE(m_dom.setList("none", tag, QVariantList()));
 }
 
 TEST_F(KuxDomTest, SavingByHandAndForeignChangesAreSeen)
 {
     m_dom.setAutosave(false);
-    EXPECT_TRUE(m_dom.set(QStringLiteral("a"), 1));
-    EXPECT_FALSE(reloaded().get(QStringLiteral("a")).isValid());
+    EXPECT_TRUE(m_dom.set("a", 1));
+    EXPECT_FALSE(reloaded().get("a").isValid());
     EXPECT_FALSE(m_dom.isModifiedOnDisk());
     QThread::msleep(20);
     write("<settings><a>7</a></settings>");
     EXPECT_TRUE(m_dom.isModifiedOnDisk());
     m_dom.save();
     EXPECT_FALSE(m_dom.isModifiedOnDisk());
-    EXPECT_EQ(reloaded().get(QStringLiteral("a")), 1);
+    EXPECT_EQ(reloaded().get("a"), 1);
 }
 } // namespace

@@ -1,5 +1,7 @@
 #include <util/xml/KuxXmlMementoFile.h>
 
+#include "CapturedLog.h"
+#include "ErrorText.h"
 #include "QtPrinters.h"
 
 #include <basic/base/HbbDebug.h>
@@ -17,24 +19,15 @@ namespace
 {
 using namespace KuxXmlMementoFile;
 
-const QString RELATION = QStringLiteral("Thing");
+const QString RELATION = "Thing";
 
 class KuxXmlMementoFileTest : public testing::Test
 {
 protected:
-    KuxXmlMementoFileTest()
-    {
-        m_former = HbbDebug::setSink(
-            [this](HbbDebug::Level, const QString& message) { m_warnings.append(message); });
-    }
-    ~KuxXmlMementoFileTest() override { HbbDebug::setSink(m_former); }
-
-    QStringList m_warnings;
+    CapturedLog m_log;
+    QStringList& m_warnings = m_log.texts;
     QTemporaryDir m_folder;
     QDir m_directory{m_folder.path()};
-
-private:
-    HbbDebug::Sink m_former;
 };
 
 KuuMemento mementoWith(const QVariant& value, const QString& key = QStringLiteral("f"))
@@ -57,25 +50,14 @@ QByteArray savedByDom(const KuuMemento& memento)
 KuuMemento readByDom(const QByteArray& bytes)
 {
     QDomDocument document;
-    KuxXml::readXml(bytes, QStringLiteral("bytes"), document);
+    KuxXml::readXml(bytes, "bytes", document);
     return xmlToMemento(document);
 }
 
 QVariant reread(const QVariant& value)
 {
     const QByteArray bytes = mementoToBytes(mementoWith(value));
-    return bytesToMemento(bytes, QStringLiteral("bytes")).getField(QStringLiteral("f"));
-}
-
-template <class Error, class Action>
-QString messageOf(Action action)
-{
-    try {
-        action();
-    } catch (const Error& error) {
-        return error.getMessage();
-    }
-    return QStringLiteral("no error");
+    return bytesToMemento(bytes, "bytes").getField("f");
 }
 
 // Random mementos from everything that has ever been hard to write or to read.
@@ -195,7 +177,7 @@ TEST_F(KuxXmlMementoFileTest, StreamAndDomAgreeOnRandomMementos)
         const KuuMemento memento = Generator(seed).memento(3);
         const QByteArray bytes = mementoToBytes(memento);
         ASSERT_EQ(bytes, savedByDom(memento));
-        const KuuMemento back = bytesToMemento(bytes, QStringLiteral("bytes"));
+        const KuuMemento back = bytesToMemento(bytes, "bytes");
         ASSERT_TRUE(back == readByDom(bytes)) << bytes.toStdString();
         // What came back is what is written again: nothing drifts.
         ASSERT_EQ(mementoToBytes(back), bytes);
@@ -206,15 +188,14 @@ TEST_F(KuxXmlMementoFileTest, StreamAndDomAgreeOnRandomMementos)
 
 TEST_F(KuxXmlMementoFileTest, TheFormIsTheDocumentedOne)
 {
-    KuuMemento memento(KuuId(RELATION, QStringLiteral("6f0f9b52-9a5b-4a1e-9c3f-0a4f6b1c2d3e")));
+    KuuMemento memento(KuuId(RELATION, "6f0f9b52-9a5b-4a1e-9c3f-0a4f6b1c2d3e"));
     memento.setVersion(102);
-    memento.setField(QStringLiteral("a"), 5);
-    memento.setField(QStringLiteral("b"), QVariantList{true, QVariant(), "x<y"});
-    memento.setField(QStringLiteral("c d"), QPointF(0.123456789, 2));
-    memento.setField(QString(), QStringLiteral("not written"));
-    memento.setAssociation(KuuMemento(KuuId(QStringLiteral("Part"), QStringLiteral("none"))), true);
-    memento.setAssociation(KuuMemento(KuuId(QStringLiteral("Part"), memento.getId().getUuid())),
-                           false);
+    memento.setField("a", 5);
+    memento.setField("b", QVariantList{true, QVariant(), "x<y"});
+    memento.setField("c d", QPointF(0.123456789, 2));
+    memento.setField(QString(), "not written");
+    memento.setAssociation(KuuMemento(KuuId("Part", "none")), true);
+    memento.setAssociation(KuuMemento(KuuId("Part", memento.getId().getUuid())), false);
     EXPECT_EQ(mementoToBytes(memento), QByteArray(R"(<?xml version="1.0" encoding="UTF-8"?>
 <Thing>
     <id>6f0f9b52-9a5b-4a1e-9c3f-0a4f6b1c2d3e</id>
@@ -278,12 +259,12 @@ TEST_F(KuxXmlMementoFileTest, ValuesComeBackByTheirRules)
 TEST_F(KuxXmlMementoFileTest, WhatXmlCannotHoldIsReplacedAndTheKeyNamed)
 {
     const QString text = QStringLiteral("a\x01") + QChar(0xDC00) + QChar(0xFFFE) + QLatin1Char('b');
-    const QString replaced = QStringLiteral("a\uFFFD\uFFFD\uFFFDb");
-    const KuuMemento memento = mementoWith(text, QStringLiteral("the key"));
+    const QString replaced = "a\uFFFD\uFFFD\uFFFDb";
+    const KuuMemento memento = mementoWith(text, "the key");
     const KuuMemento back = bytesToMemento(mementoToBytes(memento), QString());
-    EXPECT_EQ(back.getField(QStringLiteral("the key")), replaced);
+    EXPECT_EQ(back.getField("the key"), replaced);
     ASSERT_EQ(m_warnings.size(), 1);
-    EXPECT_TRUE(m_warnings.at(0).contains(QStringLiteral("'the key'")));
+    EXPECT_TRUE(m_warnings.at(0).contains("'the key'"));
 }
 
 TEST_F(KuxXmlMementoFileTest, ForeignFormsAreReadByTheSameRules)
@@ -308,7 +289,7 @@ TEST_F(KuxXmlMementoFileTest, ForeignFormsAreReadByTheSameRules)
             if (plain) {
                 bytes.replace('\'', '"');
             }
-            const QVariant value = bytesToMemento(bytes, QString()).getField(QStringLiteral("f"));
+            const QVariant value = bytesToMemento(bytes, QString()).getField("f");
             EXPECT_EQ(value, expected) << element;
             EXPECT_EQ(value.userType(), expected.userType()) << element;
             EXPECT_TRUE(bytesToMemento(bytes, QString()) == readByDom(bytes)) << element;
@@ -331,10 +312,9 @@ TEST_F(KuxXmlMementoFileTest, DamagedFilesFailAlikeOnBothRoads)
         }
         KuuMemento streamed;
         KuuMemento fromDom;
-        const QString streamError = messageOf<HbeProgrammingError>(
-            [&] { streamed = bytesToMemento(bytes, QStringLiteral("bytes")); });
-        const QString domError =
-            messageOf<HbeProgrammingError>([&] { fromDom = readByDom(bytes); });
+        const QString streamError =
+            errorOf<HbeProgrammingError>([&] { streamed = bytesToMemento(bytes, "bytes"); });
+        const QString domError = errorOf<HbeProgrammingError>([&] { fromDom = readByDom(bytes); });
         ASSERT_EQ(streamError, domError) << bytes.toStdString();
         ASSERT_TRUE(streamed == fromDom) << bytes.toStdString();
     }
@@ -342,27 +322,26 @@ TEST_F(KuxXmlMementoFileTest, DamagedFilesFailAlikeOnBothRoads)
 
 TEST_F(KuxXmlMementoFileTest, RefusalsNameTheirReason)
 {
-    EXPECT_TRUE(messageOf<HbeProgrammingError>([&] {
+    EXPECT_TRUE(errorOf<HbeProgrammingError>([&] {
                     save(m_directory, KuuMemento());
-                }).endsWith(QStringLiteral("Memento is not valid.")));
+                }).endsWith("Memento is not valid."));
     const KuuMemento hash = mementoWith(QVariantHash());
     const QString unsupported =
         QStringLiteral("Unsupported value type 'QVariantHash' to insert in memento XML file.");
     EXPECT_TRUE(
-        messageOf<HbeProgrammingError>([&] { save(m_directory, hash); }).endsWith(unsupported));
-    EXPECT_TRUE(messageOf<HbeProgrammingError>([&] { mementoToXml(hash); }).endsWith(unsupported));
+        errorOf<HbeProgrammingError>([&] { save(m_directory, hash); }).endsWith(unsupported));
+    EXPECT_TRUE(errorOf<HbeProgrammingError>([&] { mementoToXml(hash); }).endsWith(unsupported));
     EXPECT_TRUE(m_directory.entryList(QDir::Files).isEmpty());
 
     const KuuId id = KuuId::generate(RELATION);
     const QString path = m_directory.filePath(getFileName(id));
-    EXPECT_EQ(messageOf<HbeUserError>([&] { read(m_directory, id); }),
-              QStringLiteral("Cannot find XML file '%1'.").arg(path));
-    save(path, KuuMemento(KuuId(QStringLiteral("thinG"), id.getUuid())));
-    EXPECT_EQ(
-        messageOf<HbeUserError>([&] { read(m_directory, id); }),
-        QStringLiteral("XML file '%1' is not valid.\nIts memento relation is 'thinG'.").arg(path));
-    EXPECT_EQ(messageOf<HbeError>([&] { save(QStringLiteral("/nowhere/a.xml"), mementoWith(1)); }),
-              QStringLiteral("Cannot create or open for writing the XML file '/nowhere/a.xml'."));
+    EXPECT_EQ(errorOf<HbeUserError>([&] { read(m_directory, id); }),
+              QString("Cannot find XML file '%1'.").arg(path));
+    save(path, KuuMemento(KuuId("thinG", id.getUuid())));
+    EXPECT_EQ(errorOf<HbeUserError>([&] { read(m_directory, id); }),
+              QString("XML file '%1' is not valid.\nIts memento relation is 'thinG'.").arg(path));
+    EXPECT_EQ(errorOf<HbeError>([&] { save("/nowhere/a.xml", mementoWith(1)); }),
+              "Cannot create or open for writing the XML file '/nowhere/a.xml'.");
 
     QVariant deep = 1;
     for (int i = 0; i < 1100; ++i) {
@@ -375,18 +354,18 @@ TEST_F(KuxXmlMementoFileTest, FilesAreFoundByRelationAndId)
 {
     const KuuMemento first = mementoWith(1);
     const KuuMemento second(KuuId::generate(RELATION), first);
-    const KuuMemento other(KuuId::generate(QStringLiteral("Thing_part")), first);
+    const KuuMemento other(KuuId::generate("Thing_part"), first);
     save(m_directory, QList<KuuMemento>{first, other});
     save(m_directory, second);
-    QFile(m_directory.filePath(QStringLiteral("thing_1234.xml"))).open(QIODevice::WriteOnly);
+    QFile(m_directory.filePath("thing_1234.xml")).open(QIODevice::WriteOnly);
     QFile(m_directory.filePath(QStringLiteral("thing") + first.getId().getUuid() + ".xml"))
         .open(QIODevice::WriteOnly);
 
-    EXPECT_TRUE(QFile::exists(
-        m_directory.filePath(QStringLiteral("thing_%1.xml").arg(first.getId().getUuid()))));
+    EXPECT_TRUE(
+        QFile::exists(m_directory.filePath(QString("thing_%1.xml").arg(first.getId().getUuid()))));
     QList<KuuId> ids = getIdList(m_directory, RELATION);
     EXPECT_THAT(ids, testing::UnorderedElementsAre(first.getId(), second.getId()));
-    EXPECT_EQ(read(m_directory, other.getId()).getField(QStringLiteral("f")), "1");
+    EXPECT_EQ(read(m_directory, other.getId()).getField("f"), "1");
 
     EXPECT_TRUE(exists(m_directory, first.getId()));
     destroy(m_directory, first.getId());
@@ -399,10 +378,10 @@ TEST_F(KuxXmlMementoFileTest, ABatchWithAFaultLeavesEveryFileAsItWas)
     const KuuMemento good = mementoWith(1);
     save(m_directory, good);
     KuuMemento changed = good;
-    changed.setField(QStringLiteral("f"), 2);
+    changed.setField("f", 2);
     EXPECT_THROW(save(m_directory, QList<KuuMemento>{changed, mementoWith(QVariantHash())}),
                  HbeProgrammingError);
-    EXPECT_EQ(read(m_directory, good.getId()).getField(QStringLiteral("f")), "1");
+    EXPECT_EQ(read(m_directory, good.getId()).getField("f"), "1");
     EXPECT_EQ(m_directory.entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 } // namespace

@@ -1,8 +1,9 @@
 #include <util/xml/KuxXmlMementoFile.h>
 
+#include "CapturedLog.h"
+#include "ErrorText.h"
 #include "QtPrinters.h"
 
-#include <basic/base/HbbDebug.h>
 #include <basic/error/HbeDiskError.h>
 #include <basic/error/HbeProgrammingError.h>
 #include <util/xml/KuxXml.h>
@@ -20,11 +21,11 @@
 
 namespace
 {
-const QString KEY = QStringLiteral("text");
+const QString KEY = "text";
 
 KuuMemento versionOf(int number, int size)
 {
-    static const KuuId id = KuuId::generate(QStringLiteral("Thing"));
+    static const KuuId id = KuuId::generate("Thing");
     KuuMemento memento(id);
     memento.setVersion(number);
     memento.setField(KEY, QString(size, QChar('a' + number % 26)));
@@ -34,14 +35,14 @@ KuuMemento versionOf(int number, int size)
 QDomDocument documentOf(const QString& text)
 {
     QDomDocument document;
-    document.appendChild(KuxXml::createTextNode(document, QStringLiteral("r"), text));
+    document.appendChild(KuxXml::createTextNode(document, "r", text));
     return document;
 }
 
 TEST(KuxXmlSafetyIntegrationTest, AKilledWriterLeavesOneWholeVersion)
 {
     QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("thing.xml"));
+    const QString path = folder.filePath("thing.xml");
     constexpr int SIZE = 300000;
     KuxXmlMementoFile::save(path, versionOf(0, SIZE));
     std::mt19937 random(3);
@@ -72,29 +73,22 @@ TEST(KuxXmlSafetyIntegrationTest, AFullDiskRaisesAndLeavesTheOldFile)
     if (mount("none", mountPoint.constData(), "tmpfs", 0, "size=256k") != 0) {
         GTEST_SKIP() << "mounting a tmpfs needs root";
     }
-    const HbbDebug::Sink former = HbbDebug::setSink([](HbbDebug::Level, const QString&) {});
+    const CapturedLog log;
     const QDir directory(folder.path());
     KuxXmlMementoFile::save(directory, versionOf(1, 1000));
     const QString path =
         directory.filePath(KuxXmlMementoFile::getFileName(versionOf(1, 0).getId()));
-    const auto messageOf = [](auto action) {
-        try {
-            action();
-        } catch (const HbeDiskError& error) {
-            return error.getMessage();
-        }
-        return QString();
-    };
-    const QString expected = QStringLiteral("Cannot write/flush XML file into '%1'.").arg(path);
+    const QString expected = QString("Cannot write/flush XML file into '%1'.").arg(path);
     const KuuMemento large = versionOf(2, 600000);
-    EXPECT_EQ(messageOf([&] { KuxXmlMementoFile::save(directory, large); }), expected);
-    EXPECT_EQ(messageOf([&] { KuxXmlMementoFile::save(directory, QList<KuuMemento>{large}); }),
+    EXPECT_EQ(errorOf<HbeDiskError>([&] { KuxXmlMementoFile::save(directory, large); }), expected);
+    EXPECT_EQ(errorOf<HbeDiskError>(
+                  [&] { KuxXmlMementoFile::save(directory, QList<KuuMemento>{large}); }),
               expected);
-    EXPECT_EQ(messageOf([&] { KuxXml::saveXml(path, documentOf(QString(600000, 'x'))); }),
-              expected);
+    EXPECT_EQ(
+        errorOf<HbeDiskError>([&] { KuxXml::saveXml(path, documentOf(QString(600000, 'x'))); }),
+        expected);
     EXPECT_TRUE(KuxXmlMementoFile::read(path) == versionOf(1, 1000));
     EXPECT_EQ(directory.entryList(QDir::Files | QDir::Hidden).size(), 1);
-    HbbDebug::setSink(former);
     umount(mountPoint.constData());
 }
 
@@ -102,10 +96,10 @@ TEST(KuxXmlSafetyIntegrationTest, LinksAreFollowedAndPermissionsKept)
 {
     QTemporaryDir folder;
     const QDir directory(folder.path());
-    ASSERT_TRUE(directory.mkdir(QStringLiteral("real")));
-    const QString target = directory.filePath(QStringLiteral("real/t.xml"));
-    const QString link = directory.filePath(QStringLiteral("l.xml"));
-    ASSERT_TRUE(QFile::link(QStringLiteral("real/t.xml"), link));
+    ASSERT_TRUE(directory.mkdir("real"));
+    const QString target = directory.filePath("real/t.xml");
+    const QString link = directory.filePath("l.xml");
+    ASSERT_TRUE(QFile::link("real/t.xml", link));
     const auto modeOf = [&] {
         struct stat status = {};
         stat(QFile::encodeName(target).constData(), &status);
@@ -118,48 +112,42 @@ TEST(KuxXmlSafetyIntegrationTest, LinksAreFollowedAndPermissionsKept)
     };
 
     const mode_t former = umask(027);
-    KuxXml::saveXml(link, documentOf(QStringLiteral("1"))); // the link led to nothing
+    KuxXml::saveXml(link, documentOf("1")); // the link led to nothing
     umask(former);
     EXPECT_EQ(modeOf(), mode_t(0640));
     ASSERT_EQ(chmod(QFile::encodeName(target).constData(), 0606), 0);
-    KuxXml::saveXml(link, documentOf(QStringLiteral("2")));
+    KuxXml::saveXml(link, documentOf("2"));
     EXPECT_EQ(modeOf(), mode_t(0606));
     EXPECT_TRUE(QFileInfo(link).isSymLink());
-    EXPECT_EQ(textOf(), QStringLiteral("2"));
+    EXPECT_EQ(textOf(), "2");
 
-    const QString circle = directory.filePath(QStringLiteral("c.xml"));
+    const QString circle = directory.filePath("c.xml");
     ASSERT_TRUE(QFile::link(circle, circle));
     EXPECT_THROW(KuxXml::saveXml(circle, documentOf(QString())), HbeError);
-    EXPECT_THROW(KuxXml::saveXml(directory.filePath(QStringLiteral("real")), documentOf(QString())),
-                 HbeError);
+    EXPECT_THROW(KuxXml::saveXml(directory.filePath("real"), documentOf(QString())), HbeError);
     EXPECT_EQ(directory.entryList(QDir::Files | QDir::NoSymLinks).size(), 0);
 }
 
 TEST(KuxXmlSafetyIntegrationTest, ATextOfAGigabyteIsRefusedInBoundedMemory)
 {
     QTemporaryDir folder;
-    QFile file(folder.filePath(QStringLiteral("big.xml")));
+    QFile file(folder.filePath("big.xml"));
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
     file.write("<r>\n");
     // A sparse file: its NULs count as any other character.
     ASSERT_TRUE(file.resize(qint64(1) << 30));
     file.close();
     const auto ownMemory = [] {
-        QFile status(QStringLiteral("/proc/self/status"));
+        QFile status("/proc/self/status");
         status.open(QIODevice::ReadOnly);
         const QByteArray text = status.readAll();
         return text.mid(text.indexOf("RssAnon:") + 8).trimmed().split(' ').at(0).toLongLong();
     };
     const qint64 before = ownMemory();
-    try {
-        KuxXmlMementoFile::read(file.fileName());
-        FAIL();
-    } catch (const HbeProgrammingError& error) {
-        EXPECT_TRUE(error.getMessage().endsWith(
-            QStringLiteral("at line 2/column 536870912: 'a text longer than 536870912 "
-                           "characters'.")))
-            << error.what();
-    }
+    EXPECT_TRUE(
+        errorOf<HbeProgrammingError>([&] {
+            KuxXmlMementoFile::read(file.fileName());
+        }).endsWith("at line 2/column 536870912: 'a text longer than 536870912 characters'."));
     EXPECT_LT(ownMemory() - before, 64 * 1024);
 }
 } // namespace

@@ -1,5 +1,6 @@
 #include <util/xml/KuxXml.h>
 
+#include "ErrorText.h"
 #include "QtPrinters.h"
 
 #include <basic/base/HbbOrderedMap.h>
@@ -30,12 +31,8 @@ protected:
 QString parseError(const QByteArray& bytes)
 {
     QDomDocument document;
-    try {
-        KuxXml::readXml(bytes, QStringLiteral("f.xml"), document);
-    } catch (const HbeProgrammingError& error) {
-        return error.getMessage().section(QLatin1String("\n\n"), 1);
-    }
-    return QString();
+    return errorOf<HbeProgrammingError>([&] { KuxXml::readXml(bytes, "f.xml", document); })
+        .section("\n\n", 1);
 }
 
 QString where(int line, int column, const QString& fault)
@@ -54,35 +51,26 @@ QByteArray nested(int depth)
 TEST_F(KuxXmlTest, FilesThatCannotBeReadSayWhy)
 {
     QDomDocument document;
-    const QString missing = m_folder.filePath(QStringLiteral("none.xml"));
-    try {
-        KuxXml::readXml(missing, document);
-        FAIL();
-    } catch (const HbeUserError& error) {
-        EXPECT_EQ(error.getMessage(), QStringLiteral("Cannot find XML file '%1'.").arg(missing));
-    }
-    try {
-        KuxXml::readXml(m_folder.path(), document);
-        FAIL();
-    } catch (const HbeError& error) {
-        EXPECT_EQ(error.getMessage(),
-                  QStringLiteral("Cannot open XML file '%1' for reading.").arg(m_folder.path()));
-    }
+    const QString missing = m_folder.filePath("none.xml");
+    EXPECT_EQ(errorOf<HbeUserError>([&] { KuxXml::readXml(missing, document); }),
+              QString("Cannot find XML file '%1'.").arg(missing));
+    EXPECT_EQ(errorOf<HbeError>([&] { KuxXml::readXml(m_folder.path(), document); }),
+              QString("Cannot open XML file '%1' for reading.").arg(m_folder.path()));
 }
 
 TEST_F(KuxXmlTest, OnlyTheLegacyFileIsRepaired)
 {
     const QByteArray bytes("<r>\x07 12</r>");
     QDomDocument document;
-    const QString legacy = write(QStringLiteral("Itz"), bytes);
+    const QString legacy = write("Itz", bytes);
     KuxXml::readXml(legacy, document);
     EXPECT_EQ(document.documentElement().text(), QString(QChar(0xA7)) + QStringLiteral(" 12"));
     EXPECT_FALSE(QFile::exists(legacy + QStringLiteral(".patched")));
 
-    KuxXml::readXml(write(QStringLiteral("Itz.xml"), bytes), document);
-    EXPECT_EQ(document.documentElement().text(), QStringLiteral("\x07 12"));
+    KuxXml::readXml(write("Itz.xml", bytes), document);
+    EXPECT_EQ(document.documentElement().text(), "\x07 12");
 
-    write(QStringLiteral("Itz"), "<r>");
+    write("Itz", "<r>");
     EXPECT_THROW(KuxXml::readXml(legacy, document), HbeProgrammingError);
     EXPECT_TRUE(QFile::exists(legacy + QStringLiteral(".patched")));
 }
@@ -100,34 +88,31 @@ TEST_F(KuxXmlTest, HostileDocumentsEndInAnErrorWithItsPlace)
             "<!ENTITY a" + QByteArray::number(i) + " \"&a" + QByteArray::number(i - 1) + ";\">";
     }
     const std::pair<QByteArray, QString> rows[] = {
-        {nested(100000), where(1, 3001, QStringLiteral("elements are nested deeper than 1000"))},
+        {nested(100000), where(1, 3001, "elements are nested deeper than 1000")},
         {QByteArray("<a b='1'\n>").repeated(1001),
-         where(1001, 2, QStringLiteral("elements are nested deeper than 1000"))},
-        {laughs + "]><r>&a29;</r>", QStringLiteral("expand to more than")},
-        {laughs + "]><r b='&a29;'/>", QStringLiteral("expand to more than")},
+         where(1001, 2, "elements are nested deeper than 1000")},
+        {laughs + "]><r>&a29;</r>", "expand to more than"},
+        {laughs + "]><r b='&a29;'/>", "expand to more than"},
         {"<!DOCTYPE r [<!ENTITY a '&b;'><!ENTITY b '&a;'>]>\n<r>&a;</r>",
-         where(2, 4, QStringLiteral("entity a uses itself"))},
-        {chain + "]><r>&a19999;</r>", QStringLiteral("nested too deep")},
+         where(2, 4, "entity a uses itself")},
+        {chain + "]><r>&a19999;</r>", "nested too deep"},
         {"<!DOCTYPE r [<!ENTITY a '<x>'>]><r>" + QByteArray("&a;").repeated(5000) + "</r>",
-         QStringLiteral("nested deeper")},
+         "nested deeper"},
         {"<!DOCTYPE r [<!ENTITY a '&#60;x>'>]><r>" + QByteArray("&a;").repeated(5000) + "</r>",
-         QStringLiteral("nested deeper")},
-        {"<!DOCTYPE r [<!ENTITY % p \"<!ENTITY a 'x'>\"> %p;]><r/>",
-         QStringLiteral("parameter entities")},
-        {"<r>\n\xC3\xA9x\xFFy</r>",
-         where(2, 3, QStringLiteral("bytes that are no text in the encoding UTF-8"))},
-        {"<r>\xED\xA0\x80</r>", QStringLiteral("UTF-8")},
-        {"<?xml version='1.0' encoding='nonsense'?><r/>", QStringLiteral("unknown encoding")},
-        {QByteArray("\xFF\xFE<\0r\0/\0>", 9), QStringLiteral("UTF-16LE")},
-        {"<r>x", where(1, 5, QStringLiteral("unexpected end of file"))},
-        {"", where(1, 1, QStringLiteral("unexpected end of file"))},
-        {"<r>x</s>", where(1, 8, QStringLiteral("tag mismatch"))}};
+         "nested deeper"},
+        {"<!DOCTYPE r [<!ENTITY % p \"<!ENTITY a 'x'>\"> %p;]><r/>", "parameter entities"},
+        {"<r>\n\xC3\xA9x\xFFy</r>", where(2, 3, "bytes that are no text in the encoding UTF-8")},
+        {"<r>\xED\xA0\x80</r>", "UTF-8"},
+        {"<?xml version='1.0' encoding='nonsense'?><r/>", "unknown encoding"},
+        {QByteArray("\xFF\xFE<\0r\0/\0>", 9), "UTF-16LE"},
+        {"<r>x", where(1, 5, "unexpected end of file")},
+        {"", where(1, 1, "unexpected end of file")},
+        {"<r>x</s>", where(1, 8, "tag mismatch")}};
     for (const auto& [bytes, message] : rows) {
         const QString error = parseError(bytes);
         EXPECT_TRUE(error.contains(message))
             << error.toStdString() << " for " << bytes.left(100).toStdString();
-        EXPECT_TRUE(
-            error.startsWith(QStringLiteral("Error while parsing XML file 'f.xml' at line ")));
+        EXPECT_TRUE(error.startsWith("Error while parsing XML file 'f.xml' at line "));
         EXPECT_THROW(KuxXmlMementoFile::bytesToMemento(bytes, QString()), HbeProgrammingError);
     }
     EXPECT_EQ(parseError(nested(1000)), QString());
@@ -177,7 +162,7 @@ TEST_F(KuxXmlTest, ForeignFilesReadAsByTheBareParserOrFailWithAPlace)
                     << name.toStdString();
                 good += qstrcmp(kind, "good") == 0;
             } catch (const HbeProgrammingError& error) {
-                EXPECT_TRUE(error.getMessage().contains(QStringLiteral("at line")));
+                EXPECT_TRUE(error.getMessage().contains("at line"));
                 EXPECT_TRUE(qstrcmp(kind, "good") != 0 || !ok)
                     << name.toStdString() << error.what();
             }
@@ -188,19 +173,19 @@ TEST_F(KuxXmlTest, ForeignFilesReadAsByTheBareParserOrFailWithAPlace)
 
 TEST_F(KuxXmlTest, TextElementsReadBackAsTheyWereSaved)
 {
-    const QString texts[] = {QStringLiteral("plain"),     QStringLiteral("two\nlines ]]> <b>&"),
-                             QStringLiteral(" \t"),       QStringLiteral(" \r\n"),
-                             QStringLiteral("a\rb\r\nc"), QString(),
-                             QStringLiteral("]]>"),       QStringLiteral("line\nfeed")};
+    const QString texts[] = {"plain",     QStringLiteral("two\nlines ]]> <b>&"),
+                             " \t",       QStringLiteral(" \r\n"),
+                             "a\rb\r\nc", QString(),
+                             "]]>",       QStringLiteral("line\nfeed")};
     QDomDocument document;
-    QDomElement root = document.createElement(QStringLiteral("r"));
+    QDomElement root = document.createElement("r");
     document.appendChild(root);
     for (const QString& text : texts) {
-        root.appendChild(KuxXml::createTextOrCDATANode(document, QStringLiteral("t"), text));
-        root.appendChild(KuxXml::createCDataNode(document, QStringLiteral("c"), text));
+        root.appendChild(KuxXml::createTextOrCDATANode(document, "t", text));
+        root.appendChild(KuxXml::createCDataNode(document, "c", text));
     }
     EXPECT_TRUE(root.lastChild().firstChild().isCDATASection());
-    const QString path = m_folder.filePath(QStringLiteral("a.xml"));
+    const QString path = m_folder.filePath("a.xml");
     KuxXml::saveXml(path, document);
     KuxXml::readXml(path, document);
     QDomElement element = document.documentElement().firstChildElement();
@@ -220,70 +205,68 @@ TEST_F(KuxXmlTest, ElementHelpersKeepTheirRules)
     KuxXml::readXml("<r><a n='1'>x</a><b><a n='2'><c/></a></b><a n='1'/><d>t<e/></d></r>",
                     QString(), document);
     const QDomElement root = document.documentElement();
-    const QString a = QStringLiteral("a");
-    const QString n = QStringLiteral("n");
+    const QString a = "a";
+    const QString n = "n";
     EXPECT_EQ(KuxXml::getElementsFromTag(root, a, false).size(), 2);
     EXPECT_EQ(KuxXml::getElementsFromTag(root, a, true).size(), 3);
-    EXPECT_EQ(KuxXml::getElementsFromAttribute(root, a, n, QStringLiteral("1"), true).size(), 2);
-    EXPECT_TRUE(KuxXml::getElementFromAttribute(root, a, n, QStringLiteral("2"), false).isNull());
-    EXPECT_EQ(KuxXml::getElementFromAttribute(root, QString(), n, QStringLiteral("2"), true)
+    EXPECT_EQ(KuxXml::getElementsFromAttribute(root, a, n, "1", true).size(), 2);
+    EXPECT_TRUE(KuxXml::getElementFromAttribute(root, a, n, "2", false).isNull());
+    EXPECT_EQ(KuxXml::getElementFromAttribute(root, QString(), n, "2", true)
                   .firstChildElement()
                   .tagName(),
-              QStringLiteral("c"));
-    EXPECT_EQ(KuxXml::getElementFromPath(root, QStringLiteral("/b//a/c")).tagName(),
-              QStringLiteral("c"));
-    EXPECT_TRUE(KuxXml::getElementFromPath(root, QStringLiteral("b/z/c")).isNull());
+              "c");
+    EXPECT_EQ(KuxXml::getElementFromPath(root, "/b//a/c").tagName(), "c");
+    EXPECT_TRUE(KuxXml::getElementFromPath(root, "b/z/c").isNull());
 
     QDomElement first = root.firstChildElement(a);
-    KuxXml::setValue(first, QStringLiteral("y"));
-    EXPECT_EQ(KuxXml::getValue(first), QStringLiteral("y"));
+    KuxXml::setValue(first, "y");
+    EXPECT_EQ(KuxXml::getValue(first), "y");
     QDomElement empty = root.lastChildElement(a);
-    KuxXml::setValue(empty, QStringLiteral("z"));
-    EXPECT_EQ(KuxXml::getValue(empty), QStringLiteral("z"));
-    QDomElement parent = root.firstChildElement(QStringLiteral("b"));
-    KuxXml::setValue(parent, QStringLiteral("no"));
+    KuxXml::setValue(empty, "z");
+    EXPECT_EQ(KuxXml::getValue(empty), "z");
+    QDomElement parent = root.firstChildElement("b");
+    KuxXml::setValue(parent, "no");
     EXPECT_EQ(parent.text(), QString());
     EXPECT_EQ(KuxXml::getValue(QDomElement()), QString());
 
     KuxXml::removeNodeLevel(parent);
     EXPECT_EQ(KuxXml::getElementsFromTag(root, a, false).size(), 3);
-    EXPECT_EQ(root.childNodes().at(1).toElement().attribute(n), QStringLiteral("2"));
+    EXPECT_EQ(root.childNodes().at(1).toElement().attribute(n), "2");
 }
 
 TEST_F(KuxXmlTest, ScalarsAreStrictAndInTheCLocale)
 {
     bool ok = true;
-    EXPECT_TRUE(KuxXml::decodeBool(QStringLiteral("YES"), &ok));
+    EXPECT_TRUE(KuxXml::decodeBool("YES", &ok));
     EXPECT_TRUE(ok);
-    EXPECT_FALSE(KuxXml::decodeBool(QStringLiteral("1"), &ok));
+    EXPECT_FALSE(KuxXml::decodeBool("1", &ok));
     EXPECT_FALSE(ok);
-    EXPECT_TRUE(KuxXml::decodeBool(QStringLiteral("maybe"), true));
-    EXPECT_FALSE(KuxXml::decodeBool(QStringLiteral("No"), true));
-    EXPECT_EQ(KuxXml::decodeInt(QStringLiteral("3.7"), -1), -1);
-    EXPECT_EQ(KuxXml::decodeInt16(QStringLiteral("40000"), qint16(-1)), -1);
-    EXPECT_EQ(KuxXml::decodeUint64(QStringLiteral("18446744073709551615"), 0), ~quint64(0));
-    EXPECT_EQ(KuxXml::decodeDouble(QStringLiteral("1,5"), -1.0), -1.0);
+    EXPECT_TRUE(KuxXml::decodeBool("maybe", true));
+    EXPECT_FALSE(KuxXml::decodeBool("No", true));
+    EXPECT_EQ(KuxXml::decodeInt("3.7", -1), -1);
+    EXPECT_EQ(KuxXml::decodeInt16("40000", qint16(-1)), -1);
+    EXPECT_EQ(KuxXml::decodeUint64("18446744073709551615", 0), ~quint64(0));
+    EXPECT_EQ(KuxXml::decodeDouble("1,5", -1.0), -1.0);
     for (const double value : {0.1, 1.0 / 3, 1e300, -5.0, 5e-324, -0.0}) {
         const double back = KuxXml::decodeDouble(KuxXml::encodeDouble(value), 99.0);
         EXPECT_EQ(std::signbit(back), std::signbit(value));
         EXPECT_EQ(back, value);
     }
-    EXPECT_EQ(KuxXml::encodeDouble(0.1), QStringLiteral("0.1"));
+    EXPECT_EQ(KuxXml::encodeDouble(0.1), "0.1");
 
     QDomDocument document;
-    QDomElement element = document.createElement(QStringLiteral("e"));
-    element.setAttribute(QStringLiteral("on"), QStringLiteral("True"));
-    element.setAttribute(QStringLiteral("n"), QStringLiteral("12"));
-    EXPECT_TRUE(KuxXml::decodeBool(element, QStringLiteral("on"), false));
-    EXPECT_TRUE(KuxXml::decodeBool(element, QStringLiteral("off"), true));
-    EXPECT_EQ(KuxXml::decodeInt(element, QStringLiteral("n"), 0), 12);
+    QDomElement element = document.createElement("e");
+    element.setAttribute("on", "True");
+    element.setAttribute("n", "12");
+    EXPECT_TRUE(KuxXml::decodeBool(element, "on", false));
+    EXPECT_TRUE(KuxXml::decodeBool(element, "off", true));
+    EXPECT_EQ(KuxXml::decodeInt(element, "n", 0), 12);
 
-    const HbbOrderedMap<QString, QString> fields{{QStringLiteral("z"), QStringLiteral("1\n2")},
-                                                 {QStringLiteral("a"), QString()}};
+    const HbbOrderedMap<QString, QString> fields{{"z", "1\n2"}, {"a", QString()}};
     KuxXml::saveFields(document, element, fields);
     const HbbOrderedMap<QString, QString> back = KuxXml::loadFields(element);
-    EXPECT_EQ(back.value(QStringLiteral("z")), QStringLiteral("1\n2"));
-    EXPECT_EQ(back.begin()->first, QStringLiteral("z"));
+    EXPECT_EQ(back.value("z"), "1\n2");
+    EXPECT_EQ(back.begin()->first, "z");
     EXPECT_EQ(back.size(), 2);
 }
 } // namespace

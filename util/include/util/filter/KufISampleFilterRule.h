@@ -44,7 +44,8 @@ public:
     /// what may be damaged asks findInvalidFields before.
     virtual void fromQVariantMap(const QVariantMap& map, int version) = 0;
 
-    /// The keys of the map whose values this kind of rule cannot read. Changes nothing.
+    /// The keys whose values this kind of rule cannot read, and those that are missing though every
+    /// stored rule of that version has them. Changes nothing.
     virtual QStringList findInvalidFields(const QVariantMap& map, int version) const = 0;
 
     /// Same kind and same fields, those that are not in use included.

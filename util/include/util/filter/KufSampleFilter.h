@@ -50,9 +50,9 @@ public:
     void clear();
 
     /// The filter as a map, and back; docs/formats/sample-filter.md lists the keys. What cannot be
-    /// read exactly as it was meant (a kind, a version or a value that is not known, no rules at
-    /// all) is a user error that names the rule and the key, and the filter stays as it was: a
-    /// damaged filter must not select other samples. setMemento raises the same error.
+    /// read exactly as it was meant (a kind, a version or a value that is not known or missing, no
+    /// rules at all) is a user error that names the rule and the key, and the filter stays as it
+    /// was: a damaged filter must not select other samples. setMemento raises the same error.
     QVariantMap toQVariantMap() const;
     void fromQVariantMap(const QVariantMap& map);
 

@@ -28,10 +28,8 @@ public:
 protected:
     const KufISampleFilter* _getFilter() const { return m_filter; }
 
-    /// True for a filter without rules, which has no tree.
-    bool _isEmpty() const;
-
-    /// Visits the whole tree; for constructors of final classes.
+    /// Visits the whole tree, nothing for a filter without rules; for constructors of final
+    /// classes.
     void _traverse();
 
 private:

@@ -6,6 +6,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QList>
+#include <QtCore/QSet>
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
@@ -52,9 +53,9 @@ public:
     /// selects.
     QString getEscapedPythonString() const { return m_escaped.result(); }
 
-    /// The characters of the rules' texts that end or change a quoted text in the form without
-    /// escapes, a line each: "R2: the text 'O'Hara' holds the character ' (U+0027) at 2.". Empty
-    /// when both forms mean the same texts.
+    /// The texts of the rules that hold a character which ends or changes a quoted text in the form
+    /// without escapes, a line each, with the first such character: "R2: the text 'O'Hara' holds
+    /// the character ' (U+0027) at 2.". Empty when both forms mean the same texts.
     const QStringList& findQuotingFaults() const { return m_quotingFaults; }
 
     /// The numbers that 12 decimals do not hold, a line each: "R1: the number 1e-20 has more than
@@ -80,6 +81,7 @@ private:
     QString m_mapping;
     Operands m_plain;
     Operands m_escaped;
+    QSet<int> m_checkedRules;
     QStringList m_quotingFaults;
     QStringList m_roundedNumbers;
 };

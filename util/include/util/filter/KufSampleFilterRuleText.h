@@ -23,8 +23,9 @@ class KufISampleFilterRule;
 ///
 /// Words are read in any case. A name of letters, digits, "_" and "." that begins with a letter or
 /// "_" stands as it is, any other (and the words above) in double quotes; the name of a category
-/// may begin with a digit and hold "-", too. In double quotes \" \\ \n \r \t and \u with four
-/// hexadecimal digits stand for characters. Numbers are in the C locale; "inf" is a number.
+/// may begin with a digit and hold "-", too. A realization or a component is named in full. In
+/// double quotes \" \\ \n \r \t and \u with four hexadecimal digits stand for characters. Numbers
+/// are in the C locale; "inf" is a number.
 ///
 /// Parsing a printed rule gives a rule of the same condition on the same variable: of a numeric or
 /// alpha rule the fields of the mode in use, which are all that is printed.

@@ -64,6 +64,10 @@ public:
         Counts& operator+=(const Counts& other);
     };
 
+    /// The unit of class ANGLE for one of LONGITUDE or LATITUDE, which have classes of their own with
+    /// the same keys; any other unit as it is. Nothing converts between classes.
+    static HbuUnit toAngle(const HbuUnit& unit);
+
     /// Each system in its own unit. HbeUserError, with the text form of the system and PROJ's
     /// reason, for a system that is not valid, between a local system and one on Earth, and where
     /// PROJ knows no operation.
