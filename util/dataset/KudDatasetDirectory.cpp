@@ -6,7 +6,6 @@
 #include <basic/base/HbbDebug.h>
 #include <basic/calc/HbcCancelled.h>
 #include <basic/error/HbeDiskError.h>
-#include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
 #include <QtCore/QFile>
@@ -49,16 +48,6 @@ bool isMementoName(const QString& fileName)
     return pattern.match(fileName).hasMatch();
 }
 
-/// What an error says, without the place in our sources that a programming error names: here it is
-/// the user's file that is at fault.
-QString reasonOf(const HbeError& error)
-{
-    const QString message = error.getMessage();
-    const bool isOurs = dynamic_cast<const HbeProgrammingError*>(&error) != nullptr;
-    const int end = isOurs ? message.indexOf(QLatin1String(":\n\n")) : -1;
-    return end < 0 ? message : message.mid(end + 3);
-}
-
 /// The field "name" of a memento file. The fields stand in key order, so it comes before the
 /// values, and these are not read.
 QString peekName(const QString& path)
@@ -85,88 +74,36 @@ QString peekName(const QString& path)
 
 KudDatasetDirectory::KudDatasetDirectory(const QString& path,
                                          const KudGenericDatasetFactory* factory)
-    : m_directory(path)
+    : KuxMementoDirectory(path, KudADataset::getMementoRelation(), tr("dataset"))
     , m_factory(factory)
 {
 }
 
-void KudDatasetDirectory::requireExists() const
-{
-    if (!m_directory.exists())
-        throw HbeUserError(tr("There is no directory '%1'.").arg(m_directory.path()));
-}
-
-QList<KuuId> KudDatasetDirectory::getIds() const
-{
-    requireExists();
-    return KuxXmlMementoFile::getIdList(m_directory, KudADataset::getMementoRelation());
-}
-
 QString KudDatasetDirectory::readName(const KuuId& id) const
 {
-    const QString name = peekName(m_directory.filePath(KuxXmlMementoFile::getFileName(id)));
+    const QString name = peekName(filePath(id));
     return name.isEmpty() ? read(id)->getName() : name;
-}
-
-QString KudDatasetDirectory::readNameOrWarn(const KuuId& id) const
-{
-    try {
-        return readName(id);
-    } catch (const HbeUserError& error) {
-        HbbDebug::printWarning(error.getMessage());
-        return QString();
-    }
-}
-
-QStringList KudDatasetDirectory::getNames() const
-{
-    QStringList names;
-    const QList<KuuId> ids = getIds();
-    for (const KuuId& id : ids) {
-        const QString name = readNameOrWarn(id);
-        if (!name.isEmpty())
-            names.append(name);
-    }
-    return names;
-}
-
-KuuId KudDatasetDirectory::findName(const QString& name) const
-{
-    KuuId found;
-    const QList<KuuId> ids = getIds();
-    for (const KuuId& id : ids) {
-        if (readNameOrWarn(id) != name)
-            continue;
-        if (found.isValid())
-            throw HbeUserError(tr("'%1' holds more than one dataset of the name '%2'.")
-                                   .arg(m_directory.path(), name));
-        found = id;
-    }
-    return found;
 }
 
 std::unique_ptr<KudADataset> KudDatasetDirectory::read(const KuuId& id) const
 {
-    try {
-        return orDefault(m_factory).create(KuxXmlMementoFile::read(m_directory, id), true);
-    } catch (const HbeError& error) {
-        throw HbeUserError(
-            tr("Cannot read the dataset file '%1': %2")
-                .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)), reasonOf(error)));
-    }
+    std::unique_ptr<KudADataset> dataset;
+    readMemento(id, [&](const KuuMemento& memento) {
+        dataset = orDefault(m_factory).create(memento, true);
+    });
+    return dataset;
 }
 
 void KudDatasetDirectory::save(const KudADataset& dataset, const KuuId& id) const
 {
-    const bool existed = m_directory.exists();
-    if (!existed && !m_directory.mkpath(QStringLiteral(".")))
-        throw HbeDiskError(tr("Cannot create the directory '%1'.").arg(m_directory.path()));
+    const bool existed = exists();
+    if (!existed && !directory().mkpath(QStringLiteral(".")))
+        throw HbeDiskError(tr("Cannot create the directory '%1'.").arg(getPath()));
     try {
-        const KuuMemento memento = dataset.getMemento();
-        KuxXmlMementoFile::save(m_directory, id.isValid() ? KuuMemento(id, memento) : memento);
+        saveMemento(dataset.getMemento(), id);
     } catch (...) {
         if (!existed)
-            m_directory.rmdir(QStringLiteral("."));
+            directory().rmdir(QStringLiteral("."));
         throw;
     }
 }
@@ -175,7 +112,7 @@ void KudDatasetDirectory::checkMemento(FileCheck& file) const
 {
     const WarningCollector collector(file.warnings);
     try {
-        const KuuMemento memento = KuxXmlMementoFile::read(m_directory.filePath(file.fileName));
+        const KuuMemento memento = KuxXmlMementoFile::read(directory().filePath(file.fileName));
         file.id = memento.getId();
         const QString expected = KuxXmlMementoFile::getFileName(file.id);
         if (expected != file.fileName)
@@ -194,7 +131,7 @@ std::vector<KudDatasetDirectory::FileCheck>
 KudDatasetDirectory::check(const Progress& progress) const
 {
     requireExists();
-    const QStringList names = m_directory.entryList(
+    const QStringList names = directory().entryList(
         QDir::Files | QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
     std::vector<FileCheck> files;
     QHash<QString, QString> fileOfName;
