@@ -49,88 +49,35 @@ bool isMementoName(const QString& fileName)
 
 KudDatasetDirectory::KudDatasetDirectory(const QString& path,
                                          const KudGenericDatasetFactory* factory)
-    : m_directory(path)
+    : KuxMementoDirectory(path, KudADataset::getMementoRelation(), tr("dataset"))
     , m_factory(factory)
 {
 }
 
-void KudDatasetDirectory::requireExists() const
+QString KudDatasetDirectory::_readNameOf(const KuuId& id) const
 {
-    if (!m_directory.exists())
-        throw HbeUserError(tr("There is no directory '%1'.").arg(m_directory.path()));
-}
-
-QList<KuuId> KudDatasetDirectory::getIds() const
-{
-    requireExists();
-    return KuxXmlMementoFile::getIdList(m_directory, KudADataset::getMementoRelation());
-}
-
-QString KudDatasetDirectory::readName(const KuuId& id) const
-{
-    const QString name = KuxXmlMementoFile::peekText(m_directory, id, QStringLiteral("name"));
-    return name.isEmpty() ? read(id)->getName() : name;
-}
-
-QString KudDatasetDirectory::readNameOrWarn(const KuuId& id) const
-{
-    try {
-        return readName(id);
-    } catch (const HbeUserError& error) {
-        HbbDebug::printWarning(error.getMessage());
-        return QString();
-    }
-}
-
-QStringList KudDatasetDirectory::getNames() const
-{
-    QStringList names;
-    const QList<KuuId> ids = getIds();
-    for (const KuuId& id : ids) {
-        const QString name = readNameOrWarn(id);
-        if (!name.isEmpty())
-            names.append(name);
-    }
-    return names;
-}
-
-KuuId KudDatasetDirectory::findName(const QString& name) const
-{
-    KuuId found;
-    const QList<KuuId> ids = getIds();
-    for (const KuuId& id : ids) {
-        if (readNameOrWarn(id) != name)
-            continue;
-        if (found.isValid())
-            throw HbeUserError(tr("'%1' holds more than one dataset of the name '%2'.")
-                                   .arg(m_directory.path(), name));
-        found = id;
-    }
-    return found;
+    return read(id)->getName();
 }
 
 std::unique_ptr<KudADataset> KudDatasetDirectory::read(const KuuId& id) const
 {
-    try {
-        return orDefault(m_factory).create(KuxXmlMementoFile::read(m_directory, id), true);
-    } catch (const HbeError& error) {
-        throw HbeUserError(tr("Cannot read the dataset file '%1': %2")
-                               .arg(m_directory.filePath(KuxXmlMementoFile::getFileName(id)),
-                                    KuxXmlMementoFile::getReason(error)));
-    }
+    std::unique_ptr<KudADataset> dataset;
+    readMemento(id, [&](const KuuMemento& memento) {
+        dataset = orDefault(m_factory).create(memento, true);
+    });
+    return dataset;
 }
 
 void KudDatasetDirectory::save(const KudADataset& dataset, const KuuId& id) const
 {
-    const bool existed = m_directory.exists();
-    if (!existed && !m_directory.mkpath(QStringLiteral(".")))
-        throw HbeDiskError(tr("Cannot create the directory '%1'.").arg(m_directory.path()));
+    const bool existed = exists();
+    if (!existed && !directory().mkpath(QStringLiteral(".")))
+        throw HbeDiskError(tr("Cannot create the directory '%1'.").arg(getPath()));
     try {
-        const KuuMemento memento = dataset.getMemento();
-        KuxXmlMementoFile::save(m_directory, id.isValid() ? KuuMemento(id, memento) : memento);
+        saveMemento(dataset.getMemento(), id);
     } catch (...) {
         if (!existed)
-            m_directory.rmdir(QStringLiteral("."));
+            directory().rmdir(QStringLiteral("."));
         throw;
     }
 }
@@ -139,7 +86,7 @@ void KudDatasetDirectory::checkMemento(FileCheck& file) const
 {
     const WarningCollector collector(file.warnings);
     try {
-        const KuuMemento memento = KuxXmlMementoFile::read(m_directory.filePath(file.fileName));
+        const KuuMemento memento = KuxXmlMementoFile::read(directory().filePath(file.fileName));
         file.id = memento.getId();
         const QString expected = KuxXmlMementoFile::getFileName(file.id);
         if (expected != file.fileName)
@@ -158,7 +105,7 @@ std::vector<KudDatasetDirectory::FileCheck>
 KudDatasetDirectory::check(const Progress& progress) const
 {
     requireExists();
-    const QStringList names = m_directory.entryList(
+    const QStringList names = directory().entryList(
         QDir::Files | QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
     std::vector<FileCheck> files;
     QHash<QString, QString> fileOfName;

@@ -1,25 +1,16 @@
 #pragma once
 
-#include <util/KuExport.h>
-#include <util/utils/KuuId.h>
+#include <util/xml/KuxMementoDirectory.h>
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
-#include <QtCore/QStringList>
-
-#include <functional>
 #include <memory>
 #include <vector>
 
 class KudADataset;
 class KudGenericDatasetFactory;
 
-/// A directory of datasets, one memento file each ("dataset_UUID.xml"): what a project keeps on
-/// disk. Other files may lie beside them. Nothing is cached: another program may write to the
-/// directory at the same time, and each file is read and replaced as a whole.
-///
-/// Errors of a file are HbeUserError with its path: it is the user's file that is damaged.
-class KELVANE_UTIL_EXPORT KudDatasetDirectory
+/// The datasets of a directory ("dataset_UUID.xml"): what a project keeps on disk. Names are read
+/// without the values.
+class KELVANE_UTIL_EXPORT KudDatasetDirectory : public KuxMementoDirectory
 {
     Q_DECLARE_TR_FUNCTIONS(KudDatasetDirectory)
 
@@ -41,22 +32,6 @@ public:
     explicit KudDatasetDirectory(const QString& path,
                                  const KudGenericDatasetFactory* factory = nullptr);
 
-    bool exists() const { return m_directory.exists(); }
-    QString getPath() const { return m_directory.path(); }
-
-    /// The datasets, by file name; a user error when the directory does not exist.
-    QList<KuuId> getIds() const;
-
-    /// The name of a dataset, without reading its values.
-    QString readName(const KuuId& id) const;
-
-    /// The names of all datasets. A damaged file is warned of and left out, here and in findName:
-    /// it must not shut the way to the others.
-    QStringList getNames() const;
-
-    /// The dataset of that name, or an id that is not valid. A user error when there are several.
-    KuuId findName(const QString& name) const;
-
     /// The dataset that was saved, with its identity.
     std::unique_ptr<KudADataset> read(const KuuId& id) const;
 
@@ -69,10 +44,8 @@ public:
     std::vector<FileCheck> check(const Progress& progress = Progress()) const;
 
 private:
-    void requireExists() const;
-    QString readNameOrWarn(const KuuId& id) const;
+    QString _readNameOf(const KuuId& id) const override;
     void checkMemento(FileCheck& file) const;
 
-    QDir m_directory;
     const KudGenericDatasetFactory* m_factory;
 };
