@@ -12,9 +12,9 @@
 #include <basic/data/HbdVariableReal32.h>
 #include <basic/data/HbdVariableText.h>
 
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -75,11 +75,7 @@ protected:
         return write(exportData);
     }
 
-    QByteArray readFile() const
-    {
-        QFile file(path());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-    }
+    QByteArray readFile() const { return readBytes(path()); }
 
     std::vector<std::unique_ptr<HbdAVariable>> m_columns;
 

@@ -4,6 +4,7 @@
 #include <util/extern/KueTableImport.h>
 #include <util/extern/KueTableReader.h>
 
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 #include <basic/data/HbdVariableEnum.h>
@@ -227,15 +228,6 @@ QByteArray writeTable(const HbdDataTable& table, const KueCsv& codec)
     return writer.toByteArray();
 }
 
-QString writeFile(const QTemporaryDir& directory, const QByteArray& bytes)
-{
-    const QString path = directory.filePath("table.csv");
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    return path;
-}
-
 /// A table of every type, with gaps and texts that need quotes.
 HbdDataTable makeTable(std::mt19937& random, int rows)
 {
@@ -289,7 +281,8 @@ TEST(RoundTripTest, WhatLeavesComesBackAndLeavesAgainTheSame)
         const QByteArray bytes = writeTable(table, codec);
         KueTableOptions options;
         options.blockSize = 1 + trial; // rows, quotes and characters end in the next block
-        const KueTableResult result = KueTableReader(options).read(writeFile(directory, bytes));
+        const KueTableResult result =
+            KueTableReader(options).read(writeBytes(directory.filePath("table.csv"), bytes));
         EXPECT_EQ(writeTable(result.table, codec), bytes);
         for (const char* name : {"shortest", "text"}) {
             const HbdAVariable& column = *result.table.findVariable(name);

@@ -1,5 +1,6 @@
 #include <util/extern/KueTableReader.h>
 
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 #include <basic/base/HbbGlobal.h>
@@ -20,11 +21,7 @@ class KueTableReaderTest : public testing::Test
 protected:
     QString write(const QByteArray& bytes)
     {
-        const QString path = m_directory.filePath("table.csv");
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        return path;
+        return writeBytes(m_directory.filePath("table.csv"), bytes);
     }
     KueTableResult read(const QByteArray& bytes, const KueTableOptions& options = {})
     {

@@ -2,6 +2,7 @@
 
 #include <util/system/KusFileUtils.h>
 
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 #include <QtCore/QDateTime>
@@ -15,14 +16,6 @@
 namespace
 {
 using Outcome = HbcAProgress::Outcome;
-
-void write(const QString& path, const QByteArray& bytes)
-{
-    ASSERT_TRUE(QFileInfo(path).absoluteDir().mkpath("."));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 /// Every entry with its kind, permissions, time, content or link text.
 QStringList describe(const QString& directory)
@@ -56,14 +49,14 @@ class KusDirUtilsTest : public testing::Test
 protected:
     void SetUp() override
     {
-        write(at("source/a.bin"), QByteArray(3 << 20, 'x') + "end");
-        write(at("source/.hidden"), "hidden");
-        write(at("source/sub/script"), "run");
-        write(at("outside/kept.txt"), "kept");
+        writeBytes(at("source/a.bin"), QByteArray(3 << 20, 'x') + "end");
+        writeBytes(at("source/.hidden"), "hidden");
+        writeBytes(at("source/sub/script"), "run");
+        writeBytes(at("outside/kept.txt"), "kept");
         QDir dir(m_dir.path());
         ASSERT_TRUE(dir.mkpath("source/empty") && dir.mkpath("source/closed") &&
                     dir.mkpath("target"));
-        write(at("source/closed/file"), "closed");
+        writeBytes(at("source/closed/file"), "closed");
         QFile::setPermissions(at("source/sub/script"), QFile::ReadOwner | QFile::ExeOwner);
         QFile::setPermissions(at("source/closed"), QFile::ReadOwner | QFile::ExeOwner);
         QFile script(at("source/.hidden"));
@@ -131,7 +124,7 @@ TEST_F(KusDirUtilsTest, RefusesWhatItCannotCopyAndChangesNothing)
 
 TEST_F(KusDirUtilsTest, ACancelRemovesThePartialCopyAndNothingElse)
 {
-    write(at("target/other.txt"), "other");
+    writeBytes(at("target/other.txt"), "other");
     const QStringList before = describe(m_dir.path());
     KusDirUtils task(at("source"));
     task.setOperation(KusDirUtils::Operation::COPY, at("target"));

@@ -3,6 +3,7 @@
 #include <basic/base/HbbDebug.h>
 
 #include "CapturedLog.h"
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 #include <chrono>
@@ -31,12 +32,6 @@ public:
 private:
     std::thread m_thread;
 };
-
-void touch(const QString& path)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-}
 } // namespace
 
 // What holds a directory up here is a file in it, which another thread takes away.
@@ -52,7 +47,7 @@ TEST(KusFileUtilsRetrySlowTest, RemovesWhatIsLockedForAMoment)
         const QString dir = parent.filePath("locked");
         const QString lock = dir + "/lock";
         ASSERT_TRUE(QDir().mkdir(dir));
-        touch(lock);
+        writeBytes(lock);
         CapturedLog warnings;
         const Later unlock(row.lockedFor, [lock] { QFile::remove(lock); });
         EXPECT_EQ(KusFileUtils::removePath(dir), row.removed) << row.lockedFor;
@@ -74,8 +69,8 @@ TEST(KusFileUtilsRetrySlowTest, RenamesWhenTheTargetIsFreed)
     const QTemporaryDir dir;
     const QString from = dir.filePath("from");
     const QString to = dir.filePath("to");
-    touch(from);
-    touch(to);
+    writeBytes(from);
+    writeBytes(to);
     CapturedLog warnings;
     {
         const Later free(500, [to] { QFile::remove(to); });
@@ -111,7 +106,7 @@ TEST(KusFileUtilsRetrySlowTest, AnInterruptedRemovalGivesTheRestItsNameBack)
         const QString tree = dir.filePath("tree");
         const QString closed = tree + "/closed";
         ASSERT_TRUE(QDir().mkpath(closed));
-        touch(closed + "/file");
+        writeBytes(closed + "/file");
         QFile::setPermissions(closed, QFile::ReadOwner | QFile::ExeOwner);
         CapturedLog warnings;
         EXPECT_FALSE(KusFileUtils::removePath(tree, true));

@@ -3,20 +3,13 @@
 #include <basic/error/HbeProgrammingError.h>
 
 #include "ErrorText.h"
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 #include <QtCore/QRegularExpression>
 
 namespace
 {
-void write(const QString& path, const QByteArray& bytes)
-{
-    ASSERT_TRUE(QFileInfo(path).absoluteDir().mkpath("."));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
 /// root/{a.txt (3 bytes), .hidden (4), sub/b.xml (5), sub/deep/c.txt (6), empty/}, out/kept.txt (7)
 /// and a link sub/link to out.
 class KusFileUtilsTest : public testing::Test
@@ -24,11 +17,11 @@ class KusFileUtilsTest : public testing::Test
 protected:
     void SetUp() override
     {
-        write(at("root/a.txt"), "123");
-        write(at("root/.hidden"), "1234");
-        write(at("root/sub/b.xml"), "12345");
-        write(at("root/sub/deep/c.txt"), "123456");
-        write(at("out/kept.txt"), "1234567");
+        writeBytes(at("root/a.txt"), "123");
+        writeBytes(at("root/.hidden"), "1234");
+        writeBytes(at("root/sub/b.xml"), "12345");
+        writeBytes(at("root/sub/deep/c.txt"), "123456");
+        writeBytes(at("out/kept.txt"), "1234567");
         ASSERT_TRUE(QDir(m_dir.path()).mkdir("root/empty"));
         ASSERT_TRUE(QFile::link(at("out"), at("root/sub/link")));
     }
@@ -97,7 +90,7 @@ TEST_F(KusFileUtilsTest, TheTestOfRemovalChangesNothing)
 TEST_F(KusFileUtilsTest, ADirectoryWhoseNameHasFullLengthCanBeRemoved)
 {
     const QString path = m_dir.filePath(QString(255, QLatin1Char('n')));
-    write(path + "/file", "1");
+    writeBytes(path + "/file", "1");
     EXPECT_TRUE(KusFileUtils::removePath(path, true));
     EXPECT_EQ(names(), (QStringList{"out", "root"}));
 }
@@ -130,7 +123,7 @@ TEST_F(KusFileUtilsTest, ListsSortedWithParentsFirst)
 TEST_F(KusFileUtilsTest, AHiddenFileMakesADirectoryNotEmpty)
 {
     EXPECT_TRUE(KusFileUtils::dirIsEmpty(QDir(at("root/empty"))));
-    write(at("root/empty/.hidden"), "");
+    writeBytes(at("root/empty/.hidden"), "");
     EXPECT_FALSE(KusFileUtils::dirIsEmpty(QDir(at("root/empty"))));
 }
 

@@ -4,6 +4,7 @@
 #include <basic/error/HbeUserError.h>
 
 #include "ErrorText.h"
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 namespace
@@ -108,9 +109,7 @@ TEST_F(KusPathTest, RefusesRelativePathsAndKeepsWhatItHeld)
 
 TEST_F(KusPathTest, ComparesPathsAndFiles)
 {
-    ASSERT_TRUE(QDir(m_dir.path()).mkdir("report"));
-    QFile file(at("report/a.txt"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    writeBytes(at("report/a.txt"));
     ASSERT_TRUE(QFile::link(at("report/a.txt"), at("link.txt")));
     const KusPath shortcut("%report%/a.txt", "p");
     const KusPath absolute(at("report/a.txt"));

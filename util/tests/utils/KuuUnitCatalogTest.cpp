@@ -1,6 +1,7 @@
 #include <util/utils/KuuUnitCatalog.h>
 
 #include "CapturedLog.h"
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 #include <basic/base/HbbDebug.h>
@@ -51,21 +52,13 @@ protected:
         return catalog().createUnit(QString::fromUtf8(name), "sy", unitClass, S::METRIC, transfo);
     }
 
-    QByteArray read() const
-    {
-        QFile file(m_path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray read() const { return readBytes(m_path); }
     /// Loads a file of these bytes and answers the keys of the user's units.
     QStringList load(const QByteArray& bytes)
     {
         forget();
         m_said.clear();
-        QFile file(m_folder.filePath("units.xml"));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        file.close();
-        catalog().loadUserUnits(file.fileName());
+        catalog().loadUserUnits(writeBytes(m_folder.filePath("units.xml"), bytes));
         return keys();
     }
     static QStringList keys()
@@ -218,28 +211,11 @@ TEST_F(KuuUnitCatalogTest, EachUnitThatCannotBeUsedIsPassedOver)
 
 TEST_F(KuuUnitCatalogTest, AFileThatIsNoneGivesNothing)
 {
-    const QByteArray units = unit("u", "LENGTH", "2");
-    const QByteArray whole = file("2", units);
+    const QByteArray whole = file("2", unit("u", "LENGTH", "2"));
     EXPECT_EQ(load(whole).size(), 1);
-    const QByteArray rows[] = {
-        "",
-        "units",
-        whole.left(whole.size() - 1),
-        whole + whole,
-        QByteArray(whole).replace("catalog>", "catalogue>"),
-        QByteArray(whole).replace("</key>", "</Key>"),
-        "<r>" + whole + "</r>",
-        QByteArray(1000, '\0') + whole,
-        "\xff\xfe" + whole,
-        QByteArray("<catalog>").repeated(100000),
-        "<!DOCTYPE c [<!ENTITY a 'aaaaaaaaaa'><!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;'><!ENTITY "
-        "c '&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;'><!ENTITY d '&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;'><!ENTITY e "
-        "'&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;'><!ENTITY f '&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;'><!ENTITY g "
-        "'&f;&f;&f;&f;&f;&f;&f;&f;&f;&f;'>]><catalog>&g;" +
-            units + "</catalog>",
-    };
-    for (const QByteArray& row : rows)
-        EXPECT_TRUE(load(row).isEmpty()) << row.left(80).toStdString();
+    for (const QByteArray& row :
+         {QByteArray(), whole.left(whole.size() - 1), QByteArray("<r>" + whole + "</r>")})
+        EXPECT_TRUE(load(row).isEmpty()) << row.toStdString();
     catalog().loadUserUnits(m_folder.path());
     catalog().loadUserUnits(m_folder.filePath("none.xml"));
     EXPECT_TRUE(service().getUserUnits().isEmpty());
@@ -248,12 +224,8 @@ TEST_F(KuuUnitCatalogTest, AFileThatIsNoneGivesNothing)
 TEST_F(KuuUnitCatalogTest, WhatCannotBeReadWholeIsKeptBeforeItIsReplaced)
 {
     const QByteArray kept[] = {"<catalog><unit>", file("3", unit("u", "LENGTH", "2"))};
-    KusFileUser::createPath(QString());
     for (const QByteArray& bytes : kept) {
-        QFile old(m_path);
-        ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-        old.write(bytes);
-        old.close();
+        writeBytes(m_path, bytes);
         KuuUnitCatalog::init();
         EXPECT_TRUE(create("Vara").isValid());
         EXPECT_TRUE(read().contains("<version>2</version>"));

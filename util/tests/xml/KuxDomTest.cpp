@@ -1,6 +1,7 @@
 #include <util/xml/KuxDom.h>
 
 #include "ErrorText.h"
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 #include <basic/error/HbeError.h>
@@ -16,12 +17,6 @@ class KuxDomTest : public testing::Test
 protected:
     KuxDomTest() { m_dom.load(QString(), true); }
 
-    void write(const QByteArray& bytes)
-    {
-        QFile file(m_path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(bytes);
-    }
     KuxDom reloaded() const
     {
         KuxDom dom(ROOT, m_path);
@@ -45,7 +40,7 @@ TEST_F(KuxDomTest, AMissingFileIsCreatedOnlyOnRequest)
     EXPECT_TRUE(dom.isValid());
     EXPECT_TRUE(QFile::exists(dom.filePath()));
 
-    write("<other/>");
+    writeBytes(m_path, "<other/>");
     EXPECT_EQ(errorOf<HbeError>([&] { dom.load(m_path); }),
               QString("DOM document load from XML file '%1' is not valid.").arg(m_path));
     EXPECT_FALSE(dom.isValid());
@@ -53,19 +48,19 @@ TEST_F(KuxDomTest, AMissingFileIsCreatedOnlyOnRequest)
 
 TEST_F(KuxDomTest, ValuesComeBackEqualFromTheFile)
 {
-    const QVariant values[] = {1,
-                               "1",
-                               2.5,
-                               true,
-                               " ",
-                               "a\r\nb",
-                               "",
-                               "@x",
-                               "é<",
-                               1e300,
-                               QByteArray("\0", 1),
-                               QVariant(),
-                               QVariantList{1, "x"}};
+    const QVariantList values{1,
+                              "1",
+                              2.5,
+                              true,
+                              QVariant(),
+                              " ",
+                              "",
+                              "@x",
+                              QByteArray("\0", 1),
+                              "a\r\nb",
+                              "é<",
+                              1e300,
+                              QVariantList{1, "x"}};
     int i = 0;
     for (const QVariant& value : values) {
         const QString path = QString("group/with blank/v%1").arg(i++);
@@ -95,7 +90,7 @@ TEST_F(KuxDomTest, SettingAnswersWhetherTheTextChanged)
 
 TEST_F(KuxDomTest, TheLastElementOfANameGoverns)
 {
-    write("<settings><a><b>1</b></a><a><b>2</b><b>3</b></a></settings>");
+    writeBytes(m_path, "<settings><a><b>1</b></a><a><b>2</b><b>3</b></a></settings>");
     m_dom.load();
     EXPECT_EQ(m_dom.get("a/b"), 3);
     EXPECT_TRUE(m_dom.set("a/b", 4));
@@ -133,7 +128,7 @@ TEST_F(KuxDomTest, SavingByHandAndForeignChangesAreSeen)
     EXPECT_FALSE(reloaded().get("a").isValid());
     EXPECT_FALSE(m_dom.isModifiedOnDisk());
     QThread::msleep(20);
-    write("<settings><a>7</a></settings>");
+    writeBytes(m_path, "<settings><a>7</a></settings>");
     EXPECT_TRUE(m_dom.isModifiedOnDisk());
     m_dom.save();
     EXPECT_FALSE(m_dom.isModifiedOnDisk());

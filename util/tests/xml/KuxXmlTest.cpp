@@ -1,6 +1,7 @@
 #include <util/xml/KuxXml.h>
 
 #include "ErrorText.h"
+#include "FileBytes.h"
 #include "QtPrinters.h"
 
 #include <basic/base/HbbOrderedMap.h>
@@ -17,14 +18,6 @@ namespace
 class KuxXmlTest : public testing::Test
 {
 protected:
-    QString write(const QString& name, const QByteArray& bytes)
-    {
-        QFile file(m_folder.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        return file.fileName();
-    }
-
     QTemporaryDir m_folder;
 };
 
@@ -62,15 +55,15 @@ TEST_F(KuxXmlTest, OnlyTheLegacyFileIsRepaired)
 {
     const QByteArray bytes("<r>\x07 12</r>");
     QDomDocument document;
-    const QString legacy = write("Itz", bytes);
+    const QString legacy = writeBytes(m_folder.filePath("Itz"), bytes);
     KuxXml::readXml(legacy, document);
     EXPECT_EQ(document.documentElement().text(), QString(QChar(0xA7)) + QStringLiteral(" 12"));
     EXPECT_FALSE(QFile::exists(legacy + QStringLiteral(".patched")));
 
-    KuxXml::readXml(write("Itz.xml", bytes), document);
+    KuxXml::readXml(writeBytes(m_folder.filePath("Itz.xml"), bytes), document);
     EXPECT_EQ(document.documentElement().text(), "\x07 12");
 
-    write("Itz", "<r>");
+    writeBytes(m_folder.filePath("Itz"), "<r>");
     EXPECT_THROW(KuxXml::readXml(legacy, document), HbeProgrammingError);
     EXPECT_TRUE(QFile::exists(legacy + QStringLiteral(".patched")));
 }
