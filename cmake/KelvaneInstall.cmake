@@ -9,6 +9,10 @@ install(FILES ${CMAKE_BINARY_DIR}/KelvaneConfig.cmake ${CMAKE_BINARY_DIR}/Kelvan
     DESTINATION ${package_dir})
 install(EXPORT KelvaneTargets NAMESPACE Kelvane:: DESTINATION ${package_dir})
 install(FILES ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+# Pure Python, the same for every architecture; with the prefix /usr where Debian's python3 looks.
+set(KELVANE_INSTALL_PYTHONDIR lib/python3/dist-packages CACHE PATH "Where the Python package goes")
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/python/kelvane DESTINATION ${KELVANE_INSTALL_PYTHONDIR}
+    FILES_MATCHING PATTERN "*.py" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
 
 if(KELVANE_BUILD_TESTS)
     # Installs into a staging prefix and builds the examples against it, as a user's project would.

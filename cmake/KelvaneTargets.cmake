@@ -76,7 +76,43 @@ function(kelvane_add_tests name)
         endif()
         add_test(NAME ${test} COMMAND ${test})
         set_tests_properties(${test} PROPERTIES LABELS ${label} TIMEOUT 600
-            ENVIRONMENT "${KELVANE_TEST_ENVIRONMENT};KELVANE_TOOL=$<TARGET_FILE:kelvane>;KELVANE_TEST_DATA=${CMAKE_SOURCE_DIR}/../shared/data;KELVANE_SOURCE_DIR=${CMAKE_SOURCE_DIR}")
+            ENVIRONMENT "${KELVANE_TEST_ENVIRONMENT};KELVANE_TOOL=$<TARGET_FILE:kelvane>;KELVANE_TEST_DATA=${CMAKE_SOURCE_DIR}/../shared/data;KELVANE_SOURCE_DIR=${CMAKE_SOURCE_DIR};KELVANE_PYTHON=${KELVANE_PYTHON}")
+    endforeach()
+endfunction()
+
+# The Python of the system, whose packages scripts/install-deps.sh installs; any other is second choice.
+find_program(KELVANE_PYTHON NAMES python3 PATHS /usr/bin NO_DEFAULT_PATH)
+find_program(KELVANE_PYTHON NAMES python3)
+
+# One test that runs Python with the package: kelvane_add_python_test(NAME unit COMMAND program...). It is
+# skipped, not failed, where it prints that a package "is not installed".
+function(kelvane_add_python_test name label)
+    cmake_parse_arguments(arg "" "WORKING_DIRECTORY" "COMMAND" ${ARGN})
+    if(NOT KELVANE_PYTHON)
+        message(STATUS "No test ${name}: python3 is not installed")
+        return()
+    endif()
+    if(NOT arg_WORKING_DIRECTORY)
+        set(arg_WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+    endif()
+    add_test(NAME ${name} COMMAND ${arg_COMMAND} WORKING_DIRECTORY ${arg_WORKING_DIRECTORY})
+    set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 600
+        SKIP_REGULAR_EXPRESSION "is not installed"
+        ENVIRONMENT "${KELVANE_TEST_ENVIRONMENT};PYTHONPATH=${CMAKE_SOURCE_DIR}/python;PYTHONDONTWRITEBYTECODE=1")
+endfunction()
+
+# Every python/tests/test_NAME.py is one test, of the label that the end of its name gives.
+function(kelvane_add_python_tests)
+    set(folder ${CMAKE_SOURCE_DIR}/python/tests)
+    file(GLOB tests CONFIGURE_DEPENDS ${folder}/test_*.py)
+    foreach(source IN LISTS tests)
+        get_filename_component(test ${source} NAME_WE)
+        set(label unit)
+        if(test MATCHES "_integration$")
+            set(label integration)
+        endif()
+        kelvane_add_python_test(python_${test} ${label} COMMAND
+            ${KELVANE_PYTHON} -W error -m unittest discover -v -s ${folder} -p ${test}.py)
     endforeach()
 endfunction()
 
@@ -95,6 +131,8 @@ function(kelvane_add_benchmarks)
         endif()
         add_executable(${bench} ${source})
         target_link_libraries(${bench} PRIVATE Kelvane::${library} ${ARGN})
+        target_compile_definitions(${bench} PRIVATE
+            KELVANE_PYTHON="${KELVANE_PYTHON}" KELVANE_PYTHON_PACKAGES="${CMAKE_SOURCE_DIR}/python")
         kelvane_compile_options(${bench})
         set_target_properties(${bench} PROPERTIES
             RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
