@@ -39,7 +39,10 @@ void KudSelectionModel::listenTo(QAbstractItemModel& model)
     connect(&model, &Model::rowsAboutToBeRemoved, this, release);
     connect(&model, &Model::rowsAboutToBeMoved, this, release);
     connect(&model, &Model::columnsAboutToBeInserted, this, release);
-    connect(&model, &Model::columnsAboutToBeRemoved, this, release);
+    connect(&model, &Model::columnsAboutToBeRemoved, this, [this] {
+        this->release();
+        m_areColumnsGoing = true;
+    });
     connect(&model, &Model::columnsAboutToBeMoved, this, release);
     connect(&model, &Model::layoutAboutToBeChanged, this, release);
     connect(&model, &Model::modelAboutToBeReset, this, release);
@@ -74,12 +77,14 @@ void KudSelectionModel::release()
 void KudSelectionModel::rowsReordered()
 {
     m_isReleased = false;
+    m_areColumnsGoing = false;
     mirror();
 }
 
 void KudSelectionModel::select(const QItemSelection& selection, SelectionFlags command)
 {
-    if (command == NoUpdate || m_selector == nullptr || !m_selector->prepareChange())
+    if (command == NoUpdate || m_areColumnsGoing || m_selector == nullptr ||
+        !m_selector->prepareChange())
         return;
     const KudSelectorBits& bits = m_selector->bits();
     // With Current, what was selected last makes way for what is selected now.
