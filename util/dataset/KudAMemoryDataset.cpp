@@ -215,7 +215,8 @@ void KudAMemoryDataset::_setFromMemento(const KuuMemento& memento)
     m_table->setFlags(Ku::DatasetFlags(flags));
     KuoOneNotice<KudDataTableModif> one(*m_table);
     m_table->setDataTable(std::move(table));
-    m_table->getMask()->setBitArray(mask);
+    if (!mask.isEmpty())
+        m_table->getMask()->setBitArray(mask);
     one.send();
 }
 

@@ -48,7 +48,8 @@ void KudSelectionModel::listenTo(QAbstractItemModel& model)
     connect(&model, &Model::modelAboutToBeReset, this, release);
     connect(&model, &Model::rowsAboutToBeInserted, this,
             [this](const QModelIndex& parent, int first) {
-                if (first < this->model()->rowCount(parent)) // samples at the end move no others
+                // New samples at the end are not selected, but those that an order shows again are.
+                if (m_order != nullptr || first < this->model()->rowCount(parent))
                     this->release();
             });
 
@@ -195,6 +196,8 @@ std::vector<HbiIntervalIntSmall> KudSelectionModel::rangesToMirror()
 {
     std::vector<HbiIntervalIntSmall> ranges;
     m_window = HbiIntervalIntSmall(0, model()->rowCount() - 1);
+    if (!m_selector->hasSelection())
+        return ranges;
     if (m_selector->getNSelected() <= MANY_ROWS) {
         const KudSelectorBits rows = selectedRows();
         int end = 0;

@@ -393,7 +393,13 @@ TEST(KudSelector, SelectsScatteredRanksAsItWouldOneByOne)
                                                  : QBitArray(COUNT);
         EXPECT_EQ(mask.getBitArray(), expected) << flag;
         EXPECT_EQ(mask.getNSelected(), expected.count(true));
+        EXPECT_TRUE(mask.invert());
+        EXPECT_EQ(mask.getBitArray(), ~expected);
+        EXPECT_TRUE(mask.invert());
     }
+    EXPECT_TRUE(mask.selectAll());
+    EXPECT_FALSE(mask.selectAll());
+    EXPECT_EQ(mask.getBitArray(), QBitArray(COUNT, true));
 }
 
 TEST(KudTableModel, ShowsAndEditsInTheDisplayUnitAndTheUsersDecimalSign)
