@@ -234,6 +234,11 @@ void KudADataTable::_clearHeaderCache() const
     m_data->header.setValid(false);
 }
 
+KudDataTableHeader* KudADataTable::_editHeader() const
+{
+    return m_data->header.isValid() ? &m_data->header : nullptr;
+}
+
 void KudADataTable::_clearValuesCache(const KudDatasetVariable&) const
 {
     _cacheClear();

@@ -168,26 +168,38 @@ KudDatasetVariable KudMemoryDataTable::nameOf(const HbdAVariable& variable) cons
 KudDataTableHeader KudMemoryDataTable::_rebuildHeader() const
 {
     KudDataTableHeader header;
-    QVector<KudDatasetVariable> row;
     m_columns.clear();
-    for (int i = 0; i < m_table.getVariableCount(); ++i) {
-        const HbdAVariable& column = *m_table.getVariableAt(i);
-        if (isFiltered(column))
-            continue;
-        const KudDatasetVariable variable = nameOf(column);
-        if (!variable.isValid())
-            continue; // of a table without a name: nobody could ask for it
-        HbdVariableDetails details = column.getDetails();
-        details.support = m_support;
-        header.addVariable(variable, details);
-        if (const auto* categories = dynamic_cast<const HbdVariableEnum*>(&column))
-            header.setCatalog(variable, categories->getCatalog());
-        m_columns.push_back(const_cast<HbdAVariable*>(&column));
-        row.append(variable);
-    }
-    m_row = std::make_shared<const QVector<KudDatasetVariable>>(std::move(row));
+    for (int i = 0; i < m_table.getVariableCount(); ++i)
+        appendToHeader(header, *m_table.getVariableAt(i));
+    m_row.reset();
     header.setValid(true);
     return header;
+}
+
+void KudMemoryDataTable::appendToHeader(KudDataTableHeader& header,
+                                        const HbdAVariable& column) const
+{
+    const KudDatasetVariable variable = nameOf(column);
+    if (isFiltered(column) || !variable.isValid())
+        return; // that of a table without a name: nobody could ask for it
+    HbdVariableDetails details = column.getDetails();
+    details.support = m_support;
+    header.addVariable(variable, details);
+    if (const auto* categories = dynamic_cast<const HbdVariableEnum*>(&column))
+        header.setCatalog(variable, categories->getCatalog());
+    m_columns.push_back(const_cast<HbdAVariable*>(&column));
+}
+
+const KudTableModif::Row& KudMemoryDataTable::variableRow() const
+{
+    _updateHeader();
+    if (m_row == nullptr) {
+        QVector<KudDatasetVariable> variables;
+        for (int i = 0; i < getVariableCount(); ++i)
+            variables.append(getVariableAt(i));
+        m_row = std::make_shared<const QVector<KudDatasetVariable>>(std::move(variables));
+    }
+    return m_row;
 }
 
 void KudMemoryDataTable::_cacheClear() const
@@ -228,7 +240,10 @@ KudDatasetVariable KudMemoryDataTable::_addVariable(HbdAVariable* variable)
         if (isShown)
             getModel()->beginInsertVariables(column, 1);
         m_table.addVariable(std::move(adopted));
-        _clearHeaderCache();
+        if (KudDataTableHeader* header = _editHeader()) { // tables have thousands of columns
+            appendToHeader(*header, *variable);
+            m_row.reset();
+        }
         if (isShown)
             getModel()->endInsertVariables();
     }

@@ -120,7 +120,7 @@ int KudMemoryDataTable::_createSampleRow(const SampleRow& row)
     if (written == 0)
         sample.tell(KudTableModif());
     else
-        sample.tell(written == columnCount ? KudTableModif(m_row, ranks)
+        sample.tell(written == columnCount ? KudTableModif(variableRow(), ranks)
                                            : modifOfCells(row, count, ranks));
     return rank;
 }
@@ -132,7 +132,7 @@ KudTableModif KudMemoryDataTable::modifOfCells(const SampleRow& row, int count,
     modif.reserve(count);
     for (int i = 0; i < count; ++i) {
         if (row.at(i).isValid())
-            modif.addChangedValues(m_row->at(i), ranks);
+            modif.addChangedValues(variableRow()->at(i), ranks);
     }
     return modif;
 }
@@ -165,8 +165,8 @@ int KudMemoryDataTable::_createSampleRows(const QList<SampleRow>& rows,
         m_table.setSampleCount(first + rows.size());
         fillRows(rows, defaults, first);
     }
-    if (!m_row->isEmpty())
-        notify(KudDataTableModif(KudTableModif(m_row, ranks)));
+    if (!variableRow()->isEmpty())
+        notify(KudDataTableModif(KudTableModif(variableRow(), ranks)));
     notifySampleAdded(ranks);
     return first;
 }

@@ -95,8 +95,10 @@ bool KudTableModel::setData(const QModelIndex& index, const QVariant& value, int
     const HbdAVariable* column = m_table.readValues(variable);
     if (column == nullptr || index.row() >= column->getCount())
         return false;
-    // An editor closed as it was opened must not change a digit by converting there and back.
-    if (value == KudTableUtils::valueToRole(Qt::EditRole, *column, index.row()))
+    // An editor closed as it was opened changes nothing: no digit by converting there and back, and
+    // no undefined text into an empty one.
+    const QVariant edited = KudTableUtils::valueToRole(Qt::EditRole, *column, index.row());
+    if (edited.isValid() ? value == edited : value.toString().isEmpty())
         return m_table.updateValue(variable, index.row(), column->getVariant(index.row()));
     const QVariant stored = KudTableUtils::editRoleToValue(column->getDetails(), value);
     // What cannot be stored leaves the cell as it is; only an empty text, or N/A, clears it.

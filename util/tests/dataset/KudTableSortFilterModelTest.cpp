@@ -1,5 +1,6 @@
 #include "KudDataTableFixture.h"
 
+#include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableModel.h>
 #include <util/dataset/KudTableSortFilterModel.h>
 
@@ -9,6 +10,7 @@
 #include <QtCore/QSortFilterProxyModel>
 #include <QtTest/QAbstractItemModelTester>
 #include <QtTest/QSignalSpy>
+#include <QtWidgets/QTableView>
 
 #include <algorithm>
 #include <map>
@@ -215,7 +217,7 @@ TEST_F(KudSortedTable, ShowsWhatQtsOwnModelShowsThroughRandomEdits)
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
     QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
     std::map<int, QPersistentModelIndex> held; // by key
-    for (int step = 0; step < 600; ++step) {
+    for (int step = 0; step < 300; ++step) {
         edit(step);
         check();
         if (HasFatalFailure())
@@ -234,4 +236,68 @@ TEST_F(KudSortedTable, ShowsWhatQtsOwnModelShowsThroughRandomEdits)
             held[expected[static_cast<std::size_t>(row)]] = model.index(row, Key);
         }
     }
+}
+
+/// Selections of rows are mapped as Qt maps them cell by cell.
+TEST_F(KudSortedTable, MapsRangesAsQtMapsTheirCells)
+{
+    model.sort(Value);
+    QBitArray kept(table.getSampleCount(), true);
+    kept.clearBit(3);
+    model.setFilter(kept);
+    const QItemSelection rows(model.index(2, Key), model.index(11, Value));
+    const QItemSelection ranks = model.mapSelectionToSource(rows);
+    const auto sorted = [](QModelIndexList indexes) {
+        std::sort(indexes.begin(), indexes.end());
+        return indexes;
+    };
+    EXPECT_EQ(sorted(ranks.indexes()),
+              sorted(model.QAbstractProxyModel::mapSelectionToSource(rows).indexes()));
+    EXPECT_EQ(sorted(model.mapSelectionFromSource(ranks).indexes()), sorted(rows.indexes()));
+}
+
+/// A million samples in a view: sorted, filtered, selected and edited, the ranks are right.
+TEST(KudTableSortFilterModel, ServesAViewOfAMillionSamples)
+{
+    constexpr int COUNT = 1000000;
+    KudMemoryDataTable table("Points");
+    const KudDatasetVariable x = table.createVariable(HbdVariableDetails("x"));
+    table.setSampleCount(COUNT);
+    std::vector<double> values(COUNT);
+    for (int rank = 0; rank < COUNT; ++rank)
+        values[std::size_t(rank)] = double(qint64(rank) * 7919 % COUNT); // a permutation
+    table.updateColumn(x, 0, HbdSpan<const double>(values.data(), COUNT));
+
+    KudTableSortFilterModel model(table);
+    QTableView view;
+    view.setSelectionMode(QAbstractItemView::ExtendedSelection);
+    view.setModel(&model);
+    view.setSelectionModel(model.getSelectionModel(*table.getHighlight()));
+    view.setSortingEnabled(true);
+    view.show();
+    view.sortByColumn(0, Qt::DescendingOrder);
+    QBitArray isEven(COUNT);
+    for (int rank = 0; rank < COUNT; ++rank)
+        isEven.setBit(rank, qint64(values[std::size_t(rank)]) % 2 == 0);
+    model.setFilter(isEven);
+    ASSERT_EQ(model.rowCount(), COUNT / 2);
+    view.scrollToBottom();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(model.index(COUNT / 2 - 1, 0).data(Qt::EditRole), "0");
+
+    view.selectAll();
+    EXPECT_EQ(table.getHighlight()->getBitArray(), isEven);
+    view.selectRow(3);
+    const int rank = table.getHighlight()->selectedRows().getMin();
+    EXPECT_EQ(table.getHighlight()->getNSelected(), 1);
+    EXPECT_EQ(values[std::size_t(rank)], COUNT - 8.0);
+
+    // What is edited stays in its row, and selected, until the rows are sorted again.
+    EXPECT_TRUE(model.setData(model.index(3, 0), "-1"));
+    EXPECT_EQ(model.getRow(rank), 3);
+    EXPECT_EQ(table.readValues(x)->getVariant(rank), -1.0);
+    view.sortByColumn(0, Qt::AscendingOrder);
+    EXPECT_EQ(model.getRow(rank), 0);
+    EXPECT_TRUE(view.selectionModel()->isRowSelected(0, QModelIndex()));
+    EXPECT_EQ(table.getHighlight()->selectedRows(), Ranks(rank));
 }

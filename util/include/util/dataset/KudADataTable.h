@@ -241,6 +241,7 @@ protected:
                              const KudDatasetVariable& variable) const;
     void _updateHeader() const;
     void _clearHeaderCache() const;
+    KudDataTableHeader* _editHeader() const; ///< for a small change in place; null when not valid
     void _clearValuesCache(const KudDatasetVariable& variable) const;
     void _setSupportTags(const HbbTags& tags);
     bool _isRoleHidden(const HbdEVarRole& role) const;

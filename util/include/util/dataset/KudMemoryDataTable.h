@@ -92,6 +92,8 @@ private:
 
     KudDatasetVariable nameOf(const HbdAVariable& variable) const;
     bool isFiltered(const HbdAVariable& variable) const;
+    void appendToHeader(KudDataTableHeader& header, const HbdAVariable& column) const;
+    const KudTableModif::Row& variableRow() const;
     bool renameColumns(const KudDatasetVariable& variable, const QString& name);
     void shownColumnsChanged();
     KudTableModif writeCells(int rank, const SampleValues& values);
@@ -107,5 +109,5 @@ private:
     HbdVarRoleFlags m_filteredRoles;
     QStringList m_filteredTags;
     mutable std::vector<HbdAVariable*> m_columns; // of m_table, in the order of the header
-    mutable KudTableModif::Row m_row;             // the header's variables, for the notices
+    mutable KudTableModif::Row m_row; // the header's variables, for the notices; made when needed
 };
