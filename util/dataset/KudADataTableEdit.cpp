@@ -55,9 +55,7 @@ bool KudADataTable::deleteVariable(const KudDatasetVariable& variable)
     if (!testFlag(Ku::CanDeleteVariables))
         return false;
     _updateHeader();
-    OneNotice notice(*this); // what was selected may go with the last variable
     _deleteVariable(variable);
-    notice.send();
     return true; // permission is what is reported
 }
 
@@ -125,6 +123,8 @@ bool KudADataTable::deleteSamples(const HbiIntervalIntSmallDisjoint& ranks)
     if (ranks.getMin() < 0 || ranks.getMax() >= getSampleCount())
         return false;
 
+    const int masked = m_data->mask.getNSelected();
+    const int highlighted = m_data->highlight.getNSelected();
     OneNotice notice(*this);
     const bool done = ranks.getIntervalCount() > MANY_INTERVALS && _deleteSampleSet(ranks);
     if (!done) {
@@ -133,6 +133,10 @@ bool KudADataTable::deleteSamples(const HbiIntervalIntSmallDisjoint& ranks)
         for (int i = intervals.size() - 1; i >= 0; --i)
             _deleteSamples(intervals.at(i));
     }
+    if (m_data->mask.getNSelected() != masked)
+        notifyMaskChanged();
+    if (m_data->highlight.getNSelected() != highlighted)
+        notifyHighlightChanged();
     notice.send();
     return true;
 }

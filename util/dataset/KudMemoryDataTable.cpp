@@ -97,13 +97,11 @@ void KudMemoryDataTable::setDataTable(HbdDataTable table)
 
 void KudMemoryDataTable::appendTable(const HbdDataTable& table, bool addMissing)
 {
-    const KudKeptSelections selections(*this);
     {
         const KudResetScope scope(getModel());
         _clearHeaderCache();
         m_table.appendTable(table, addMissing);
     }
-    selections.restore();
     notifyReset();
 }
 
@@ -149,10 +147,8 @@ void KudMemoryDataTable::addTagToFilter(const QString& tag)
 
 void KudMemoryDataTable::shownColumnsChanged()
 {
-    const KudKeptSelections selections(*this);
-    _beginResetTable();
-    _endResetTable();
-    selections.restore();
+    const KudResetScope scope(getModel());
+    _clearHeaderCache();
 }
 
 bool KudMemoryDataTable::isFiltered(const HbdAVariable& variable) const

@@ -227,20 +227,11 @@ bool KudMemoryDataTable::_deleteSamples(const HbiIntervalIntSmall& ranks)
 
 bool KudMemoryDataTable::_deleteSampleSet(const HbiIntervalIntSmallDisjoint& ranks)
 {
-    HbiIntervalIntSmallDisjoint masked = getMask()->selectedRows();
-    HbiIntervalIntSmallDisjoint highlighted = getHighlight()->selectedRows();
-    _beginResetTable();
-    m_table.removeSamples(ranks);
-    _endResetTable();
+    {
+        const KudResetScope scope(getModel(), ranks);
+        m_table.removeSamples(ranks);
+    }
     notifySampleRemoved(ranks);
-
-    // A reset empties the selections: what was selected moves along.
-    masked.removeRanks(ranks);
-    highlighted.removeRanks(ranks);
-    if (!masked.isEmpty())
-        getMask()->select(masked, Ku::ClearAndSelect);
-    if (!highlighted.isEmpty())
-        getHighlight()->select(highlighted, Ku::ClearAndSelect);
     return true;
 }
 
@@ -255,11 +246,8 @@ void KudMemoryDataTable::setSampleCount(int count)
         m_table.setSampleCount(count);
         return;
     }
-    const KudKeptSelections selections(*this);
-    _beginResetTable();
+    const KudResetScope scope(getModel(), HbiIntervalIntSmall(count, before - 1));
     m_table.setSampleCount(count);
-    _endResetTable();
-    selections.restore();
 }
 
 void KudMemoryDataTable::columnChanged(const KudDatasetVariable& variable, int firstRank, int count)

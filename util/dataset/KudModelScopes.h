@@ -1,7 +1,5 @@
 #pragma once
 
-#include <util/dataset/KudADataTable.h>
-#include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableModel.h>
 
 #include <QtCore/QPointer>
@@ -28,14 +26,14 @@ private:
     QPointer<KudTableModel> m_model;
 };
 
-/// The same for a reset.
+/// The same for a reset through which samples stay, but for the removed ones.
 class KudResetScope
 {
 public:
-    explicit KudResetScope(KudTableModel* model)
+    explicit KudResetScope(KudTableModel* model, const HbiIntervalIntSmallDisjoint& removed = {})
         : m_model(model)
     {
-        m_model->beginResetTable();
+        m_model->beginResetTable(removed);
     }
     KudResetScope(const KudResetScope&) = delete;
     KudResetScope& operator=(const KudResetScope&) = delete;
@@ -43,31 +41,4 @@ public:
 
 private:
     KudTableModel* m_model;
-};
-
-/// What is selected in a table, for a reset of the model through which the samples keep their
-/// ranks: Qt forgets the selection.
-class KudKeptSelections
-{
-public:
-    explicit KudKeptSelections(KudADataTable& table)
-        : m_table(table)
-        , m_masked(table.getMask()->selectedRows())
-        , m_highlighted(table.getHighlight()->selectedRows())
-    {
-    }
-
-    /// Without a notice, for the samples are selected as before.
-    void restore() const
-    {
-        const bool wasSilent = m_table.lockObservable(true);
-        m_table.getMask()->select(m_masked, Ku::Select);
-        m_table.getHighlight()->select(m_highlighted, Ku::Select);
-        m_table.lockObservable(wasSilent);
-    }
-
-private:
-    KudADataTable& m_table;
-    HbiIntervalIntSmallDisjoint m_masked;
-    HbiIntervalIntSmallDisjoint m_highlighted;
 };

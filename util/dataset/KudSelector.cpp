@@ -2,80 +2,16 @@
 #include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableModel.h>
 
-#include <QtCore/QItemSelectionModel>
-#include <QtCore/QScopedValueRollback>
+#include "KudSelectionModel.h"
 
-#include <algorithm>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QTableView>
 
-namespace
-{
-QItemSelectionModel::SelectionFlags toModelFlags(Ku::SelectionFlag flag)
-{
-    switch (flag) {
-    case Ku::ClearSelection:
-        return QItemSelectionModel::Clear;
-    case Ku::Select:
-        return QItemSelectionModel::Select;
-    case Ku::ClearAndSelect:
-        return QItemSelectionModel::ClearAndSelect;
-    case Ku::Deselect:
-        return QItemSelectionModel::Deselect;
-    case Ku::ToggleSelection:
-        return QItemSelectionModel::Toggle;
-    }
-    return QItemSelectionModel::NoUpdate;
-}
-
-/// Selecting more intervals than this at once is left to our sets of ranks: Qt compares each new
-/// range with each old one.
-constexpr int MANY_INTERVALS = 16;
-
-HbiIntervalIntSmallDisjoint changed(HbiIntervalIntSmallDisjoint selected,
-                                    const HbiIntervalIntSmallDisjoint& ranks,
-                                    Ku::SelectionFlag flag)
-{
-    switch (flag) {
-    case Ku::ClearSelection:
-        return HbiIntervalIntSmallDisjoint();
-    case Ku::Select:
-        return selected.unite(ranks);
-    case Ku::ClearAndSelect:
-        return ranks;
-    case Ku::Deselect:
-        return selected.subtract(ranks);
-    case Ku::ToggleSelection:
-        break;
-    }
-    const HbiIntervalIntSmallDisjoint both = selected.intersected(ranks);
-    return selected.unite(ranks).subtract(both);
-}
-
-/// Whole rows.
-QItemSelection toSelection(const QAbstractItemModel& model,
-                           const HbiIntervalIntSmallDisjoint& ranks)
-{
-    const int lastColumn = model.columnCount() - 1;
-    QItemSelection selection;
-    for (const HbiIntervalIntSmall& interval : ranks.intervals())
-        selection.append(
-            {model.index(interval.getMin(), 0), model.index(interval.getMax(), lastColumn)});
-    return selection;
-}
-
-HbiIntervalIntSmallDisjoint toRanks(const QBitArray& bits, int count)
-{
-    HbiIntervalIntSmallDisjoint ranks;
-    const int end = std::min(bits.size(), count);
-    for (int rank = 0; rank < end; ++rank) {
-        if (bits.testBit(rank))
-            ranks.add(rank);
-    }
-    return ranks;
-}
-} // namespace
+#include <utility>
 
 KudSelector::KudSelector(KudTableModif::Reason reason)
     : m_reason(reason)
+    , m_bits(std::make_unique<KudSelectorBits>())
 {
 }
 
@@ -85,13 +21,9 @@ void KudSelector::setTable(const KudADataTable* table)
 {
     if (table == m_table)
         return;
-    if (m_table != nullptr)
-        m_table->getModel()->disconnect(this);
     m_selectionModel.reset();
     m_table = table;
-    m_bits.clear();
-    m_selectedCount = 0;
-    m_bitsAreStale = false;
+    samplesReplaced();
 }
 
 bool KudSelector::select(int rank, Ku::SelectionFlag flag)
@@ -101,150 +33,190 @@ bool KudSelector::select(int rank, Ku::SelectionFlag flag)
 
 bool KudSelector::select(const HbiIntervalIntSmallDisjoint& ranks, Ku::SelectionFlag flag)
 {
-    if (m_table == nullptr || (m_selectionModel == nullptr && ranks.isEmpty()))
+    if (!prepareChange())
         return false;
-    QItemSelectionModel* selectionModel = getSelectionModel();
-    const QItemSelectionModel::SelectionFlags modelFlags = toModelFlags(flag);
-    if (modelFlags == QItemSelectionModel::NoUpdate)
-        return false;
-
-    m_table->getModel()->endInsertSamples(); // we may hear of cells that are being inserted
-    const int count = m_table->getSampleCount();
-    if (count == 0 || m_table->getVariableCount() == 0)
-        return false; // no cell to select
-    HbiIntervalIntSmallDisjoint rows = ranks;
-    rows.intersect(HbiIntervalIntSmall(0, count - 1));
-    m_changed = false;
-    if (flag == Ku::ToggleSelection || rows.getIntervalCount() > MANY_INTERVALS) {
-        const HbiIntervalIntSmallDisjoint before = selectedRows();
-        const HbiIntervalIntSmallDisjoint after = changed(before, rows, flag);
-        if (after != before)
-            replaceRows(after);
-    } else {
-        const QScopedValueRollback<bool> quiet(m_isQuiet, true);
-        selectionModel->select(toSelection(*selectionModel->model(), rows),
-                               modelFlags | QItemSelectionModel::Rows);
+    const int size = m_bits->getSize();
+    const int count = m_bits->getCount();
+    switch (flag) {
+    case Ku::ClearSelection:
+        return replace(KudSelectorBits(size));
+    case Ku::ClearAndSelect: {
+        KudSelectorBits selected(size);
+        for (const HbiIntervalIntSmall& interval : ranks.intervals())
+            selected.select(interval);
+        return replace(std::move(selected));
     }
-    if (!m_changed)
-        return false;
-    m_table->notifySelectionChanged(m_reason); // last: an observer may end the table
-    return true;
+    case Ku::Select:
+        for (const HbiIntervalIntSmall& interval : ranks.intervals())
+            m_bits->select(interval);
+        break;
+    case Ku::Deselect:
+        for (const HbiIntervalIntSmall& interval : ranks.intervals())
+            m_bits->deselect(interval);
+        break;
+    case Ku::ToggleSelection:
+        for (const HbiIntervalIntSmall& interval : ranks.intervals())
+            m_bits->toggle(interval);
+        m_changed = ranks.intersects(HbiIntervalIntSmall(0, size - 1));
+        return _selectionChanged();
+    }
+    m_changed = m_bits->getCount() != count;
+    return _selectionChanged();
 }
 
-void KudSelector::replaceRows(const HbiIntervalIntSmallDisjoint& rows)
+bool KudSelector::selectAll()
 {
-    // In two steps, for what replaces nothing is compared with nothing; and without the row flag,
-    // because the ranges are whole rows and Qt would merge them one by one.
-    const QScopedValueRollback<bool> quiet(m_isQuiet, true);
-    m_selectionModel->clearSelection();
-    m_selectionModel->select(toSelection(*m_selectionModel->model(), rows),
-                             QItemSelectionModel::Select);
+    return prepareChange() && replace(KudSelectorBits(m_bits->getSize(), true));
 }
 
 bool KudSelector::deselectAll()
 {
-    return hasSelection() && select(HbiIntervalIntSmallDisjoint(), Ku::ClearSelection);
+    return select(HbiIntervalIntSmallDisjoint(), Ku::ClearSelection);
 }
 
-int KudSelector::getNSelected() const
+bool KudSelector::invert()
 {
-    if (m_selectionModel == nullptr)
-        return 0; // without making a bit for each sample
-    refreshBits();
-    return m_selectedCount;
-}
-
-HbiIntervalIntSmallDisjoint KudSelector::selectedRows() const
-{
-    if (!hasSelection())
-        return HbiIntervalIntSmallDisjoint();
-    const QBitArray bits = getBitArray();
-    return toRanks(bits, bits.size());
-}
-
-QBitArray KudSelector::getBitArray() const
-{
-    refreshBits();
-    return m_bits;
+    if (!prepareChange() || m_bits->getSize() == 0)
+        return false;
+    m_bits->toggle(HbiIntervalIntSmall(0, m_bits->getSize() - 1));
+    m_changed = true;
+    return _selectionChanged();
 }
 
 bool KudSelector::setBitArray(const QBitArray& bits)
 {
+    return prepareChange() && replace(KudSelectorBits(bits, m_bits->getSize()));
+}
+
+/// Whether there is a table whose samples can be selected.
+bool KudSelector::prepareChange()
+{
     if (m_table == nullptr)
         return false;
-    const HbiIntervalIntSmallDisjoint ranks = toRanks(bits, m_table->getSampleCount());
-    if (ranks == selectedRows())
+    m_changed = false;
+    m_table->getModel()->endInsertSamples(); // we may hear of cells that are being inserted
+    fitToTable();
+    return true;
+}
+
+bool KudSelector::replace(KudSelectorBits bits)
+{
+    m_changed = bits != *m_bits;
+    if (m_changed)
+        *m_bits = std::move(bits);
+    return _selectionChanged();
+}
+
+/// Whether it has. Nothing is touched after the notice, for an observer may end the table.
+bool KudSelector::_selectionChanged()
+{
+    if (!m_changed)
         return false;
-    return select(ranks, Ku::ClearAndSelect);
+    touchBits();
+    const QPointer<KudSelector> self(this);
+    emit bitsChanged();
+    if (self)
+        m_table->notifySelectionChanged(m_reason);
+    return true;
+}
+
+void KudSelector::touchBits() const
+{
+    m_isBitArrayStale = true;
+    ++m_revision;
+}
+
+int KudSelector::getNSelected() const
+{
+    keepUp();
+    return m_bits->getCount();
+}
+
+HbiIntervalIntSmallDisjoint KudSelector::selectedRows() const
+{
+    return hasSelection() ? bits().toRanks() : HbiIntervalIntSmallDisjoint();
+}
+
+QBitArray KudSelector::getBitArray() const
+{
+    fitToTable();
+    if (std::exchange(m_isBitArrayStale, false))
+        m_bitArray = m_bits->toBitArray();
+    return m_bitArray;
 }
 
 QItemSelectionModel* KudSelector::getSelectionModel() const
 {
     if (m_selectionModel == nullptr && m_table != nullptr) {
-        auto* self = const_cast<KudSelector*>(this);
-        QAbstractItemModel* model = m_table->getModel();
-        // Heard before the selection model hears of it: a row stays selected while its cells go.
-        connect(model, &QAbstractItemModel::columnsAboutToBeRemoved, self,
-                [self] { self->columnsWillGo(); });
-        m_selectionModel = std::make_unique<QItemSelectionModel>(model);
-        const auto makeStale = [self] { self->m_bitsAreStale = true; };
-        connect(m_selectionModel.get(), &QItemSelectionModel::selectionChanged, self,
-                &KudSelector::_selectionChanged);
-        connect(model, &QAbstractItemModel::rowsInserted, self, makeStale);
-        connect(model, &QAbstractItemModel::rowsRemoved, self, makeStale);
-        connect(model, &QAbstractItemModel::modelReset, self, makeStale);
-        connect(model, &QAbstractItemModel::columnsRemoved, self,
-                [self] { self->columnsHaveGone(); });
-        connect(model, &QAbstractItemModel::columnsInserted, self,
-                [self] { self->coverNewColumns(); });
+        m_selectionModel = std::make_unique<KudSelectionModel>(const_cast<KudSelector&>(*this),
+                                                               *m_table->getModel());
     }
     return m_selectionModel.get();
 }
 
-void KudSelector::_selectionChanged()
+void KudSelector::follow(QTableView* view)
 {
-    m_bitsAreStale = true;
-    m_changed = true;
-    if (!m_isQuiet)
-        m_table->notifySelectionChanged(m_reason);
-}
-
-void KudSelector::columnsWillGo()
-{
-    m_countBeforeColumnsWent = getNSelected();
-    m_isQuiet = true;
-}
-
-void KudSelector::columnsHaveGone()
-{
-    m_isQuiet = false;
-    if (hasSelection() || m_countBeforeColumnsWent == 0)
+    auto* selection = qobject_cast<KudSelectionModel*>(view->selectionModel());
+    if (selection == nullptr)
         return;
-    m_table->notifySelectionChanged(m_reason); // the last column took the selection along
+    const auto tell = [view, selection] {
+        const int first = view->rowAt(0);
+        const int last = view->rowAt(view->viewport()->height() - 1);
+        if (first >= 0)
+            selection->setShownRows(first, last >= 0 ? last : view->model()->rowCount() - 1);
+    };
+    connect(view->verticalScrollBar(), &QScrollBar::valueChanged, selection, tell);
+    connect(view->verticalScrollBar(), &QScrollBar::rangeChanged, selection, tell);
+    tell();
 }
 
-void KudSelector::coverNewColumns()
+const KudSelectorBits& KudSelector::bits() const
 {
-    if (hasSelection())
-        replaceRows(selectedRows());
+    fitToTable();
+    return *m_bits;
 }
 
-void KudSelector::refreshBits() const
+/// Late: many samples may be appended before anybody asks for a bit.
+void KudSelector::fitToTable() const
 {
-    const int count = m_table == nullptr ? 0 : m_table->getSampleCount();
-    if (!m_bitsAreStale && m_bits.size() == count)
+    const int size = m_table == nullptr ? 0 : m_table->getSampleCount();
+    const int sizeBefore = m_bits->getSize();
+    if (size == sizeBefore)
         return;
+    if (m_gapFirst < sizeBefore && sizeBefore + m_gapCount == size)
+        m_bits->insertGap(m_gapFirst, m_gapCount);
+    else
+        m_bits->resize(size);
+    touchBits();
+}
 
-    // Nobody has selected anything before the selection model exists.
-    m_bits = QBitArray(count, false);
-    m_selectedCount = 0;
-    if (m_selectionModel != nullptr) {
-        for (const QItemSelectionRange& range : m_selectionModel->selection()) {
-            const int last = std::min(range.bottom(), count - 1);
-            if (range.top() <= last)
-                m_bits.fill(true, range.top(), last + 1);
-        }
-        m_selectedCount = m_bits.count(true);
-    }
-    m_bitsAreStale = false;
+/// Before or after samples move: what is selected must be of the present ones.
+void KudSelector::keepUp() const
+{
+    if (m_bits->getCount() > 0)
+        fitToTable();
+}
+
+void KudSelector::samplesWillBeInserted(int first, int count)
+{
+    keepUp();
+    m_gapFirst = first;
+    m_gapCount = count;
+}
+
+void KudSelector::samplesRemoved(const HbiIntervalIntSmallDisjoint& ranks)
+{
+    m_gapCount = 0;
+    if (m_bits->getCount() == 0)
+        return;
+    m_bits->removeRanks(ranks);
+    touchBits();
+    fitToTable();
+}
+
+/// By others, of which none is selected.
+void KudSelector::samplesReplaced()
+{
+    *m_bits = KudSelectorBits();
+    touchBits();
 }

@@ -1,4 +1,5 @@
 #include <util/dataset/KudADataTable.h>
+#include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableModel.h>
 #include <util/dataset/KudTableUtils.h>
 
@@ -98,6 +99,8 @@ void KudTableModel::setCellAlignment(Qt::Alignment alignment)
 void KudTableModel::beginInsertSamples(int first, int count)
 {
     endInsertSamples();
+    m_table.getMask()->samplesWillBeInserted(first, count);
+    m_table.getHighlight()->samplesWillBeInserted(first, count);
     beginInsertRows(QModelIndex(), first, first + count - 1);
     m_isInserting = true;
 }
@@ -112,10 +115,14 @@ void KudTableModel::beginRemoveSamples(int first, int count)
 {
     endInsertSamples();
     beginRemoveRows(QModelIndex(), first, first + count - 1);
+    m_removedRows = HbiIntervalIntSmall(first, first + count - 1);
+    selectionsKeepUp();
 }
 
 void KudTableModel::endRemoveSamples()
 {
+    m_table.getMask()->samplesRemoved(m_removedRows);
+    m_table.getHighlight()->samplesRemoved(m_removedRows);
     endRemoveRows();
 }
 
@@ -147,9 +154,30 @@ void KudTableModel::beginResetTable()
     beginResetModel();
 }
 
+void KudTableModel::beginResetTable(const HbiIntervalIntSmallDisjoint& removed)
+{
+    endInsertSamples();
+    m_removedByReset = removed;
+    beginResetModel();
+    selectionsKeepUp();
+}
+
 void KudTableModel::endResetTable()
 {
+    for (KudSelector* selector : {m_table.getMask(), m_table.getHighlight()}) {
+        if (m_removedByReset)
+            selector->samplesRemoved(*m_removedByReset);
+        else
+            selector->samplesReplaced();
+    }
     endResetModel();
+    m_removedByReset.reset();
+}
+
+void KudTableModel::selectionsKeepUp()
+{
+    m_table.getMask()->keepUp();
+    m_table.getHighlight()->keepUp();
 }
 
 void KudTableModel::headerChanged(int first, int last)

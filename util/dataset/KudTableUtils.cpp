@@ -1,5 +1,7 @@
 #include <util/dataset/KudTableUtils.h>
 
+#include "KudSelectionModel.h"
+
 #include <basic/base/HbbStringFormat.h>
 #include <basic/data/HbdANumericVariable.h>
 #include <basic/data/HbdValueTraits.h>
@@ -120,6 +122,8 @@ HbiIntervalIntSmallDisjoint
 KudTableUtils::getSelectedRows(const QItemSelectionModel* selectionModel)
 {
     HbiIntervalIntSmallDisjoint rows;
+    if (const auto* ours = qobject_cast<const KudSelectionModel*>(selectionModel))
+        return ours->getSelectedRows();
     if (selectionModel != nullptr) {
         for (const QItemSelectionRange& range : selectionModel->selection())
             rows.add(HbiIntervalIntSmall(range.top(), range.bottom()));

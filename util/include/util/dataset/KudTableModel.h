@@ -2,9 +2,11 @@
 
 #include <util/KuExport.h>
 
-#include <basic/interval/HbiIntervalIntSmall.h>
+#include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 
 #include <QtCore/QAbstractTableModel>
+
+#include <optional>
 
 class KudADataTable;
 
@@ -33,7 +35,8 @@ public:
 
     // What the table calls around its own changes. Observers hear of new cells while they are being
     // inserted; should one of them edit the table, the insertion, whose samples are in place by
-    // then, ends before the next change begins. Ending it again does nothing.
+    // then, ends before the next change begins. Ending it again does nothing. The selections follow
+    // what is told here.
     void beginInsertSamples(int first, int count);
     void endInsertSamples();
     void beginRemoveSamples(int first, int count);
@@ -43,6 +46,8 @@ public:
     void beginRemoveVariables(int first, int count);
     void endRemoveVariables();
     void beginResetTable();
+    /// A reset that only removes samples, these by their ranks before it, and appends some.
+    void beginResetTable(const HbiIntervalIntSmallDisjoint& removed);
     void endResetTable();
     void headerChanged(int first, int last);
     void sampleChanged(int row);
@@ -52,8 +57,11 @@ public:
 
 private:
     QString columnToolTip(int column) const;
+    void selectionsKeepUp();
 
     KudADataTable& m_table;
     bool m_isInserting = false;
+    HbiIntervalIntSmall m_removedRows;
+    std::optional<HbiIntervalIntSmallDisjoint> m_removedByReset;
     Qt::Alignment m_alignment = Qt::AlignRight | Qt::AlignVCenter;
 };
