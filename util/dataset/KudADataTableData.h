@@ -13,6 +13,7 @@ struct KudADataTable::Data {
     {
         mask.setTable(&table);
         highlight.setTable(&table);
+        QObject::connect(&mask, &KudSelector::bitsChanged, &model, &KudTableModel::maskChanged);
     }
 
     KudDataTableHeader header; // not valid: to be rebuilt when it is asked for

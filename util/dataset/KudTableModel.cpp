@@ -3,6 +3,12 @@
 #include <util/dataset/KudTableModel.h>
 #include <util/dataset/KudTableUtils.h>
 
+#include "KudSelectorBits.h"
+
+#include <basic/data/HbdVariableEnum.h>
+
+#include <QtGui/QBrush>
+
 #include <utility>
 
 KudTableModel::KudTableModel(KudADataTable& table)
@@ -28,9 +34,19 @@ QVariant KudTableModel::data(const QModelIndex& index, int role) const
         return QVariant();
     if (role == Qt::TextAlignmentRole)
         return QVariant(static_cast<int>(m_alignment));
+    if (role == Qt::ForegroundRole)
+        return isMasked(index.row()) ? QVariant(QBrush(Qt::gray)) : QVariant();
+    if (role != Qt::DisplayRole && role != Qt::EditRole && role != Qt::DecorationRole)
+        return QVariant(); // views ask for many roles, and each asks for the column
     const HbdAVariable* variable = m_table.readValues(m_table.getVariableAt(index.column()));
     return variable == nullptr ? QVariant()
                                : KudTableUtils::valueToRole(role, *variable, index.row());
+}
+
+bool KudTableModel::isMasked(int row) const
+{
+    const KudSelectorBits& mask = m_table.getMaskConst()->bits();
+    return mask.contains(row) && mask.isSelected(row);
 }
 
 QVariant KudTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -76,13 +92,18 @@ bool KudTableModel::setData(const QModelIndex& index, const QVariant& value, int
     if (role != Qt::EditRole || !index.isValid() || !(flags(index) & Qt::ItemIsEditable))
         return false;
     const KudDatasetVariable variable = m_table.getVariableAt(index.column());
-    const HbdVariableDetails details = m_table.getDetails(variable);
-    const QVariant stored = KudTableUtils::editRoleToValue(details, value);
+    const HbdAVariable* column = m_table.readValues(variable);
+    if (column == nullptr || index.row() >= column->getCount())
+        return false;
+    // An editor closed as it was opened must not change a digit by converting there and back.
+    if (value == KudTableUtils::valueToRole(Qt::EditRole, *column, index.row()))
+        return m_table.updateValue(variable, index.row(), column->getVariant(index.row()));
+    const QVariant stored = KudTableUtils::editRoleToValue(column->getDetails(), value);
     // What cannot be stored leaves the cell as it is; only an empty text, or N/A, clears it.
     if (!stored.isValid() && !KudTableUtils::isClearing(value))
         return false;
-    if (details.type == HbdEVarType::CATEGORY && stored.type() == QVariant::String &&
-        !m_table.getVariableCatalog(variable).containsLabel(stored.toString()))
+    if (column->getType() == HbdEVarType::CATEGORY && stored.type() == QVariant::String &&
+        !static_cast<const HbdVariableEnum*>(column)->getCatalog().containsLabel(stored.toString()))
         return false;
     return m_table.updateValue(variable, index.row(), stored);
 }
@@ -90,10 +111,19 @@ bool KudTableModel::setData(const QModelIndex& index, const QVariant& value, int
 void KudTableModel::setCellAlignment(Qt::Alignment alignment)
 {
     m_alignment = alignment;
-    if (rowCount() > 0 && columnCount() > 0) {
-        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1),
-                         {Qt::TextAlignmentRole});
-    }
+    allChanged(Qt::TextAlignmentRole);
+}
+
+void KudTableModel::maskChanged()
+{
+    endInsertSamples();
+    allChanged(Qt::ForegroundRole);
+}
+
+void KudTableModel::allChanged(int role)
+{
+    if (rowCount() > 0 && columnCount() > 0)
+        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), {role});
 }
 
 void KudTableModel::beginInsertSamples(int first, int count)
@@ -172,6 +202,11 @@ void KudTableModel::endResetTable()
     }
     endResetModel();
     m_removedByReset.reset();
+}
+
+const HbiIntervalIntSmallDisjoint* KudTableModel::getRemovedByReset() const
+{
+    return m_removedByReset ? &*m_removedByReset : nullptr;
 }
 
 void KudTableModel::selectionsKeepUp()

@@ -3,7 +3,6 @@
 #include "KudSelectionModel.h"
 
 #include <basic/base/HbbStringFormat.h>
-#include <basic/data/HbdANumericVariable.h>
 #include <basic/data/HbdValueTraits.h>
 #include <basic/data/HbdVarTypeFlags.h>
 #include <basic/data/HbdVariableColor.h>
@@ -14,26 +13,30 @@
 #include <QtCore/QItemSelectionModel>
 #include <QtCore/QLocale>
 
+#include <array>
+#include <charconv>
+#include <cmath>
+
 namespace
 {
-/// From the storage unit to the one shown.
+/// From the storage unit to the one shown; the identity where nothing converts.
 HbuUnitTransfo shownTransfo(const HbdVariableDetails& details)
 {
-    return HbuUnitService::getInstance().getConversion(details.unit, details.getShownUnit());
+    if (!details.displayUnit.isValid() || !HbdVarTypeFlags::NUMERIC.contains(details.type))
+        return HbuUnitTransfo();
+    const HbuUnitTransfo transfo =
+        HbuUnitService::getInstance().getConversion(details.unit, details.displayUnit);
+    return transfo.isValid() ? transfo : HbuUnitTransfo();
 }
 
-bool isReal(const HbdAVariable& variable)
-{
-    return variable.getType() == HbdEVarType::REAL || variable.getType() == HbdEVarType::REAL_32;
-}
-
+/// The value in the unit shown, in which an integer is a real.
 QVariant shownValue(const HbdAVariable& variable, int rank)
 {
     const QVariant value = variable.getVariant(rank);
-    if (!value.isValid() || !isReal(variable))
+    if (!value.isValid())
         return value;
     const HbuUnitTransfo transfo = shownTransfo(variable.getDetails());
-    return transfo.isValid() ? QVariant(transfo.apply(value.toDouble())) : value;
+    return transfo.isIdentity() ? value : QVariant(transfo.apply(value.toDouble()));
 }
 
 QString displayText(const HbdAVariable& variable, int rank)
@@ -42,7 +45,7 @@ QString displayText(const HbdAVariable& variable, int rank)
     if (!value.isValid())
         return HbbGlobal::STR_NA;
     const HbdVariableDetails& details = variable.getDetails();
-    if (isReal(variable)) {
+    if (value.type() == QVariant::Double) {
         return QString::fromLatin1(HbbStringFormat::simpleValueToByteArray(
             value.toDouble(), details.format, details.precision));
     }
@@ -51,6 +54,32 @@ QString displayText(const HbdAVariable& variable, int rank)
     if (variable.getType() == HbdEVarType::COLOR)
         return value.value<QColor>().name();
     return value.toString();
+}
+
+/// All digits, without an exponent as long as people can read it.
+QString editedText(double number)
+{
+    const double size = std::fabs(number);
+    if (size != 0 && (size < 1e-5 || !(size < 1e15))) {
+        return QString::fromLatin1(
+            HbbStringFormat::simpleValueToByteArray(number, HbbEFormat::SHORTEST, 0));
+    }
+    std::array<char, 64> buffer;
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                   std::chars_format::fixed);
+    return QString::fromLatin1(buffer.data(), static_cast<int>(end.ptr - buffer.data()));
+}
+
+/// Numbers and dates as texts: Qt's own editors round the ones to two decimals and take the others
+/// for local time.
+QVariant editedValue(const HbdAVariable& variable, int rank)
+{
+    const QVariant value = shownValue(variable, rank);
+    if (value.type() == QVariant::Double)
+        return editedText(value.toDouble());
+    if (value.type() == QVariant::DateTime)
+        return displayText(variable, rank);
+    return value;
 }
 
 QVariant decoration(const HbdAVariable& variable, int rank)
@@ -64,15 +93,50 @@ QVariant decoration(const HbdAVariable& variable, int rank)
     return QVariant();
 }
 
-/// A number as people type it: the sign of the C locale first, then that of their own.
-QVariant typedNumber(const QString& text)
+/// A number as people type it: the decimal sign is the dot, or that of their locale. Nothing stands
+/// for a group of digits, for "1,234" would be one number here and another there.
+double typedNumber(const QString& text)
 {
     const double number = HbbGlobal::convertString(text, HbbGlobal::D_FFFF);
     if (!HbbGlobal::isUndefined(number))
         return number;
+    QLocale locale;
+    locale.setNumberOptions(QLocale::RejectGroupSeparator);
     bool ok = false;
-    const double local = QLocale().toDouble(text, &ok);
-    return ok ? QVariant(local) : QVariant();
+    const double local = locale.toDouble(text, &ok);
+    return ok ? HbbGlobal::normalized(local) : HbbGlobal::D_FFFF;
+}
+
+/// The integer that a real was meant to be, after its conversion has rounded it.
+qint64 nearestInteger(double number)
+{
+    const double nearest = std::round(number);
+    const bool isNear = std::fabs(number - nearest) <= 1e-9 * std::max(1.0, std::fabs(number));
+    return isNear ? HbdValueTraits::Integer::fromNumber(nearest) : HbbGlobal::I_FFFF;
+}
+
+QVariant storedNumber(const HbdVariableDetails& details, const QVariant& value)
+{
+    using namespace HbdValueTraits;
+    const HbuUnitTransfo transfo = shownTransfo(details).inverted();
+    const bool isText = value.type() == QVariant::String;
+    if (details.type == HbdEVarType::INTEGER && transfo.isIdentity()) {
+        return Integer::toVariant(Integer::fromVariant(value));
+    }
+    const double number =
+        transfo.apply(isText ? typedNumber(value.toString()) : Real::fromVariant(value));
+    if (details.type == HbdEVarType::INTEGER)
+        return Integer::toVariant(nearestInteger(number));
+    const bool fits = details.type == HbdEVarType::REAL || !std::isnan(Real32::fromNumber(number));
+    return fits ? Real::toVariant(number) : QVariant();
+}
+
+QVariant storedSmallInteger(const QVariant& value, qint64 last)
+{
+    const qint64 number = value.type() == QVariant::Bool
+                              ? value.toLongLong()
+                              : HbdValueTraits::Integer::fromVariant(value);
+    return number >= 0 && number <= last ? QVariant(static_cast<int>(number)) : QVariant();
 }
 } // namespace
 
@@ -82,7 +146,7 @@ QVariant KudTableUtils::valueToRole(int role, const HbdAVariable& variable, int 
     case Qt::DisplayRole:
         return displayText(variable, rank);
     case Qt::EditRole:
-        return shownValue(variable, rank);
+        return editedValue(variable, rank);
     case Qt::DecorationRole:
         return decoration(variable, rank);
     default:
@@ -99,23 +163,29 @@ bool KudTableUtils::isClearing(const QVariant& value)
 
 QVariant KudTableUtils::editRoleToValue(const HbdVariableDetails& details, const QVariant& value)
 {
+    using namespace HbdValueTraits;
     const bool isText = value.type() == QVariant::String;
     if (details.type == HbdEVarType::TEXT)
         return isText && value.toString() == HbbGlobal::STR_NA ? QVariant() : value;
     if (isClearing(value))
         return QVariant();
-    if (!HbdVarTypeFlags::NUMERIC.contains(details.type))
+    const QVariant given = isText ? QVariant(value.toString().trimmed()) : value;
+    switch (details.type.toEnum()) {
+    case HbdEVarType::E_DATE:
+        return Date::toVariant(Date::fromVariant(given));
+    case HbdEVarType::E_COLOR:
+        return Color::toVariant(Color::fromVariant(given));
+    case HbdEVarType::E_ALPHA_CHANNEL:
+        return storedSmallInteger(given, 255);
+    case HbdEVarType::E_SELECTION:
+        return storedSmallInteger(given, 1);
+    case HbdEVarType::E_REAL:
+    case HbdEVarType::E_REAL_32:
+    case HbdEVarType::E_INTEGER:
+        return storedNumber(details, given);
+    default:
         return value;
-    const QString text = value.toString().trimmed();
-    if (details.type == HbdEVarType::INTEGER) {
-        const qint64 number = HbdValueTraits::Integer::fromVariant(isText ? QVariant(text) : value);
-        return HbdValueTraits::Integer::toVariant(number);
     }
-
-    const QVariant number = isText ? typedNumber(text) : value;
-    const HbuUnitTransfo transfo = shownTransfo(details).inverted();
-    return number.isValid() && transfo.isValid() ? QVariant(transfo.apply(number.toDouble()))
-                                                 : number;
 }
 
 HbiIntervalIntSmallDisjoint

@@ -11,7 +11,8 @@
 class KudADataTable;
 
 /// The Qt model of a table: rows are samples, columns its variables in the order of its header. The
-/// table owns it and tells it of every change; views only read and edit through it.
+/// table owns it and tells it of every change; views only read and edit through it. Cells show what
+/// KudTableUtils makes of them; those of masked samples are grey.
 class KELVANE_UTIL_EXPORT KudTableModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -27,7 +28,9 @@ public:
                         int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
-    /// Writes through the table and its permissions; Qt::EditRole only.
+    /// Writes through the table and its permissions; Qt::EditRole only. False, and the cell stays
+    /// as it is, for what the column cannot hold (see KudTableUtils::editRoleToValue): no number
+    /// where one is needed, a label that is no category's. An empty text or N/A clears the cell.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
 
     /// Right and centred by default.
@@ -54,9 +57,16 @@ public:
     void valueChanged(int row, int column);
     void valuesChanged(const HbiIntervalIntSmall& rows, int column);
     void variableChanged(int column);
+    void maskChanged();
+
+    /// For who keeps ranks, while the model is being reset: the samples that go. Null when it is
+    /// not known which samples there will be.
+    const HbiIntervalIntSmallDisjoint* getRemovedByReset() const;
 
 private:
     QString columnToolTip(int column) const;
+    bool isMasked(int row) const;
+    void allChanged(int role);
     void selectionsKeepUp();
 
     KudADataTable& m_table;

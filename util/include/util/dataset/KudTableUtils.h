@@ -16,14 +16,17 @@ namespace KudTableUtils
 /// The clipboard type of our own blocks of cells.
 constexpr char KELVANE_MIME_DATA[] = "application/x-kelvane";
 
-/// One cell for a Qt role: the formatted text in the variable's display unit (STR_NA when it is
-/// undefined) for Qt::DisplayRole, the value in display unit for Qt::EditRole, the category's or
-/// the cell's colour for Qt::DecorationRole. Invalid for other roles.
+/// One cell for a Qt role. Qt::DisplayRole: the formatted text in the variable's display unit,
+/// STR_NA when it is undefined. Qt::EditRole: what a person edits, in display unit; reals as texts
+/// of all their digits and dates in ISO 8601, invalid when it is undefined. Qt::DecorationRole: the
+/// category's or the cell's colour. Invalid for other roles.
 KELVANE_UTIL_EXPORT QVariant valueToRole(int role, const HbdAVariable& variable, int rank);
 
-/// What a column of these details stores for an edited value: numbers come in the display unit,
-/// texts with the decimal sign of the C locale or of the user's. Invalid for a value that clears
-/// the cell, and for a text that is no number where one is needed.
+/// What a column of these details stores for an edited value: invalid for a value that clears the
+/// cell (see isClearing), and for one that the column cannot hold. Numbers come in the display
+/// unit; the decimal sign of a text is a dot or that of the user's locale, and signs that group
+/// digits are none of a number. Dates are texts in ISO 8601, UTC without a zone; opacities run from
+/// 0 to 255, selections are 0 or 1. The label of a category is passed on, whether it exists or not.
 KELVANE_UTIL_EXPORT QVariant editRoleToValue(const HbdVariableDetails& details,
                                              const QVariant& value);
 
