@@ -7,7 +7,6 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <thread>
 
 namespace
 {
@@ -183,13 +182,16 @@ Ranks bruteForce(const Shapes& shapes, const Test& test)
     return ranks;
 }
 
-Nodes cornersOf(const Node& a, const Node& b)
+/// Picks by a rectangle, and by lassos from such within a hole to such around everything.
+template <class Set, class Shapes, class Meets>
+void comparePicks(const Set& set, const Shapes& shapes, const Frame& frame, const Node& node,
+                  const Node& other, const Nodes& lasso, const Meets& meets)
 {
-    return {a, {b.x, a.y}, b, {a.x, b.y}};
-}
-QRectF rectangleOf(const Frame& frame, const Node& a, const Node& b)
-{
-    return {frame.point(a), frame.point(b)};
+    const Nodes corners = {node, {other.x, node.y}, other, {node.x, other.y}};
+    EXPECT_EQ(set.rectangleToRanks({frame.point(node), frame.point(other)}),
+              bruteForce(shapes, [&](const auto& shape) { return meets(shape, corners); }));
+    EXPECT_EQ(set.polygonToRanks(frame.vector<QVector<QPointF>>(lasso)),
+              bruteForce(shapes, [&](const auto& shape) { return meets(shape, lasso); }));
 }
 
 /// Lines of none to forty points, some far too long, some closed by type (the oracle's line then
@@ -276,16 +278,11 @@ TEST_P(HbgShapePick, findsPolylinesAsASearchOfAll)
                   isNear(*nearest) ? nearest - lines.begin() : -1);
 
         const Node other{node.x + lattice.number(-9, 9), node.y + lattice.number(-9, 9)};
-        const Nodes corners = cornersOf(node, other);
-        EXPECT_EQ(set.rectangleToRanks(rectangleOf(frame, node, other)),
-                  bruteForce(lines, [&](const Nodes& line) {
-                      return anyIn(corners, line) || linesMeet(line, closed(corners));
-                  }));
-        const Nodes lasso = lattice.ring(i % 2 ? i % 9 : i / 5, node, i % 30);
-        EXPECT_EQ(set.polygonToRanks(frame.vector<QVector<QPointF>>(lasso)),
-                  bruteForce(lines, [&](const Nodes& line) {
-                      return anyIn(lasso, line) || linesMeet(line, closed(lasso));
-                  }));
+        comparePicks(set, lines, frame, node, other,
+                     lattice.ring(i % 2 ? i % 9 : i / 5, node, i % 30),
+                     [](const Nodes& line, const Nodes& ring) {
+                         return anyIn(ring, line) || linesMeet(line, closed(ring));
+                     });
         // Edits between the picks: the index must not outlive them.
         if (i % 40 == 0) {
             EXPECT_TRUE(set.remove(i / 10));
@@ -310,16 +307,9 @@ TEST_P(HbgShapePick, findsPolygonsAsASearchOfAll)
         EXPECT_EQ(one.contains(frame.point(node)), holding.contains(i % set.getCount()));
 
         const Node other{node.x + lattice.number(-3, 9), node.y + lattice.number(-3, 9)};
-        const auto meets = [](const Nodes& ring) {
-            return [&ring](const Area& area) { return area.meets(ring); };
-        };
-        const Nodes corners = cornersOf(node, other);
-        EXPECT_EQ(set.rectangleToRanks(rectangleOf(frame, node, other)),
-                  bruteForce(areas, meets(corners)));
-        // From lassos within a hole to lassos around everything.
-        const Nodes lasso = lattice.ring(i % 2 ? i % 9 : i / 5, node, i % 30);
-        EXPECT_EQ(set.polygonToRanks(frame.vector<QVector<QPointF>>(lasso)),
-                  bruteForce(areas, meets(lasso)));
+        comparePicks(set, areas, frame, node, other,
+                     lattice.ring(i % 2 ? i % 9 : i / 5, node, i % 30),
+                     [](const Area& area, const Nodes& ring) { return area.meets(ring); });
         if (i % 40 == 0) {
             EXPECT_TRUE(set.insert(0, set.getPolygon(9)));
             areas.insert(areas.begin(), Area(areas[9]));
@@ -398,29 +388,4 @@ TEST(HbgShapePick, looksAtFewOfAMillionSegments)
         ASSERT_TRUE(lines.rectangleToRanks({place, place + QPointF(0.5, 0.5)}).isEmpty());
         ASSERT_EQ(lines.pointToRank({-8. + i * 1e-4, 500.}, 1e9), i < 40000 ? 1 : 0);
     }
-}
-
-TEST(HbgShapePick, sharesTheIndexWithCopiesAndThreads)
-{
-    Lattice lattice(13);
-    HbgGeomPolylineSet set;
-    randomLines(lattice, FRAMES[0], set);
-    const Ranks expected = HbgGeomPolylineSet(set).rectangleToRanks({-5., -5., 10., 10.});
-    EXPECT_FALSE(expected.isEmpty());
-    std::vector<std::thread> threads;
-    std::vector<Ranks> found(4);
-    for (Ranks& ranks : found) {
-        threads.emplace_back([&set, &ranks] {
-            const HbgGeomPolylineSet copy = set;
-            ranks = set.rectangleToRanks({-5., -5., 10., 10.});
-            ranks.intersect(copy.rectangleToRanks({-5., -5., 10., 10.}));
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(found, std::vector<Ranks>(4, expected));
-    const HbgGeomPolylineSet copy = set;
-    set.clear();
-    EXPECT_TRUE(set.rectangleToRanks({-5., -5., 10., 10.}).isEmpty());
-    EXPECT_EQ(copy.rectangleToRanks({-5., -5., 10., 10.}), expected);
 }
