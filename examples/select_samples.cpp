@@ -54,14 +54,14 @@ KufSampleFilter makeFilter()
         return KudDatasetVariable::createVariable("Points", name);
     };
     KufSampleFilter filter("rich ore");
-    filter.addRule(
-        variable("zinc"),
-        KufSampleFilterRuleNumeric(KufSampleFilterRuleNumeric::CompareOperator::LESS_THAN, 300.0));
+    filter.addRule(variable("zinc"),
+                   KufSampleFilterRuleNumeric(
+                       KufSampleFilterRuleNumeric::CompareOperator::GREATER_THAN, 300.0));
     filter.addRule(variable("rock type"),
                    KufSampleFilterRuleEnum({"massive sulphide", "stringer zone"}));
     filter.addRule(variable("hole"),
-                   KufSampleFilterRuleAlpha(KufSampleFilterRuleAlpha::Mode::CONTAINS, "DDH"));
-    filter.setCombination("not R1 and R2 and R3");
+                   KufSampleFilterRuleAlpha(KufSampleFilterRuleAlpha::Mode::CONTAINS, "RC"));
+    filter.setCombination("R1 and R2 and not R3");
     return filter;
 }
 } // namespace
@@ -69,12 +69,12 @@ KufSampleFilter makeFilter()
 int main(int argc, char** argv)
 {
     try {
-        QDir("project").removeRecursively();
+        QDir("study").removeRecursively();
         KudMemoryDatasetPoint dataset("campaign");
         dataset.setDataTable(makeSamples(argc > 1 ? std::atoi(argv[1]) : 100000));
         const KufSampleFilter filter = makeFilter();
-        KudDatasetDirectory("project").save(dataset);
-        KufSampleFilterDirectory("project").save(filter);
+        KudDatasetDirectory("study").save(dataset);
+        KufSampleFilterDirectory("study").save(filter);
 
         const QList<KudDatasetVariable> variables = filter.getVariables();
         const KufSampleFilterPythonVisitor python(&filter, &dataset, variables, "data");

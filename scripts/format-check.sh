@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Checks that the C++ files are as clang-format would write them.
+# Checks that the C++ files are as clang-format would write them, and that the Python package keeps
+# PEP 8 with lines of 100 columns.
 #
 #   scripts/format-check.sh             files that differ from main, or are not committed yet
 #   scripts/format-check.sh BASE        files that differ from the commit BASE
@@ -40,5 +41,10 @@ done
 if [ ${#existing[@]} -gt 0 ]; then
     printf '%s\0' "${existing[@]}" |
         xargs -0 -n 16 -P "$(nproc)" clang-format --style=file "${arguments[@]}"
+fi
+if /usr/bin/python3 -c 'import pycodestyle' 2>/dev/null; then
+    /usr/bin/python3 -m pycodestyle --max-line-length=100 python examples/python
+else
+    echo "format-check: python3-pycodestyle is not installed, Python was not looked at"
 fi
 echo "format-check: ${#existing[@]} files looked at"

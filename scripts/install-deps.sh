@@ -14,7 +14,8 @@ test=(git libgtest-dev libgmock-dev python3 python3-numpy python3-zstandard pyth
     python3-distributed zstd locales units
     fonts-dejavu-core)
 bench=(libbenchmark-dev libsqlite3-dev python3 python3-numpy python3-zstandard)
-check=(git python3 clang clang-format clang-tidy libclang-rt-14-dev doxygen)
+check=(git python3 clang clang-format clang-tidy libclang-rt-14-dev doxygen
+    python3-pycodestyle)
 
 usage() {
     sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' "$0"

@@ -7,5 +7,5 @@ for module in numpy zstandard dask.array distributed; do
     "$2" -c "import $module" 2>/dev/null || { echo "The package $module is not installed"; exit 0; }
 done
 count=$("$1" 100000)
-exec "$2" "$(dirname "$0")/select_on_cluster.py" project campaign "rich ore" \
+exec "$2" "$(dirname "$0")/select_on_cluster.py" study campaign "rich ore" \
     --partition 30000 --expect "$count"

@@ -2,9 +2,9 @@
 
     select_on_cluster.py PROJECT DATASET FILTER [FILTER ...] [--partition SAMPLES] [--expect COUNT]
 
-The workers read their partitions from the project; this process only says where the columns are and
-what is asked. With a cluster of many machines the same holds: give `Client` the scheduler's address,
-and the project a place that all machines see.
+The workers read their partitions from the project; this process only says where the columns are
+and what is asked. With a cluster of many machines the same holds: give `Client` the scheduler's
+address, and the project a place that all machines see.
 """
 
 import argparse

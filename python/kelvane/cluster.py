@@ -7,9 +7,9 @@
     selected = columns.select(project.filter("rich ore"))   # a lazy array of truth values
     print(int(selected.sum().compute()))
 
-Opening a dataset reads where its columns are; what a task carries is that place and the ranks of its
-partition, never values. The worker that runs it reads the partition from the memento file, which
-each worker must see under the same path.
+Opening a dataset reads where its columns are; what a task carries is that place and the ranks of
+its partition, never values. The worker that runs it reads the partition from the memento file,
+which each worker must see under the same path.
 """
 
 from __future__ import annotations
@@ -129,8 +129,8 @@ class LazyTexts(Labelled):
 
 
 class _Streams:
-    """Frames that stand where their last partition ended. A frame has one begin: going on from there
-    spares the next partition from unpacking once more what lies before it."""
+    """Frames that stand where their last partition ended. A frame has one begin: going on from
+    there spares the next partition from unpacking once more what lies before it."""
 
     def __init__(self, limit: int) -> None:
         self._limit = limit
@@ -147,15 +147,17 @@ class _Streams:
         return packed.open()
 
     def keep(self, packed: Packed, stream: FrameStream) -> None:
-        old = [stream]
+        if stream.position == stream.size:
+            stream.close()
+            return
         with self._lock:
-            if stream.position < stream.size:
-                old = [self._kept.pop(packed)] if packed in self._kept else []
-                self._kept[packed] = stream
-                if len(self._kept) > self._limit:
-                    old.append(self._kept.popitem(last=False)[1])
-        for each in old:
-            each.close()
+            left_over = [self._kept.pop(packed, None)]
+            self._kept[packed] = stream
+            if len(self._kept) > self._limit:
+                left_over.append(self._kept.popitem(last=False)[1])
+        for other in left_over:
+            if other is not None:
+                other.close()
 
 
 _streams = _Streams(16)

@@ -155,7 +155,7 @@ class Texts(Labelled):
         end = int(self._ends[rank])
         if length < 0:
             return None
-        return self._units[end - length : end].tobytes().decode("utf-16-le", "surrogatepass")
+        return self._units[end - length:end].tobytes().decode("utf-16-le", "surrogatepass")
 
     def to_list(self) -> list[Optional[str]]:
         return [self[rank] for rank in range(len(self))]
@@ -184,8 +184,7 @@ class Texts(Labelled):
         units = _units(part)
         if len(units) == 0:
             return np.where(self.is_undefined(), -1, 0)
-        begins = np.flatnonzero(self._units[: len(self._units) - len(units) + 1] == units[0])
-        begins = begins[self._holds(units, begins)]
+        begins = self._begins_of(units)
         ranks = np.searchsorted(self._ends, begins, side="right")
         is_inside = begins + len(units) <= self._ends[ranks]
         begins, ranks = begins[is_inside], ranks[is_inside]
@@ -194,6 +193,16 @@ class Texts(Labelled):
         result = np.full(len(self), -1, np.int64)
         result[ranks] = begins - (self._ends[ranks] - self._lengths[ranks])
         return result
+
+    def _begins_of(self, units: np.ndarray) -> np.ndarray:
+        """All places where the units stand, be it across the end of a text."""
+        count = max(0, len(self._units) - len(units) + 1)
+        dense = min(len(units), 4)  # of every place; then only few places are left
+        matches = np.ones(count, bool)
+        for i in range(dense):
+            matches &= self._units[i:i + count] == units[i]
+        begins = np.flatnonzero(matches)
+        return begins[self._holds(units[dense:], begins + dense)]
 
     def _holds(self, units: np.ndarray, begins: np.ndarray) -> np.ndarray:
         """The ranks of those places where the units stand."""

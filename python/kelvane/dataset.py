@@ -209,7 +209,7 @@ def read_mask(packed: Optional[Packed], count: int, begin: int, end: int) -> np.
         stream.skip_to(first)
         bits = stream.read(np.dtype("u1"), (end + 7) // 8 - first)
     flags = np.unpackbits(bits, bitorder="little")
-    return flags[begin - 8 * first : end - 8 * first].astype(bool)
+    return flags[begin - 8 * first:end - 8 * first].astype(bool)
 
 
 def _text(fields: dict[str, Any], key: str) -> str:

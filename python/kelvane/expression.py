@@ -20,7 +20,7 @@ from typing import Any, Callable, Mapping, Union
 
 import numpy as np
 
-from .columns import Labelled, qm_find
+from .columns import Colors, Labelled, qm_find
 from .errors import ExpressionError
 
 _Number = Union[int, float]
@@ -118,19 +118,17 @@ class Expression:
         return evaluate
 
     def _comparison(self, node: ast.Compare) -> _Step:
-        compare = _COMPARISONS.get(type(node.ops[0]))
-        if compare is None:
+        if type(node.ops[0]) not in _COMPARISONS:
             raise self._refuse(node)
-        sides = node.left, node.comparators[0]
-        values = [self._constant(side) for side in sides]
-        if (values[0] is None) == (values[1] is None):
+        compare = _COMPARISONS[type(node.ops[0])]
+        left, right = self._constant(node.left), self._constant(node.comparators[0])
+        if (left is None) == (right is None):
             raise self._refuse(node)
-        if values[0] is None:
-            left, right = self._column(sides[0]), values[1]
-            return lambda columns: compare(_comparable(left(columns), right, node.ops[0]), right)
-        left_value, column = values[0], self._column(sides[1])
-        return lambda columns: compare(
-            left_value, _comparable(column(columns), left_value, node.ops[0]))
+        if left is None:
+            column = self._column(node.left)
+            return lambda columns: compare(_comparable(column(columns), right, compare), right)
+        column = self._column(node.comparators[0])
+        return lambda columns: compare(left, _comparable(column(columns), left, compare))
 
     def _column(self, node: ast.expr) -> _Step:
         if not isinstance(node, ast.Call):
@@ -139,9 +137,10 @@ class Expression:
             raise self._refuse(node)
         texts, part = self._arguments(node, 2)
         variable, value = self._variable(texts), self._constant(part)
-        if not isinstance(value, str):
-            raise self._refuse(node)
-        return lambda columns: qm_find(variable(columns), value)
+        if isinstance(value, str):
+            text = value
+            return lambda columns: qm_find(variable(columns), text)
+        raise self._refuse(node)
 
     def _variable(self, node: ast.expr) -> _Step:
         if not (isinstance(node, ast.Subscript) and isinstance(node.value, ast.Name)
@@ -199,10 +198,13 @@ def _real(value: _Number) -> float:
         return math.inf
 
 
-def _comparable(column: Any, value: Any, sign: ast.cmpop) -> Any:
+def _comparable(column: Any, value: Any, compare: Callable[[Any, Any], Any]) -> Any:
+    """The column, if such a comparison has a meaning."""
     if isinstance(value, str):
-        if not isinstance(column, Labelled) or not isinstance(sign, (ast.Eq, ast.NotEq)):
-            raise ExpressionError(f"A variable of numbers is compared with the text '{value}'.")
+        if not isinstance(column, Labelled) or isinstance(column, Colors):
+            raise ExpressionError(f"A variable that holds no texts is compared with '{value}'.")
+        if compare not in (operator.eq, operator.ne):
+            raise ExpressionError(f"Only == and != compare with a text, as with '{value}'.")
     elif isinstance(column, Labelled):
         raise ExpressionError(f"A variable that holds no numbers is compared with {value}.")
     return column

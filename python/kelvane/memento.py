@@ -1,8 +1,8 @@
 """Memento files: the frame of everything that a project keeps (docs/formats/memento-xml.md).
 
-The packed values of columns stay in the file. Reading a memento only finds where they stand, so that
-a dataset of gigabytes is opened without the memory for them, and another machine can read a column
-when it knows the place.
+The packed values of columns stay in the file. Reading a memento only finds where they stand, so
+that a dataset of gigabytes is opened without the memory for them, and another machine can read a
+column when it knows the place.
 """
 
 from __future__ import annotations

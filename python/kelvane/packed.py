@@ -5,7 +5,7 @@ from __future__ import annotations
 import base64
 import binascii
 from dataclasses import dataclass
-from typing import Any, BinaryIO
+from typing import Any, BinaryIO, cast
 
 import numpy as np
 import zstandard
@@ -111,7 +111,8 @@ class FrameStream:
         if self.size // _ZSTD_BLOCK > frame_size // 3:  # no memory for what cannot be
             raise packed.fault("its compressed values are damaged.")
         decompressor = zstandard.ZstdDecompressor()
-        self._reader = decompressor.stream_reader(source, read_across_frames=True)
+        self._reader = decompressor.stream_reader(
+            cast(BinaryIO, source), read_across_frames=True)
 
     def require_size(self, size: int) -> None:
         if self.size != size:
@@ -123,7 +124,7 @@ class FrameStream:
     def read(self, dtype: np.dtype, count: int) -> np.ndarray:
         """The next values. Whoever asks has compared their number with `size`."""
         values = np.empty(count, dtype)
-        self._read_into(memoryview(values.view(np.uint8)))
+        self._read_into(values.view(np.uint8).data)
         if self.position == self.size and self._read_some(memoryview(bytearray(1))) > 0:
             raise self._packed.fault("its compressed values are damaged.")
         return values

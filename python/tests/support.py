@@ -44,7 +44,8 @@ def variable(name, kind, values, packed=None, **fields):
 def catalog(labels):
     entries = "".join(f'<QVariant type="QMap"><code>{code}</code><label>{escape(label)}</label>'
                       "</QVariant>" for code, label in labels)
-    return (f'<catalog type="QMap"><categories type="QVariantList">{entries}</categories></catalog>')
+    return ('<catalog type="QMap"><categories type="QVariantList">'
+            f"{entries}</categories></catalog>")
 
 
 def dataset(variables, count, extra="", kind="LuMemoryDatasetPoint"):

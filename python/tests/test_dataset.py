@@ -109,7 +109,8 @@ class Damage(ProjectTest):
                        "1048576 bytes instead of 2147483647"),
             "a frame that lies": (dataset([variable(
                 "v", "SELECTION", [], "KLUv/aD///9/AAAA")], 2**31 - 1), "damaged"),
-            "an element in the values": (whole.replace("<values>", "<values><b/>"), "holds an elem"),
+            "an element in the values": (whole.replace("<values>", "<values><b/>"),
+                                         "holds an element"),
             "a count too large": (dataset([REALS], 2**31), "number of samples '2147483648'"),
             "a count of letters": (dataset([REALS], "1e1"), "number of samples '1e1'"),
             "a name taken": (dataset([REALS, REALS], 2), "'v': its name is empty or taken"),

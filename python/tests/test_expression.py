@@ -3,9 +3,7 @@
 import random
 import unittest
 
-import support  # noqa: F401, skips without the packages
-
-import numpy as np
+from support import np
 
 import kelvane
 
@@ -58,16 +56,16 @@ class Expressions(unittest.TestCase):
             "data['v':'w'] > 1", "data[f'v'] > 1", "other['v'] > 1", "np.save('x', data['v'])",
             "np.isnan(data['v'], out=data['v'])", "np.isnan(*data)", "np.isnan.__class__",
             "qm_find(data['t'], data['t']) > 1", "qm_find('a', 'b') > 1", "qm_find(data['t']) > 1",
-            "data['v'] + 1 > 1", "data['v'] ** 9 ** 9 > 1", "data['v'] << 9 > 1", "not data['v'] > 1",
-            "data['v'] > 1 and data['v'] < 2", "0 < data['v'] < 2", "data['v'] in (1, 2)",
-            "data['v'] is None", "data['v'] == None", "data['v'] == True", "data['v'] == 1j",
-            "data['v'] == b'a'", "data['t'] == -'a'", "data['v'] > +1", "1 > 0", "True", "...",
-            "data['v'] > data['s']", "(yield)", "x := 1", "data['v'] = 1", "import os", "a; b", "#",
-            "~ data['s']", "data['s'] & data['s']", "data['v'] == 'a'", "data['t'] == 1",
-            "data['t'] < 'b'", "data['k'] > 1", "qm_find(data['k'],'a') >= 0",
-            "qm_find(data['v'],'a') >= 0", "data['gone'] > 1", "data['t'] == ''' or 1 == '", "\0",
-            "data['t'] == '\ud800'", "(" * 1000, "~" * 100000 + "data['v'] > 1",
-            "data['v'] > " + "9" * 5000,
+            "data['v'] + 1 > 1", "data['v'] ** 9 ** 9 > 1", "data['v'] << 9 > 1",
+            "not data['v'] > 1", "data['v'] > 1 and data['v'] < 2", "0 < data['v'] < 2",
+            "data['v'] in (1, 2)", "data['v'] is None", "data['v'] == None", "data['v'] == True",
+            "data['v'] == 1j", "data['v'] == b'a'", "data['t'] == -'a'", "data['v'] > +1", "1 > 0",
+            "True", "...", "data['v'] > data['s']", "(yield)", "x := 1", "data['v'] = 1",
+            "import os", "a; b", "#", "~ data['s']", "data['s'] & data['s']", "data['v'] == 'a'",
+            "data['t'] == 1", "data['t'] < 'b'", "data['c'] == 'a'", "data['k'] > 1",
+            "qm_find(data['k'],'a') >= 0", "qm_find(data['v'],'a') >= 0", "data['gone'] > 1",
+            "data['t'] == ''' or 1 == '", "\0", "data['t'] == '\ud800'", "(" * 1000,
+            "~" * 100000 + "data['v'] > 1", "data['v'] > " + "9" * 5000,
         ]:
             with self.subTest(text[:60]):
                 with self.assertRaises(kelvane.ExpressionError):

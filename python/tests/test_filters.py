@@ -24,7 +24,8 @@ def names(key, *labels):
 def rule(kind, stored, version=2, name="v", support="Points"):
     stored = fields(stored) if isinstance(stored, dict) else stored
     return (f'<QVariant type="QMap"><rule type="QMap">{stored}</rule><support>{support}</support>'
-            f"<type>{kind}</type><variable>{name}</variable><version>{version}</version></QVariant>")
+            f"<type>{kind}</type><variable>{name}</variable><version>{version}</version>"
+            "</QVariant>")
 
 
 def stored_filter(rules, combination=""):
@@ -92,7 +93,7 @@ class Filters(ProjectTest):
                 fewer = {other: value for other, value in COMPARE.items() if other != key}
                 rows.append(([rule("NUMERIC", fewer)], "", f"'{key}' is missing"))
             rows.append(([rule("NUMERIC", {**COMPARE, key: "1_0"})], "", f"'{key}' is missing"))
-        rows += [([rule("ALPHA", {**ALPHA, "mode": "X"})], "", "R1, on the variable 'v': the value"),
+        rows += [([rule("ALPHA", {**ALPHA, "mode": "X"})], "", "R1, on the variable 'v': the val"),
                  ([sound, rule("OTHER", {})], "", "R2: the value of 'type'"),
                  ([rule("SELECTION", {"invert": "1"})], "", "'invert'"),
                  ([rule("SELECTION", {"invert": "no"}, 3)], "", "R1: the value of 'version'"),

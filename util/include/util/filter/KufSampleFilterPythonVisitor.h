@@ -29,6 +29,9 @@ class KufISampleFilterRule;
 ///   for an undefined text in `==` and `!=` alike;
 /// - of a category's item the same: comparing with a label compares the codes.
 ///
+/// The Python package of this project offers all that for the datasets of a project, and evaluates
+/// the text without executing it (docs/python.md).
+///
 /// A filter without rules gives an empty text.
 class KELVANE_UTIL_EXPORT KufSampleFilterPythonVisitor final : public KufSampleFilterASTVisitor
 {
