@@ -3,6 +3,7 @@
 #include <util/dataset/KudGenericDatasetFactory.h>
 #include <util/dataset/KudMemoryDataTable.h>
 #include <util/dataset/KudMemoryDatasetPoint.h>
+#include <util/dataset/KudSelector.h>
 #include <util/xml/KuxXmlMementoFile.h>
 
 #include <basic/base/HbbDebug.h>
@@ -23,6 +24,11 @@ std::unique_ptr<KudADataset> read(const QByteArray& bytes)
     } catch (const HbeError&) {
         return nullptr;
     }
+}
+
+HbiIntervalIntSmallDisjoint masked(const KudMemoryDatasetPoint& points)
+{
+    return points.getPointTable()->getMaskConst()->selectedRows();
 }
 } // namespace
 
@@ -47,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const auto again = read(saved);
     const auto* same = KudMemoryDatasetPoint::convert(again.get());
-    if (same == nullptr ||
+    if (same == nullptr || masked(*same) != masked(*points) ||
         !same->getPointTable()->getDataTable().isEqual(points->getPointTable()->getDataTable()))
         std::abort();
     return 0;

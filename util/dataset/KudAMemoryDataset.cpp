@@ -1,5 +1,7 @@
 #include <util/dataset/KudAMemoryDataset.h>
+#include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableMemento.h>
+#include <util/observable/KuoOneNotice.h>
 
 #include "KudUnitCodec.h"
 
@@ -193,6 +195,7 @@ void KudAMemoryDataset::_updateMemento(KuuMemento& memento) const
     saveCoordSystem(getCoordSystem(), memento);
     QVariantMap table = KudTableMemento::toMap(m_table->getDataTable());
     table.insert(QStringLiteral("flags"), int(m_table->getFlags()));
+    KudTableMemento::addMask(*m_table->getMask(), table);
     memento.setField(QStringLiteral("table"), table);
     _saveGeometry(memento);
 }
@@ -201,6 +204,7 @@ void KudAMemoryDataset::_setFromMemento(const KuuMemento& memento)
 {
     const QVariantMap saved = memento.getField(QStringLiteral("table")).toMap();
     HbdDataTable table = KudTableMemento::fromMap(saved);
+    const QBitArray mask = KudTableMemento::getMask(saved, table.getSampleCount());
     const KuuCoordSystem coordSystem = readCoordSystem(memento);
     int flags = int(m_table->getFlags());
     KuuMementoCodec<int>::decode(saved.value(QStringLiteral("flags")), flags);
@@ -209,7 +213,11 @@ void KudAMemoryDataset::_setFromMemento(const KuuMemento& memento)
     m_name = memento.getField(QStringLiteral("name")).toString();
     m_table->setCoordSystem(coordSystem);
     m_table->setFlags(Ku::DatasetFlags(flags));
+    KuoOneNotice<KudDataTableModif> one(*m_table);
     m_table->setDataTable(std::move(table));
+    if (!mask.isEmpty())
+        m_table->getMask()->setBitArray(mask);
+    one.send();
 }
 
 void KudAMemoryDataset::_saveGeometry(KuuMemento&) const {}

@@ -39,13 +39,17 @@ void KudSelectionModel::listenTo(QAbstractItemModel& model)
     connect(&model, &Model::rowsAboutToBeRemoved, this, release);
     connect(&model, &Model::rowsAboutToBeMoved, this, release);
     connect(&model, &Model::columnsAboutToBeInserted, this, release);
-    connect(&model, &Model::columnsAboutToBeRemoved, this, release);
+    connect(&model, &Model::columnsAboutToBeRemoved, this, [this] {
+        this->release();
+        m_areColumnsGoing = true;
+    });
     connect(&model, &Model::columnsAboutToBeMoved, this, release);
     connect(&model, &Model::layoutAboutToBeChanged, this, release);
     connect(&model, &Model::modelAboutToBeReset, this, release);
     connect(&model, &Model::rowsAboutToBeInserted, this,
             [this](const QModelIndex& parent, int first) {
-                if (first < this->model()->rowCount(parent)) // samples at the end move no others
+                // New samples at the end are not selected, but those that an order shows again are.
+                if (m_order != nullptr || first < this->model()->rowCount(parent))
                     this->release();
             });
 
@@ -74,12 +78,14 @@ void KudSelectionModel::release()
 void KudSelectionModel::rowsReordered()
 {
     m_isReleased = false;
+    m_areColumnsGoing = false;
     mirror();
 }
 
 void KudSelectionModel::select(const QItemSelection& selection, SelectionFlags command)
 {
-    if (command == NoUpdate || m_selector == nullptr || !m_selector->prepareChange())
+    if (command == NoUpdate || m_areColumnsGoing || m_selector == nullptr ||
+        !m_selector->prepareChange())
         return;
     const KudSelectorBits& bits = m_selector->bits();
     // With Current, what was selected last makes way for what is selected now.
@@ -190,6 +196,8 @@ std::vector<HbiIntervalIntSmall> KudSelectionModel::rangesToMirror()
 {
     std::vector<HbiIntervalIntSmall> ranges;
     m_window = HbiIntervalIntSmall(0, model()->rowCount() - 1);
+    if (!m_selector->hasSelection())
+        return ranges;
     if (m_selector->getNSelected() <= MANY_ROWS) {
         const KudSelectorBits rows = selectedRows();
         int end = 0;

@@ -68,6 +68,7 @@ private:
     std::optional<KudSelectorBits> m_settled; // the selection without what was selected last
     quint64 m_settledRevision = 0;            // of the selector, at which it holds
     std::optional<HbiIntervalIntSmall> m_shownRows;
-    HbiIntervalIntSmall m_window; // the rows that are mirrored
-    bool m_isReleased = false;    // rows or columns are changing: nothing is mirrored
+    HbiIntervalIntSmall m_window;   // the rows that are mirrored
+    bool m_isReleased = false;      // rows or columns are changing: nothing is mirrored
+    bool m_areColumnsGoing = false; // which the base class deselects, but rows stay selected
 };

@@ -71,7 +71,7 @@ bool KudSelector::selectAll()
 
 bool KudSelector::deselectAll()
 {
-    return select(HbiIntervalIntSmallDisjoint(), Ku::ClearSelection);
+    return hasSelection() && select(HbiIntervalIntSmallDisjoint(), Ku::ClearSelection);
 }
 
 bool KudSelector::invert()
@@ -162,7 +162,7 @@ void KudSelector::follow(QTableView* view)
     const auto tell = [view, selection] {
         const int first = view->rowAt(0);
         const int last = view->rowAt(view->viewport()->height() - 1);
-        if (first >= 0)
+        if (first >= 0 && view->selectionModel() == selection)
             selection->setShownRows(first, last >= 0 ? last : view->model()->rowCount() - 1);
     };
     connect(view->verticalScrollBar(), &QScrollBar::valueChanged, selection, tell);

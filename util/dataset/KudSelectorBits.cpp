@@ -49,38 +49,48 @@ void KudSelectorBits::closeTail()
         m_words[static_cast<std::size_t>(m_size) / 64] &= ALL >> (64 - m_size % 64);
 }
 
+/// Changes the words that hold the samples; how many of these were selected.
 template <class Change>
-void KudSelectorBits::change(HbiIntervalIntSmall ranks, Change change)
+int KudSelectorBits::change(HbiIntervalIntSmall samples, Change change)
 {
-    const int first = std::max(ranks.getMin(), 0);
-    const int last = std::min(ranks.getMax(), m_size - 1);
-    if (first > last)
-        return;
+    if (samples.isEmpty())
+        return 0;
+    const int first = samples.getMin();
+    const int last = samples.getMax();
     const std::size_t firstWord = static_cast<std::size_t>(first) / 64;
     const std::size_t lastWord = static_cast<std::size_t>(last) / 64;
+    int count = 0;
     for (std::size_t i = firstWord; i <= lastWord; ++i) {
         const quint64 from = i == firstWord ? ALL << (first % 64) : ALL;
         const quint64 to = i == lastWord ? ALL >> (63 - last % 64) : ALL;
-        const quint64 before = m_words[i];
-        m_words[i] = change(before, from & to);
-        m_count += static_cast<int>(qPopulationCount(m_words[i])) -
-                   static_cast<int>(qPopulationCount(before));
+        count += static_cast<int>(qPopulationCount(m_words[i] & from & to));
+        m_words[i] = change(m_words[i], from & to);
     }
+    return count;
+}
+
+HbiIntervalIntSmall KudSelectorBits::samplesOf(HbiIntervalIntSmall ranks) const
+{
+    return ranks.intersected(HbiIntervalIntSmall(0, m_size - 1));
 }
 
 void KudSelectorBits::select(HbiIntervalIntSmall ranks)
 {
-    change(ranks, [](quint64 word, quint64 mask) { return word | mask; });
+    const HbiIntervalIntSmall samples = samplesOf(ranks);
+    const int before = change(samples, [](quint64 word, quint64 mask) { return word | mask; });
+    m_count += static_cast<int>(samples.getLength()) - before;
 }
 
 void KudSelectorBits::deselect(HbiIntervalIntSmall ranks)
 {
-    change(ranks, [](quint64 word, quint64 mask) { return word & ~mask; });
+    m_count -= change(samplesOf(ranks), [](quint64 word, quint64 mask) { return word & ~mask; });
 }
 
 void KudSelectorBits::toggle(HbiIntervalIntSmall ranks)
 {
-    change(ranks, [](quint64 word, quint64 mask) { return word ^ mask; });
+    const HbiIntervalIntSmall samples = samplesOf(ranks);
+    const int before = change(samples, [](quint64 word, quint64 mask) { return word ^ mask; });
+    m_count += static_cast<int>(samples.getLength()) - 2 * before;
 }
 
 template <class Change>
@@ -92,7 +102,10 @@ void KudSelectorBits::combine(const KudSelectorBits& other, Change change)
 
 void KudSelectorBits::select(const KudSelectorBits& other)
 {
-    combine(other, [](quint64 a, quint64 b) { return a | b; });
+    if (m_count == 0)
+        *this = other;
+    else
+        combine(other, [](quint64 a, quint64 b) { return a | b; });
 }
 
 void KudSelectorBits::deselect(const KudSelectorBits& other)
@@ -102,7 +115,10 @@ void KudSelectorBits::deselect(const KudSelectorBits& other)
 
 void KudSelectorBits::toggle(const KudSelectorBits& other)
 {
-    combine(other, [](quint64 a, quint64 b) { return a ^ b; });
+    if (m_count == 0)
+        *this = other;
+    else
+        combine(other, [](quint64 a, quint64 b) { return a ^ b; });
 }
 
 void KudSelectorBits::resize(int size)

@@ -61,8 +61,9 @@ public:
     friend bool operator!=(const KudSelectorBits& a, const KudSelectorBits& b) { return !(a == b); }
 
 private:
+    HbiIntervalIntSmall samplesOf(HbiIntervalIntSmall ranks) const;
     template <class Change>
-    void change(HbiIntervalIntSmall ranks, Change change);
+    int change(HbiIntervalIntSmall samples, Change change);
     template <class Change>
     void combine(const KudSelectorBits& other, Change change);
     int find(int from, quint64 flip) const;

@@ -1,4 +1,6 @@
+#include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableMemento.h>
+#include <util/utils/KuuMementoBytes.h>
 #include <util/utils/KuuMementoFields.h>
 
 #include "KudColumnBytes.h"
@@ -8,6 +10,7 @@
 #include <basic/data/HbdVariableEnum.h>
 #include <basic/error/HbeUserError.h>
 
+#include <QtCore/QBitArray>
 #include <QtCore/QCoreApplication>
 
 template <>
@@ -49,6 +52,12 @@ const KuuMementoFields<HbdVariableDetails>& detailFields()
         {"colorScaleId", &Details::colorScaleId},
     };
     return rows;
+}
+
+/// The least significant bit of the first byte is that of the first sample.
+std::size_t bytesOfBits(int count)
+{
+    return (static_cast<std::size_t>(count) + 7) / 8;
 }
 
 QVariantMap catalogToMap(const HbdEnumCatalog& catalog)
@@ -159,4 +168,32 @@ HbdDataTable KudTableMemento::fromMap(const QVariantMap& map)
         }
     }
     return table;
+}
+
+void KudTableMemento::addMask(const KudSelector& mask, QVariantMap& map)
+{
+    if (!mask.hasSelection())
+        return;
+    const QBitArray bits = mask.getBitArray();
+    map.insert(QStringLiteral("mask"),
+               KuuMementoBytes::pack(bits.bits(), bytesOfBits(bits.size())));
+}
+
+QBitArray KudTableMemento::getMask(const QVariantMap& map, int sampleCount)
+{
+    const QVariant saved = map.value(QStringLiteral("mask"));
+    if (!saved.isValid())
+        return QBitArray();
+    try {
+        const KuuMementoBytes packed(saved.toByteArray());
+        const std::size_t expected = bytesOfBits(sampleCount);
+        if (packed.getSize() != expected)
+            throw HbeUserError(
+                tr("Its values take %1 bytes instead of %2.").arg(packed.getSize()).arg(expected));
+        std::vector<char> bytes(expected);
+        packed.unpack(bytes.data());
+        return QBitArray::fromBits(bytes.data(), sampleCount);
+    } catch (const HbeError& error) {
+        throw HbeUserError(tr("Cannot read the mask: %1").arg(error.getMessage()));
+    }
 }

@@ -3,9 +3,11 @@
 #include <util/dataset/KudGenericDatasetFactory.h>
 #include <util/dataset/KudMemoryDatasetGrid.h>
 #include <util/dataset/KudMemoryDatasetPoint.h>
+#include <util/dataset/KudSelector.h>
 #include <util/observable/KuoIObserver.h>
 #include <util/utils/KuuGeometrySample.h>
 #include <util/utils/KuuMemento.h>
+#include <util/utils/KuuMementoBytes.h>
 #include <util/xml/KuxXmlMementoFile.h>
 
 #include <basic/base/HbbGlobal.h>
@@ -106,6 +108,8 @@ TEST(KudADataset, ComesBackFromItsFileEqual)
     dataset.setInterval({HbiIntervalIntSmallO64(0, 1), HbiIntervalIntSmallO64(3, qint64(1) << 40)});
     dataset.hideStructuralRoles({{HbdESupport::POINT, HbdVarRoleFlags(HbdEVarRole::NAME)}});
     dataset.getPointTable()->setFlag(Ku::ReadOnlyValues);
+    dataset.mask({HbiIntervalIntSmall(0, 0), HbiIntervalIntSmall(4, 5)}, Ku::Select);
+    dataset.getPointTable()->getHighlight()->selectAll();
 
     QTemporaryDir directory;
     KuxXmlMementoFile::save(QDir(directory.path()), dataset.getMemento());
@@ -130,6 +134,8 @@ TEST(KudADataset, ComesBackFromItsFileEqual)
     EXPECT_EQ(points->getPointTable()->getFlags(), dataset.getPointTable()->getFlags());
     EXPECT_TRUE(
         points->getPointTable()->getDataTable().isEqual(dataset.getPointTable()->getDataTable()));
+    EXPECT_EQ(points->getMask(), dataset.getMask());
+    EXPECT_FALSE(points->getPointTable()->getHighlight()->hasSelection());
 
     const auto copy = KudGenericDatasetFactory().create(memento, false);
     EXPECT_NE(copy->getId(), dataset.getId());
@@ -143,6 +149,7 @@ TEST(KudADataset, RestoresAnEditWithOneNotice)
     const HbdDataTable before = dataset.getPointTable()->getDataTable();
     const KuuMemento memento = dataset.getMemento();
 
+    dataset.mask(1, Ku::Select);
     dataset.getPointTable()->deleteSample(2);
     dataset.deleteVariable(dataset.getPointTable()->getVariableAt(1));
     dataset.setName("Renamed");
@@ -153,6 +160,7 @@ TEST(KudADataset, RestoresAnEditWithOneNotice)
 
     EXPECT_TRUE(dataset.getPointTable()->getDataTable().isEqual(before));
     EXPECT_EQ(dataset.getName(), "Campaign");
+    EXPECT_EQ(dataset.getMask(), QBitArray(6));
     EXPECT_EQ(dataset.getInterval(), nullptr);
     EXPECT_TRUE(dataset.getNameVariable().isValid());
     ASSERT_EQ(recorder.notices.size(), 1U);
@@ -165,7 +173,9 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
     Recorder recorder;
     KudMemoryDatasetPoint dataset("Campaign");
     fillWithEverything(dataset);
+    dataset.mask(3, Ku::Select);
     const HbdDataTable before = dataset.getPointTable()->getDataTable();
+    const QBitArray mask = dataset.getMask();
     const KuuMemento good = dataset.getMemento();
     dataset.addObserver(&recorder);
 
@@ -214,6 +224,17 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
          "Cannot read the variable 'x': Its type 'TENSOR' is not known."},
         {"no name", [](auto&, auto& c) { c["name"] = ""; },
          "Cannot read the variable '': Its name is empty or taken."},
+        {"a mask of more samples",
+         [](auto& t, auto&) { t["mask"] = KuuMementoBytes::pack("12", 2); },
+         "Cannot read the mask: Its values take 2 bytes instead of 1."},
+        {"an empty mask", [](auto& t, auto&) { t["mask"] = ""; },
+         "Cannot read the mask: Its values take 0 bytes instead of 1."},
+        {"a mask in no base64", [](auto& t, auto&) { t["mask"] = "@@@"; },
+         "Cannot read the mask: Its values are not valid base64."},
+        {"a cut mask", [](auto& t, auto&) { t["mask"] = t["mask"].toByteArray().left(12); },
+         "Cannot read the mask: Its compressed values are damaged."},
+        {"a mask that is a bomb", [&](auto& t, auto&) { t["mask"] = bomb; },
+         "Cannot read the mask: Its compressed values are damaged."},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -225,6 +246,7 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
             EXPECT_THAT(error.what(), testing::StartsWith(c.message));
         }
         EXPECT_TRUE(dataset.getPointTable()->getDataTable().isEqual(before));
+        EXPECT_EQ(dataset.getMask(), mask);
         EXPECT_TRUE(recorder.notices.empty());
         EXPECT_FALSE(dataset.isLocked());
         EXPECT_EQ(dataset.getId(), good.getId().getUuid());

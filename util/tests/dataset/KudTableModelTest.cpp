@@ -1,5 +1,6 @@
 #include "KudDataTableFixture.h"
 
+#include <util/dataset/KudEmptyDataTable.h>
 #include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableModel.h>
 #include <util/dataset/KudTableUtils.h>
@@ -11,6 +12,34 @@
 #include <QtCore/QLocale>
 #include <QtTest/QAbstractItemModelTester>
 #include <QtTest/QSignalSpy>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QTableView>
+
+namespace
+{
+QBitArray randomBits(int size, std::mt19937& random)
+{
+    QBitArray bits(size);
+    for (int i = 0; i < size; ++i)
+        bits.setBit(i, random() % 2 == 0);
+    return bits;
+}
+
+int randomBelow(int limit, std::mt19937& random)
+{
+    return static_cast<int>(random() % static_cast<unsigned>(limit));
+}
+
+/// Whether a view paints these rows as the bits say.
+void expectShown(const QItemSelectionModel& shown, const QBitArray& bits, int first, int last)
+{
+    for (int row = first; row <= last; ++row) {
+        for (const int column : {0, shown.model()->columnCount() - 1})
+            ASSERT_EQ(shown.isSelected(shown.model()->index(row, column)), bits.testBit(row))
+                << row;
+    }
+}
+} // namespace
 
 /// What shows other columns, or more samples, is seen by the model and leaves the selections alone.
 TEST_F(KudDataTable, ShowsAndHidesColumnsBehindTheModelAndTheSelections)
@@ -55,6 +84,7 @@ TEST_F(KudDataTable, ModelAndSelectionsFollowRandomEdits)
         table.createVariable(HbdVariableDetails("key", HbdEVarType::INTEGER));
     std::mt19937 random(3);
     std::set<qint64> masked;
+    const QItemSelectionModel* shown = table.getMask()->getSelectionModel();
     qint64 next = 0;
     for (int rank = 0; rank < 4; ++rank)
         table.updateValue(key, rank, next++);
@@ -102,25 +132,50 @@ TEST_F(KudDataTable, ModelAndSelectionsFollowRandomEdits)
         }
         ASSERT_EQ(found, masked) << "step " << step;
         ASSERT_EQ(table.getMask()->getNSelected(), static_cast<int>(masked.size()));
+        expectShown(*shown, bits, 0, bits.size() - 1);
     }
 }
 
 TEST_F(KudDataTable, DeletingManyScatteredRangesKeepsTheSelections)
 {
-    QList<QVector<QVariant>> rows;
-    for (int i = 0; i < 1000; ++i)
-        rows.append({double(i), i});
-    table.createSamples(rows);
+    std::mt19937 random(11);
+    table.setSampleCount(5000);
+    const QBitArray before = randomBits(5000, random);
+    table.getHighlight()->setBitArray(before);
     Ranks removed;
-    for (int rank = 4; rank < 1004; rank += 3)
-        removed.add(rank);
-    table.getHighlight()->select({Range(2, 5)}, Ku::Select);
+    QBitArray after;
+    for (int rank = 0; rank < 5000; ++rank) {
+        if (random() % 3 == 0) {
+            removed.add(rank);
+            continue;
+        }
+        after.resize(after.size() + 1);
+        after.setBit(after.size() - 1, before.testBit(rank));
+    }
     recorder.notices.clear();
 
     EXPECT_TRUE(table.deleteSamples(removed));
-    EXPECT_EQ(table.getSampleCount(), 1004 - static_cast<int>(removed.getCount()));
-    EXPECT_EQ(table.getHighlight()->selectedRows(), Ranks(Range(2, 4)));
+    EXPECT_EQ(table.getHighlight()->getBitArray(), after);
+    EXPECT_EQ(table.getHighlight()->getNSelected(), after.count(true));
     EXPECT_EQ(recorder.notices.size(), 1U);
+    EXPECT_TRUE(recorder.notices[0].testReason(KudTableModif::HighlightChanged));
+}
+
+/// Of a table that takes samples in between, as memory tables do not.
+TEST(KudSelector, FollowsSamplesThatComeInBetween)
+{
+    struct : KudEmptyDataTable {
+        int count = 4;
+        int getSampleCount() const override { return count; }
+    } table;
+    table.getMask()->select({Range(1, 2)}, Ku::Select);
+    for (const int first : {2, 0, 9}) {
+        table.getModel()->beginInsertSamples(first, 3);
+        table.count += 3;
+        table.getModel()->endInsertSamples();
+    }
+    EXPECT_EQ(table.getMask()->selectedRows(), Ranks({Range(4, 4), Range(8, 8)}));
+    EXPECT_EQ(table.getMask()->getBitArray().size(), 13);
 }
 
 TEST(KudSelector, MapsItsFlagsAndReportsChanges)
@@ -160,26 +215,155 @@ TEST(KudSelector, MapsItsFlagsAndReportsChanges)
     EXPECT_EQ(KudTableUtils::getSelectedRows(mask.getSelectionModel()), mask.selectedRows());
 }
 
-/// Rows stay selected as wholes, whatever happens to the columns.
+/// Rows stay selected as wholes, whatever happens to the columns, and without any.
 TEST_F(KudDataTable, SelectsRowsWhateverHappensToTheColumns)
 {
     KudSelector& mask = *table.getMask();
     mask.select({Range(1, 2)}, Ku::Select);
-    recorder.notices.clear();
+    const QItemSelectionModel* shown = mask.getSelectionModel();
     const KudDatasetVariable added = table.createVariable(HbdVariableDetails("new"));
-    EXPECT_FALSE(mask.select(1, Ku::Select));
     EXPECT_TRUE(mask.select(1, Ku::ToggleSelection));
-    EXPECT_EQ(mask.selectedRows(), Ranks(2));
+    expectShown(*shown, mask.getBitArray(), 0, 3);
 
     recorder.notices.clear();
-    for (const KudDatasetVariable& variable : {x, added, n})
+    for (const KudDatasetVariable& variable : {x, added, n, t})
         table.deleteVariable(variable);
-    EXPECT_EQ(recorder.reasons(), std::vector<int>(3, KudTableModif::VariableRemoved));
-    EXPECT_EQ(mask.selectedRows(), Ranks(2));
-    table.deleteVariable(t);
-    EXPECT_FALSE(mask.hasSelection());
-    EXPECT_TRUE(recorder.notices.back().testReason(KudTableModif::MaskChanged));
-    EXPECT_FALSE(mask.select(0, Ku::Select));
+    EXPECT_EQ(recorder.reasons(), std::vector<int>(4, KudTableModif::VariableRemoved));
+    EXPECT_TRUE(mask.select(0, Ku::Select));
+    EXPECT_EQ(mask.selectedRows(), Ranks({Range(0, 0), Range(2, 2)}));
+    table.createVariable(HbdVariableDetails("again"));
+    expectShown(*shown, mask.getBitArray(), 0, 3);
+}
+
+/// Qt's own selection model, on a table of the same shape, is the judge of each command that a view
+/// may give, between changes by others and of the samples.
+class ViewCommands : public testing::TestWithParam<int>
+{
+};
+
+TEST_P(ViewCommands, SelectWhatTheySelectInQt)
+{
+    using Model = QItemSelectionModel;
+    const int steps = GetParam() < 1000 ? 2000 : 100;
+    std::mt19937 random(7);
+    Recorder recorder;
+    KudMemoryDataTable table("Points");
+    KudMemoryDataTable judgesTable("Points");
+    for (KudMemoryDataTable* t : {&table, &judgesTable}) {
+        t->setSampleCount(GetParam());
+        for (const char* name : {"a", "b", "c"})
+            t->createVariable(HbdVariableDetails(name));
+    }
+    table.addObserver(&recorder);
+    KudSelector& mask = *table.getMask();
+    Model* ours = mask.getSelectionModel();
+    Model judge(judgesTable.getModel());
+    const auto settle = [&judge] { judge.select(QItemSelection(), Model::Select); };
+    if (GetParam() >= 1000) { // more ranges than are mirrored
+        for (int row = 0; row < GetParam(); row += 2)
+            judge.select(judgesTable.getModel()->index(row, 0), Model::Select | Model::Rows);
+        mask.select(KudTableUtils::getSelectedRows(&judge), Ku::Select);
+        settle();
+    }
+
+    const Model::SelectionFlags operations[] = {
+        Model::NoUpdate, Model::Clear,    Model::Select,
+        Model::Deselect, Model::Toggle,   Model::ClearAndSelect,
+        Model::Select,   Model::Deselect, Model::Clear | Model::Toggle};
+    for (int step = 0; step < steps; ++step) {
+        const int rows = table.getSampleCount();
+        const int first = randomBelow(rows, random);
+        const Range some(first, std::min(first + randomBelow(10, random), rows - 1));
+        const QBitArray before = mask.getBitArray();
+        recorder.notices.clear();
+        switch (randomBelow(12, random)) {
+        case 0:
+            for (KudMemoryDataTable* t : {&table, &judgesTable})
+                t->createSample(QVector<QVariant>{});
+            break;
+        case 1:
+            for (KudMemoryDataTable* t : {&table, &judgesTable})
+                t->deleteSamples(rows > GetParam() ? Ranks({Range(0, 0), Range(first, first)})
+                                                   : Ranks());
+            break;
+        case 2:
+            if (!mask.select(some, Ku::Select))
+                break;
+            judge.select(QItemSelection(judge.model()->index(some.getMin(), 0),
+                                        judge.model()->index(some.getMax(), 2)),
+                         Model::Select);
+            settle();
+            break;
+        default: {
+            Model::SelectionFlags command =
+                operations[randomBelow(std::size(operations), random)] | Model::Rows;
+            command.setFlag(Model::Current, random() % 2 == 0);
+            QItemSelection cells;
+            QItemSelection judgesCells;
+            for (int i = randomBelow(4, random); i > 0; --i) {
+                const int top = randomBelow(rows, random);
+                const int bottom = std::min(top + randomBelow(i * rows / 4 + 1, random), rows - 1);
+                const int left = randomBelow(3, random);
+                cells.append({ours->model()->index(top, left), ours->model()->index(bottom, 2)});
+                judgesCells.append(
+                    {judge.model()->index(top, left), judge.model()->index(bottom, 2)});
+            }
+            ours->select(cells, command);
+            judge.select(judgesCells, command);
+            EXPECT_EQ(recorder.notices.size(), mask.getBitArray() == before ? 0U : 1U);
+        }
+        }
+        ASSERT_EQ(mask.selectedRows(), KudTableUtils::getSelectedRows(&judge)) << step;
+        ASSERT_EQ(KudTableUtils::getSelectedRows(ours), mask.selectedRows());
+        ASSERT_EQ(ours->hasSelection(), mask.hasSelection());
+        ASSERT_EQ(mask.getBitArray().count(true), mask.getNSelected());
+        expectShown(*ours, mask.getBitArray(), 0, std::min(mask.getBitArray().size(), 200) - 1);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(OfFewAndManyRanges, ViewCommands, testing::Values(40, 1200));
+
+TEST(KudSelector, ShowsTenMillionSamplesWithoutAListOfThem)
+{
+    constexpr int COUNT = 10000000;
+    KudMemoryDataTable table("Points");
+    table.setSampleCount(COUNT);
+    table.createVariable(HbdVariableDetails("v", HbdEVarType::SELECTION));
+    KudSelector& mask = *table.getMask();
+    QTableView view;
+    view.setModel(table.getModel());
+    view.setSelectionModel(mask.getSelectionModel());
+    KudSelector::follow(&view);
+    view.resize(300, 300);
+    const auto expectView = [&](int selected) {
+        view.grab(); // with its headers, which ask the selection model too
+        EXPECT_EQ(mask.getNSelected(), selected);
+        EXPECT_LE(view.selectionModel()->selection().size(), 256);
+        const int first = view.rowAt(0);
+        const int last = std::min(first + 9, COUNT - 1);
+        expectShown(*view.selectionModel(), mask.getBitArray(), first, last);
+    };
+
+    expectView(0);
+    view.selectAll();
+    expectView(COUNT);
+    view.verticalScrollBar()->setValue(7000001);
+    expectView(COUNT);
+    mask.invert();
+    expectView(0);
+    QBitArray half(COUNT);
+    for (int rank = 0; rank < COUNT; rank += 2)
+        half.setBit(rank);
+    mask.setBitArray(half);
+    expectView(COUNT / 2);
+    for (const int row : {0, 600, COUNT / 3, COUNT}) {
+        view.verticalScrollBar()->setValue(row);
+        expectView(COUNT / 2);
+    }
+    view.selectionModel()->select(table.getModel()->index(COUNT - 5, 0),
+                                  QItemSelectionModel::Toggle);
+    expectView(COUNT / 2 + 1);
+    view.clearSelection();
+    expectView(0);
 }
 
 TEST(KudSelector, SelectsScatteredRanksAsItWouldOneByOne)
@@ -209,7 +393,13 @@ TEST(KudSelector, SelectsScatteredRanksAsItWouldOneByOne)
                                                  : QBitArray(COUNT);
         EXPECT_EQ(mask.getBitArray(), expected) << flag;
         EXPECT_EQ(mask.getNSelected(), expected.count(true));
+        EXPECT_TRUE(mask.invert());
+        EXPECT_EQ(mask.getBitArray(), ~expected);
+        EXPECT_TRUE(mask.invert());
     }
+    EXPECT_TRUE(mask.selectAll());
+    EXPECT_FALSE(mask.selectAll());
+    EXPECT_EQ(mask.getBitArray(), QBitArray(COUNT, true));
 }
 
 TEST(KudTableModel, ShowsAndEditsInTheDisplayUnitAndTheUsersDecimalSign)
