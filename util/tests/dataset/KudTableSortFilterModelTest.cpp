@@ -85,7 +85,7 @@ protected:
     {
         QList<QVector<QVariant>> rows;
         for (int i = 0; i < count; ++i) {
-            rows.append({next, below(4) == 0 ? QVariant() : QVariant(below(10))});
+            rows.append({next, below(4) == 0 ? QVariant() : QVariant(below(60))});
             expected.push_back(next++);
         }
         table.createSamples(rows);
@@ -180,7 +180,7 @@ void KudSortedTable::edit(int step)
     case 7: {
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
         const int rank = below(count);
-        table.updateValue(table.getVariableAt(Value), rank, below(10));
+        table.updateValue(table.getVariableAt(Value), rank, below(60));
         const int row = model.getRow(rank);
         ASSERT_EQ(changed.count(), row < 0 ? 0 : 1);
         if (row >= 0) {
