@@ -45,6 +45,11 @@ int KudTableBlock::getColumnCount() const
     return m_data->columnCount;
 }
 
+int KudTableBlock::getRowSize(int row) const
+{
+    return m_data->rowSize(row + m_firstRow);
+}
+
 bool KudTableBlock::isTyped() const
 {
     return m_data->isTyped;
@@ -121,6 +126,8 @@ QList<QVector<QVariant>> KudTableBlock::toRows(int cellCount,
     for (const int row : (rows.isEmpty() ? allRows : allRows.intersected(rows)).ranks()) {
         QVector<QVariant> cells(std::max(cellCount, 0));
         for (const auto& [column, position] : moves) {
+            if (column >= named.getRowSize(row))
+                break; // not a step for each column of the longest row
             if (!named.hasCell(row, column))
                 continue;
             if (position >= cells.size())

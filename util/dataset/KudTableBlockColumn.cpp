@@ -37,9 +37,9 @@ class Digits
 public:
     template <class Number>
     explicit Digits(Number number)
-        : m_size(std::to_chars(m_bytes.data(), m_bytes.data() + m_bytes.size(), number).ptr -
-                 m_bytes.data())
     {
+        char* const begin = m_bytes.data();
+        m_size = std::to_chars(begin, begin + m_bytes.size(), number).ptr - begin;
     }
     std::string_view text() const { return {m_bytes.data(), std::size_t(m_size)}; }
 

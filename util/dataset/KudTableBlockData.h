@@ -29,12 +29,16 @@ struct KudTableBlock::Data {
 
     const HbdAVariable& values(int column) const { return *columns[std::size_t(column)]; }
 
+    int rowBegin(int row) const { return row == 0 ? 0 : rowEnds[std::size_t(row - 1)]; }
+    int rowSize(int row) const
+    {
+        return isTyped ? columnCount : rowEnds[std::size_t(row)] - rowBegin(row);
+    }
+
     /// Null beyond the end of the row.
     const Cell* cell(int row, int column) const
     {
-        const int begin = row == 0 ? 0 : rowEnds[std::size_t(row - 1)];
-        const bool isThere = column < rowEnds[std::size_t(row)] - begin;
-        return isThere ? &cells[std::size_t(begin + column)] : nullptr;
+        return column < rowSize(row) ? &cells[std::size_t(rowBegin(row) + column)] : nullptr;
     }
 
     /// HbeUserError for too many.

@@ -127,8 +127,10 @@ std::unique_ptr<QMimeData> KudTableBlockEncoder::encode()
     int count = 0;
     m_rows.forEachRank([&](int row) {
         rows[static_cast<std::size_t>(count++)] = row;
-        if (count == ROW_BLOCK)
+        if (count == ROW_BLOCK) {
             appendRows(rows.data(), std::exchange(count, 0));
+            reserveRest();
+        }
     });
     appendRows(rows.data(), count);
     m_html += "</table>";
@@ -139,6 +141,18 @@ std::unique_ptr<QMimeData> KudTableBlockEncoder::encode()
     data->setData(QLatin1String(KudTableUtils::KELVANE_MIME_DATA),
                   QByteArray(m_own.data(), static_cast<int>(m_own.size())));
     return data;
+}
+
+/// After the first rows: the others will be about as long.
+void KudTableBlockEncoder::reserveRest()
+{
+    if (std::exchange(m_isReserved, true))
+        return;
+    const auto blocks = static_cast<std::size_t>(m_rows.getCount() / ROW_BLOCK);
+    for (std::string* form : {&m_text, &m_html, &m_own}) {
+        const std::size_t wanted = form->size() * blocks;
+        form->reserve(std::min(wanted + wanted / 8, KudTableBlockForm::MAX_BYTES));
+    }
 }
 
 void KudTableBlockEncoder::createColumns()

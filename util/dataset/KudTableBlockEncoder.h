@@ -44,6 +44,7 @@ private:
         bool isSelected = true; // in the present row
     };
 
+    void reserveRest();
     void createColumns();
     bool findTableColumns();
     QModelIndex toSource(int row, int section) const;
@@ -62,6 +63,7 @@ private:
     bool m_isOfTable = false;
     bool m_hasGaps = false;
     bool m_isFirstRow = true;
+    bool m_isReserved = false;
     std::string m_text;
     std::string m_html;
     std::string m_own;

@@ -71,9 +71,13 @@ bool needsNumber(char32_t code)
     return code == 0 || code == QChar::ByteOrderMark || QChar::isSurrogate(code);
 }
 
-/// Strictly.
+/// Strictly, and nothing that would have been escaped.
 std::optional<QString> fromUtf8(std::string_view bytes)
 {
+    for (const char separator : {'\t', '\n'}) {
+        if (bytes.find(separator) != std::string_view::npos)
+            return std::nullopt;
+    }
     static QTextCodec* const codec = QTextCodec::codecForName("UTF-8");
     QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
     const QString text = codec->toUnicode(bytes.data(), static_cast<int>(bytes.size()), &state);

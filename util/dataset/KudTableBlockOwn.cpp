@@ -125,11 +125,13 @@ private:
         return true;
     }
 
+    /// Up to the next tab, or in the last column line feed. One of the other kind within the cell
+    /// is no part of any value, so storing it fails.
     bool takeCell(int column, std::string_view& cell)
     {
-        const std::size_t size = m_bytes.find_first_of("\t\n");
-        const bool isLast = column + 1 == m_data->columnCount;
-        if (size == std::string_view::npos || m_bytes[size] != (isLast ? '\n' : '\t'))
+        const char delimiter = column + 1 == m_data->columnCount ? '\n' : '\t';
+        const std::size_t size = m_bytes.find(delimiter);
+        if (size == std::string_view::npos)
             return false;
         cell = m_bytes.substr(0, size);
         m_bytes.remove_prefix(size + 1);

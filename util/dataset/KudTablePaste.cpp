@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
 
 namespace
 {
@@ -16,6 +17,11 @@ constexpr int MANY_RANGES = 64;
 constexpr int SAMPLES_PER_RANGE = 1000;
 
 constexpr int SUMMARY_LINES = 10;
+
+QString notTaken()
+{
+    return KudTablePaste::tr("The table does not take it.");
+}
 
 /// Ranges of ranks to be written at once.
 HbiIntervalIntSmallDisjoint rangesOf(const HbiIntervalIntSmallDisjoint& ranks)
@@ -39,37 +45,50 @@ bool KudTablePaste::paste(const KudTableBlock& block, const Target& target)
     if (cells.isEmpty())
         return true;
     KuoOneNotice<KudDataTableModif> notice(m_table);
-    const std::vector<Column> columns = findColumns(cells, target);
-    const bool takesAny = std::any_of(columns.begin(), columns.end(),
+    if (target.byName)
+        findColumnsByName(cells);
+    else
+        findColumns(cells, target);
+    const bool takesAny = std::any_of(m_columns.begin(), m_columns.end(),
                                       [](const Column& c) { return c.refusal.isNull(); });
     findPlaces(cells, target, target.append && takesAny);
     appendSamples();
-    for (const Column& column : columns)
+    for (const Column& column : m_columns)
         pasteColumn(cells, column);
+    refuseStrays(cells);
     notice.send();
     return m_refusedCount == 0;
 }
 
-std::vector<KudTablePaste::Column> KudTablePaste::findColumns(const KudTableBlock& block,
-                                                              const Target& target) const
+void KudTablePaste::findColumns(const KudTableBlock& block, const Target& target)
 {
-    const int blockCount = block.getColumnCount();
-    const int count = target.fill && !target.byName ? target.columnCount : blockCount;
-    std::vector<Column> columns;
-    for (int i = 0; i < count; ++i) {
-        const int source = i % blockCount;
-        const KudDatasetVariable variable = target.byName
-                                                ? m_table.getVariableFromName(block.getName(source))
-                                                : m_table.getVariableAt(target.firstColumn + i);
-        columns.push_back({source, variable, findRefusal(variable)});
+    const int first = std::max(target.firstColumn, 0);
+    const int room = std::max(m_table.getVariableCount() - first, 0);
+    const int wanted = target.fill ? target.columnCount : block.getColumnCount();
+    for (int i = 0; i < std::min(wanted, room); ++i) {
+        const KudDatasetVariable variable = m_table.getVariableAt(first + i);
+        m_columns.push_back({i % block.getColumnCount(), variable, findRefusal(variable)});
     }
-    return columns;
+    for (int i = room; i < wanted && !target.fill; ++i)
+        m_strays.push_back({i, {}, tr("There is no variable for it.")});
+}
+
+void KudTablePaste::findColumnsByName(const KudTableBlock& block)
+{
+    std::set<KudDatasetVariable> taken;
+    for (int i = 0; i < block.getColumnCount(); ++i) {
+        const KudDatasetVariable variable = m_table.getVariableFromName(block.getName(i));
+        if (!variable.isValid())
+            m_strays.push_back({i, {}, tr("There is no variable of this name.")});
+        else if (!taken.insert(variable).second)
+            m_strays.push_back({i, {}, tr("Another column has this name.")});
+        else
+            m_columns.push_back({i, variable, findRefusal(variable)});
+    }
 }
 
 QString KudTablePaste::findRefusal(const KudDatasetVariable& variable) const
 {
-    if (!variable.isValid())
-        return tr("There is no such variable.");
     if (m_table.testFlag(Ku::ReadOnlyValues))
         return tr("The table is read-only.");
     return m_table.isVariableReadonly(variable) ? tr("The variable is read-only.") : QString();
@@ -113,6 +132,19 @@ void KudTablePaste::appendSamples()
     }
 }
 
+/// Row by row, for of a text that has one very long row all columns would be strays.
+void KudTablePaste::refuseStrays(const KudTableBlock& block)
+{
+    for (const Place& place : m_places) {
+        const int rowSize = m_strays.empty() ? 0 : block.getRowSize(place.row);
+        for (const Column& column : m_strays) {
+            if (column.source >= rowSize)
+                break;
+            refuse(block, column, place, column.refusal);
+        }
+    }
+}
+
 void KudTablePaste::pasteColumn(const KudTableBlock& block, const Column& column)
 {
     const HbdAVariable* current = m_table.readValues(column.variable);
@@ -121,7 +153,7 @@ void KudTablePaste::pasteColumn(const KudTableBlock& block, const Column& column
         return write(block, column, values, findAccepted(block, column, values));
     }
     for (const Place& place : m_places)
-        refuse(block, column, place, column.refusal);
+        refuse(block, column, place, current != nullptr ? column.refusal : notTaken());
 }
 
 std::vector<KudTablePaste::Place>
@@ -155,11 +187,11 @@ void KudTablePaste::write(const KudTableBlock& block, const Column& column, cons
             first, end, [&range](const Place& place) { return place.rank > range.getMax(); });
         // Asked for each time: views hear of every range, and may do what they like.
         const HbdAVariable* current = m_table.readValues(column.variable);
-        const bool isDone = current != nullptr &&
+        const bool isDone = current != nullptr && range.getMax() < current->getCount() &&
                             m_table.updateColumn(column.variable, range.getMin(),
                                                  *values.makePiece(*current, range, first, last));
         for (const Place* place = first; place != last && !isDone; ++place)
-            refuse(block, column, *place, tr("The table does not take it."));
+            refuse(block, column, *place, notTaken());
         m_writtenCount += isDone ? last - first : 0;
         first = last;
     }
@@ -172,8 +204,11 @@ void KudTablePaste::refuse(const KudTableBlock& block, const Column& column, con
         return;
     ++m_refusedCount;
     if (m_refusals.size() < MAX_LISTED) {
-        m_refusals.append({place.rank, column.variable, block.getName(column.source),
-                           block.getText(place.row, column.source), reason});
+        QString text = block.getText(place.row, column.source);
+        if (text.size() > MAX_TEXT)
+            text = text.left(MAX_TEXT) + QChar(0x2026);
+        m_refusals.append(
+            {place.rank, column.variable, block.getName(column.source), text, reason});
     }
 }
 
@@ -182,7 +217,9 @@ QString KudTablePaste::toText(const Refusal& refusal)
     const QString name =
         refusal.variable.isValid() ? refusal.variable.getFullVariableName() : refusal.columnName;
     const QString place =
-        refusal.rank >= 0 ? tr("%1, sample %2", "variable").arg(name).arg(refusal.rank + 1) : name;
+        refusal.rank >= 0
+            ? tr("%1, sample %2", "variable").arg(name, QString::number(refusal.rank + 1))
+            : name;
     return tr("%1: '%2'. %3", "place, cell, reason").arg(place, refusal.text, refusal.reason);
 }
 

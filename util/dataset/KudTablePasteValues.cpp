@@ -165,10 +165,8 @@ void KudTablePaste::Values::storeTexts(int firstRow, const QVariant* texts, int 
     }
     m_own->setVariants(firstRow, cells.data(), count);
     for (int i = 0; i < count; ++i) {
-        if (KudTableUtils::isClearing(texts[i]))
-            continue;
         const Problem problem = problemOf(stored[std::size_t(i)], m_own->isUndefined(firstRow + i));
-        if (problem != NONE)
+        if (problem != NONE && !KudTableUtils::isClearing(texts[i]))
             setProblem(firstRow + i, problem);
     }
 }

@@ -137,6 +137,7 @@ print(json.dumps(rows))
 TEST(KudTableClipboard, KeepsEveryValueExactly)
 {
     constexpr int COUNT = 700;
+    Recorder recorder; // outlives what it observes
     const auto source = tableOfAll(COUNT, 1, false);
     const auto target = tableOfAll(COUNT, 2, true);
     QSortFilterProxyModel sorted;
@@ -146,7 +147,6 @@ TEST(KudTableClipboard, KeepsEveryValueExactly)
     place.ranks.emplace();
     for (int row = 0; row < COUNT; ++row)
         place.ranks->push_back(sorted.mapToSource(sorted.index(row, 0)).row());
-    Recorder recorder;
     target->addObserver(&recorder);
 
     KudTablePaste paste(*target);
@@ -237,7 +237,6 @@ TEST_F(KudDataTable, CopiesWhatIsSelected)
 
 TEST(KudTableBlock, ReadsTextOfSpreadsheetsAndAnyOther)
 {
-    const QString bomb = QString(1000, '\t') + QString(1000, '\n');
     const struct {
         const char* name;
         QString text;
@@ -268,9 +267,21 @@ TEST(KudTableBlock, ReadsTextOfSpreadsheetsAndAnyOther)
         }
         EXPECT_EQ(rows, c.rows) << c.name;
     }
+    // As wide as it is long: no step of it may cost a row for each column.
+    constexpr int LONG = 1 << 18;
+    const QString bomb = QString(LONG, '\t') + QString(LONG, '\n');
     const KudTableBlock ragged = KudTableBlock::fromText(bomb);
-    EXPECT_EQ(ragged.getColumnCount(), 1001);
     EXPECT_FALSE(ragged.hasCell(500, 1));
+    EXPECT_EQ(ragged.toRows(0, {}, {}, {}).size(), LONG);
+    KudMemoryDataTable table("Points");
+    table.createVariable(HbdVariableDetails("v"));
+    for (const bool byName : {false, true}) {
+        KudTablePaste::Target target;
+        target.byName = byName;
+        KudTablePaste paste(table);
+        paste.paste(ragged, target);
+        EXPECT_EQ(paste.getRefusedCount(), byName ? LONG - 1 : 2 * LONG) << byName;
+    }
     QMimeData latin1;
     latin1.setData("text/plain", "\xE9\t\xFF\n");
     EXPECT_EQ(KudTableBlock::fromMimeData(latin1).getColumnCount(), 2);
@@ -282,15 +293,26 @@ TEST(KudTableBlock, RefusesItsOwnFormWhenItIsDamaged)
     const QByteArray text = "\\[v\\,TEXT\\,\\,\\,\\,\\]";
     EXPECT_TRUE(KudTableBlock::fromOwnForm(real + "1\n\n").has_value());
     EXPECT_TRUE(KudTableBlock::fromOwnForm(text + "\\u0000\n").has_value());
-    for (const QByteArray& bytes :
-         {QByteArray(), QByteArray("1\n"), real + "1", real + "1\n2\t3\n", real + "x\n",
-          real + "1 \n", real + "nan\n", real + "1e400\n", real.chopped(2) + "1\n",
-          QByteArray(real).replace("REAL", "FAKE") + "1\n",
-          QByteArray(real).replace("REAL\\,", "REAL\\,LENGTH") + "1\n", text + "\\x\n",
-          text + "\\\n", text + "\xFF\n", text + "\\u00\n", text + "\\ud8zz\n",
-          QByteArray("\\[v\\,SELECTION\\,\\,\\,\\,\\]2\n"),
-          QByteArray("\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\,a\\,1\\,b\\]1\n"),
-          QByteArray("\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\]1\n")})
+    for (const QByteArray& bytes : {QByteArray(),
+                                    QByteArray("1\n"),
+                                    real + "1",
+                                    text + "a\t" + text + "b\nc\td\te\nf\n",
+                                    real + "1\n2\t3\n",
+                                    real + "x\n",
+                                    real + "1 \n",
+                                    real + "nan\n",
+                                    real + "1e400\n",
+                                    real.chopped(2) + "1\n",
+                                    QByteArray(real).replace("REAL", "FAKE") + "1\n",
+                                    QByteArray(real).replace("REAL\\,", "REAL\\,LENGTH") + "1\n",
+                                    text + "\\x\n",
+                                    text + "\\\n",
+                                    text + "\xFF\n",
+                                    text + "\\u00\n",
+                                    text + "\\ud8zz\n",
+                                    QByteArray("\\[v\\,SELECTION\\,\\,\\,\\,\\]2\n"),
+                                    QByteArray("\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\,a\\,1\\,b\\]1\n"),
+                                    QByteArray("\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\]1\n")})
         EXPECT_FALSE(KudTableBlock::fromOwnForm(bytes).has_value()) << bytes.constData();
 
     QMimeData both;
@@ -362,8 +384,9 @@ TEST_F(KudDataTable, PastesWhereAndAsItIsTold)
     EXPECT_EQ(paste("t\tx\nA\t7\nB\tseven\n", target),
               "1 of 4 cells were not pasted.\nx, sample 2: 'seven'. It is not a number.");
     EXPECT_EQ(columns(), "7 10 A|2 20 B|3 30 c|4 40 d");
-    EXPECT_EQ(paste("y\n1\n", target),
-              "1 of 1 cells were not pasted.\ny, sample 1: '1'. There is no such variable.");
+    EXPECT_EQ(
+        paste("y\n1\n", target),
+        "1 of 1 cells were not pasted.\ny, sample 1: '1'. There is no variable of this name.");
 
     target = Target();
     target.ranks = {3, 1};
@@ -395,11 +418,11 @@ TEST_F(KudDataTable, PastesWhereAndAsItIsTold)
 TEST(KudTablePaste, WritesScatteredSamplesWithOneNotice)
 {
     constexpr int COUNT = 1000;
+    Recorder recorder;
     KudMemoryDataTable table("Points");
     auto column = std::make_unique<HbdVariableReal>(HbdVariableDetails("v"));
     column->setValues(std::vector<double>(COUNT, 5.0));
     const KudDatasetVariable v = table.addVariable(std::move(column));
-    Recorder recorder;
     table.addObserver(&recorder);
     KudTablePaste::Target target;
     target.ranks.emplace();

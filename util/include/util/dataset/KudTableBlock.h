@@ -40,7 +40,8 @@ public:
     static KudTableBlock fromText(const QString& text);
 
     int getRowCount() const;
-    int getColumnCount() const; ///< the cells of the longest row
+    int getColumnCount() const;    ///< of the longest row
+    int getRowSize(int row) const; ///< where the row ends; a text may have one very long row
     bool isEmpty() const { return getRowCount() == 0; }
 
     /// Whether columns have types, and with them names.

@@ -39,7 +39,7 @@ public:
         int firstColumn = 0;
 
         /// Columns go to the variables of their names instead (a full name, or a plain one that is
-        /// enough). Of text, which names none, the first row does.
+        /// enough), the first one that has it. Of text, which names none, the first row does.
         bool byName = false;
 
         /// Rows that find no sample are appended to the table, where it permits that.
@@ -59,8 +59,9 @@ public:
         QString reason;              ///< a sentence for people
     };
 
-    /// The list of refusals ends here; all are counted.
+    /// The list of refusals ends here; all are counted. Their texts are cut off.
     static constexpr int MAX_LISTED = 1000;
+    static constexpr int MAX_TEXT = 100;
 
     explicit KudTablePaste(KudADataTable& table);
     ~KudTablePaste();
@@ -89,10 +90,12 @@ private:
     };
     class Values;
 
-    std::vector<Column> findColumns(const KudTableBlock& block, const Target& target) const;
+    void findColumns(const KudTableBlock& block, const Target& target);
+    void findColumnsByName(const KudTableBlock& block);
     QString findRefusal(const KudDatasetVariable& variable) const;
     void findPlaces(const KudTableBlock& block, const Target& target, bool append);
     void appendSamples();
+    void refuseStrays(const KudTableBlock& block);
     void pasteColumn(const KudTableBlock& block, const Column& column);
     std::vector<Place> findAccepted(const KudTableBlock& block, const Column& column,
                                     const Values& values);
@@ -103,7 +106,9 @@ private:
     static QString toText(const Refusal& refusal);
 
     KudADataTable& m_table;
-    std::vector<Place> m_places; // in the order of ranks
+    std::vector<Column> m_columns; // at most one for each variable
+    std::vector<Column> m_strays;  // that have no variable, in the order of the block
+    std::vector<Place> m_places;   // in the order of ranks
     qint64 m_writtenCount = 0;
     qint64 m_refusedCount = 0;
     int m_appendedCount = 0;
