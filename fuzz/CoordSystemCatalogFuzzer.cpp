@@ -1,20 +1,12 @@
 // Catalog files of coordinate systems: any bytes give a catalog, without an error; what was read
 // has the promised form, and reads back the same when it is written.
-#include <basic/base/HbbDebug.h>
-#include <util/utils/KuuCoordSystemCatalogFile.h>
+#include "FuzzTarget.h"
 
-#include <cstdint>
-#include <cstdlib>
+#include <util/utils/KuuCoordSystemCatalogFile.h>
 
 namespace
 {
 using File = KuuCoordSystemCatalogFile;
-
-void require(bool truth)
-{
-    if (!truth)
-        std::abort();
-}
 
 void checkSystems(const QVector<File::System>& systems, bool areFavorites)
 {
@@ -27,12 +19,6 @@ void checkSystems(const QVector<File::System>& systems, bool areFavorites)
     }
 }
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    HbbDebug::setSink([](HbbDebug::Level, const QString&) {});
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,6 +1,8 @@
 // Filters from any bytes: a combination's normal form is valid and its own normal form, a rule's
 // printed text reads back as the same rule, a stored filter that is read is written the same, and
 // whatever is accepted is evaluated, its Python form included.
+#include "FuzzTarget.h"
+
 #include <util/dataset/KudMemoryDataTable.h>
 #include <util/dataset/KudMemoryDatasetPoint.h>
 #include <util/filter/KufISampleFilterRule.h>
@@ -13,22 +15,13 @@
 #include <util/filter/KufSampleFilterValidator.h>
 #include <util/xml/KuxXmlMementoFile.h>
 
-#include <basic/base/HbbDebug.h>
 #include <basic/data/HbdVariableEnum.h>
 #include <basic/error/HbeUserError.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <optional>
 
 namespace
 {
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 const KudMemoryDatasetPoint& survey()
 {
     static KudMemoryDatasetPoint points(QStringLiteral("survey"));
@@ -124,12 +117,6 @@ void tryStored(const QByteArray& bytes)
     require(again.isEqual(filter));
 }
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    HbbDebug::setSink([](HbbDebug::Level, const QString&) {});
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

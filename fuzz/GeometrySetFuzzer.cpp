@@ -3,13 +3,12 @@
 //
 // An input is lines KEY=TEXT, or KEY:NUMBERS for an array, packed here so that no fuzzer has to
 // find out how to compress.
+#include "FuzzTarget.h"
+
 #include <util/utils/KuuGeometrySet.h>
 #include <util/utils/KuuMementoBytes.h>
 
 #include <basic/interval/HbiIntervalIntSmallDisjoint.h>
-
-#include <cstdint>
-#include <cstdlib>
 
 namespace
 {
@@ -49,12 +48,6 @@ QVariantMap readMap(const QByteArray& input)
         }
     }
     return map;
-}
-
-void require(bool isTrue)
-{
-    if (!isTrue)
-        std::abort();
 }
 
 void checkSample(const KuuGeometrySample& sample)

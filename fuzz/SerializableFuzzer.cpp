@@ -3,11 +3,11 @@
 //
 // The first byte chooses: even, the rest is the record; odd, the rest is the payload of a record
 // whose header is right, which the checksum would hardly ever let through otherwise.
+#include "FuzzTarget.h"
+
 #include <basic/base/HbbASerializable.h>
 #include <basic/error/HbeError.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <vector>
 
 namespace
@@ -75,11 +75,6 @@ protected:
     }
 };
 
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

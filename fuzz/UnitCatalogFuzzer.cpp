@@ -1,23 +1,15 @@
 // The file of the user's units: any bytes load without an error, what was loaded is usable, and a
 // file written from it loads as what was written, and is written alike again.
-#include <basic/base/HbbDebug.h>
+#include "FuzzTarget.h"
+
 #include <util/utils/KuuUnitCatalog.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 
-#include <cstdint>
-#include <cstdlib>
-
 namespace
 {
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
 QByteArray read(const QString& path)
 {
     QFile file(path);
@@ -38,12 +30,6 @@ QString createTemplate()
     return (QFile::exists(memory) ? memory : QDir::tempPath()) + QStringLiteral("/units-XXXXXX");
 }
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    HbbDebug::setSink([](HbbDebug::Level, const QString&) {});
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,15 +1,13 @@
 // Memento files: any bytes give a memento or a parse error; the streaming reader and the DOM agree;
 // what was read writes itself, by both roads alike, and reads back the same.
-#include <basic/base/HbbDebug.h>
+#include "FuzzTarget.h"
+
 #include <basic/error/HbeProgrammingError.h>
 #include <util/xml/KuxXml.h>
 #include <util/xml/KuxXmlMementoFile.h>
 
 #include <QtCore/QTextStream>
 #include <QtXml/QDomDocument>
-
-#include <cstdint>
-#include <cstdlib>
 
 namespace
 {
@@ -48,12 +46,6 @@ QByteArray writeDom(const KuuMemento& memento)
     return bytes;
 }
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    HbbDebug::setSink([](HbbDebug::Level, const QString&) {});
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -24,8 +24,6 @@ KufCombination::KufCombination(const KufISampleFilter* filter)
     const QString text = filter == nullptr ? QString() : filter->getCombination();
     const bool isDefault = text.trimmed().isEmpty();
     parse(isDefault ? KufSampleFilterDefaultCombination(filter).getCombination() : text);
-    if (!isValid())
-        m_nodes.clear();
 }
 
 QVector<KufCombination::Word> KufCombination::split(const QString& text)

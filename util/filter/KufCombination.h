@@ -30,7 +30,7 @@ public:
     /// The words before the error, or all, in their normal form.
     const QStringList& getWords() const { return m_words; }
 
-    /// Empty unless the text is valid.
+    /// Of a valid text.
     const QVector<Node>& getNodes() const { return m_nodes; }
 
 private:

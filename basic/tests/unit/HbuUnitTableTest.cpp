@@ -4,6 +4,7 @@
 #include <QtPrinters.h>
 
 #include <QtCore/QProcess>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
 
 #include <cmath>
@@ -36,54 +37,23 @@ QVector<double> askUnits(const QStringList& pairs)
 /// How `units` writes a part of a key of ours; a part that is not here is written alike.
 QString translated(const QString& part)
 {
-    static const QMap<QString, QString> names = {
-        {"ft-us", "surveyfoot"},
-        {"yd-us", "3 surveyfoot"},
-        {"lk-us", "surveylink"},
-        {"ch-us", "surveychain"},
-        {"mi-us", "5280 surveyfoot"},
-        {"ft2-us", "surveyfoot^2"},
-        {"acre-us", "USacre"},
-        {"mi2-us", "(5280 surveyfoot)^2"},
-        {"a", "are"},
-        {"gal-us", "gallon"},
-        {"gal-uk", "brgallon"},
-        {"bbl", "barrel"},
-        {"Mbbl", "1000 barrel"},
-        {"MMbbl", "1e6 barrel"},
-        {"acre-ft", "acre ft"},
-        {"ct", "carat"},
-        {"gr", "grain"},
-        {"ton-us", "shortton"},
-        {"ton-uk", "longton"},
-        {"klb", "1000 lb"},
-        {"Mlb", "1e6 lb"},
-        {"koz", "1000 ozt"},
-        {"Moz", "1e6 ozt"},
-        {"cpht", "carat / 100 tonne"},
-        {"fraction", "1"},
-        {"permil", "1|1000"},
-        {"pu", "%"},
-        {"D", "darcy"},
-        {"mD", "millidarcy"},
-        {"uD", "microdarcy"},
-        {"h", "hour"},
-        {"d", "day"},
-        {"wk", "week"},
-        {"yr", "julianyear"}, // theirs is the tropical year
-        {"kyr", "1000 julianyear"},
-        {"Myr", "1e6 julianyear"},
-        {"Gyr", "1e9 julianyear"},
-        {"kn", "knot"},
-        {"rad", "radian"}, // theirs is a dose of radiation
-        {"mrad", "milliradian"},
-        {"m/h", "m/hour"},
-        // Grades: ounces are troy ounces, tons without a name short tons.
-        {"oz/t", "ozt/shortton"},
-        {"lb/t", "lb/shortton"},
-        {"oz/ton-uk", "ozt/longton"},
-    };
-    return names.value(part, part);
+    // Their years are tropical, their rad is a dose of radiation. Of grades, ounces are troy
+    // ounces, tons without a name short tons.
+    static const QStringList names =
+        QString("ft-us=surveyfoot;yd-us=3 surveyfoot;lk-us=surveylink;ch-us=surveychain;"
+                "mi-us=5280 surveyfoot;ft2-us=surveyfoot^2;acre-us=USacre;"
+                "mi2-us=(5280 surveyfoot)^2;a=are;gal-us=gallon;gal-uk=brgallon;bbl=barrel;"
+                "Mbbl=1000 barrel;MMbbl=1e6 barrel;acre-ft=acre ft;ct=carat;gr=grain;"
+                "ton-us=shortton;ton-uk=longton;klb=1000 lb;Mlb=1e6 lb;koz=1000 ozt;"
+                "Moz=1e6 ozt;cpht=carat / 100 tonne;fraction=1;permil=1|1000;pu=%;D=darcy;"
+                "mD=millidarcy;uD=microdarcy;h=hour;d=day;wk=week;yr=julianyear;"
+                "kyr=1000 julianyear;Myr=1e6 julianyear;Gyr=1e9 julianyear;kn=knot;"
+                "rad=radian;mrad=milliradian;m/h=m/hour;oz/t=ozt/shortton;lb/t=lb/shortton;"
+                "oz/ton-uk=ozt/longton")
+            .split(';');
+    const QStringList found =
+        names.filter(QRegularExpression('^' + QRegularExpression::escape(part) + '='));
+    return found.isEmpty() ? part : found.first().section('=', 1);
 }
 
 QString expressionOf(const HbuUnit& unit)

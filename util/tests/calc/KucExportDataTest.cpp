@@ -142,15 +142,6 @@ TEST_F(KucExportDataTest, UndefinedAndUnknownCategoriesAreEmptyCells)
     EXPECT_EQ(write(exportData), "Rock\n\"grès, fin\"\nclay\n\n\n\n\n");
 }
 
-TEST_F(KucExportDataTest, FullPrecisionReadsBackTheSame)
-{
-    addColumn<HbdVariableReal>(details("A"), {0.1, 1e-300, 123456.789});
-    KucExportData exportData;
-    exportData.setDataset(points());
-    exportData.setFullPrecision(true);
-    EXPECT_EQ(write(exportData), "A\n0.1\n1e-300\n123456.789\n");
-}
-
 TEST_F(KucExportDataTest, HeaderCellsAreTextsWithTheirOwnFormat)
 {
     auto& zn = addColumn<HbdVariableReal>(details("Zn, \"ppm\"", HbbEFormat::SCIENTIFIC, 5), {1.});

@@ -71,6 +71,7 @@ TEST(KufSampleFilterPythonVisitor, textsThatBreakOutAreNamedAndEscaped)
     filter.addRule(onPoints("v"), Alpha(Alpha::Mode::EQUAL_TO, "' or exit() #"));
     filter.addRule(onPoints("v"), Categories({"plain é \"𝄞\"", "a\\", "x\n"}));
     filter.addRule(onPoints("v"), Alpha(Alpha::Mode::CONTAINS, QString(QChar(0)) + QChar(0xdd1e)));
+    filter.setCombination("R1 and R2 and R3 or R1");
     const Python python(filter);
     EXPECT_EQ(python.visitor.findQuotingFaults(),
               QStringList({"R1: the text '' or exit() #' holds the character ' (U+0027) at 1.",
@@ -79,7 +80,7 @@ TEST(KufSampleFilterPythonVisitor, textsThatBreakOutAreNamedAndEscaped)
                            QString("R3: the text '%1%2' holds the character U+0000 at 1.")
                                .arg(QChar(0), QChar(0xdd1e))}));
     EXPECT_EQ(python.visitor.getEscapedPythonString(),
-              "((d['v'] == '\\' or exit() #') & ((d['v'] == 'plain é \"𝄞\"') | "
+              "(((d['v'] == '\\' or exit() #') & ((d['v'] == 'plain é \"𝄞\"') | "
               "(d['v'] == 'a\\\\') | (d['v'] == 'x\\u000a'))) & "
-              "(qm_find(d['v'],'\\u0000\\udd1e') >= 0)");
+              "(qm_find(d['v'],'\\u0000\\udd1e') >= 0)) | (d['v'] == '\\' or exit() #')");
 }

@@ -74,8 +74,11 @@ TEST_F(KufFilterData, aSelectionBesideTheFirstIsNamed)
     const KudDatasetVariable marked = points.getPointTable()->createVariable(
         HbdVariableDetails("marked", HbdEVarType::SELECTION));
     const KufSampleFilterRuleText text(*points.getPointTable());
-    EXPECT_EQ(text.print(marked, Selection(true)), "marked not selected");
-    EXPECT_EQ(text.parse("marked selected").variable, marked);
+    for (const bool isInverted : {false, true}) {
+        const auto parsed = text.parse(text.print(marked, Selection(isInverted)));
+        EXPECT_EQ(parsed.variable, marked);
+        EXPECT_TRUE(parsed.rule->isEqual(Selection(isInverted)));
+    }
     EXPECT_EQ(text.getSelectionVariable(), onPoints("selected"));
 }
 

@@ -60,26 +60,17 @@ QVector<Row> rows()
     };
 }
 
-const KuuCoordSystem& lonLat()
+KuuCoordSystem lonLat()
 {
-    static const KuuCoordSystem system = KuuCoordSystem::createFromEpsg("4326");
-    return system;
+    return KuuCoordSystem::createFromEpsg("4326");
 }
-
-const KuuCoordSystem& lambert()
+KuuCoordSystem lambert()
 {
-    static const KuuCoordSystem system = KuuCoordSystem::createFromEpsg("2154");
-    return system;
+    return KuuCoordSystem::createFromEpsg("2154");
 }
-
-HbuUnit metre()
+HbuUnit length(const char* key)
 {
-    return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, "m");
-}
-
-HbuUnit kilometre()
-{
-    return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, "km");
+    return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, key);
 }
 } // namespace
 
@@ -158,7 +149,7 @@ TEST(KuuGeometrySample, ConvertsCoordinatesThereAndBack)
         SCOPED_TRACE(row.name);
         KuuGeometrySample sample = row.sample;
         const HbgBox before = sample.getBoundingBox();
-        EXPECT_EQ(sample.convertCoord(lonLat(), HbuUnit(), lambert(), kilometre()),
+        EXPECT_EQ(sample.convertCoord(lonLat(), HbuUnit(), lambert(), length("km")),
                   !sample.isEmpty());
         if (before.isEmpty()) {
             EXPECT_EQ(sample, row.sample);
@@ -173,7 +164,7 @@ TEST(KuuGeometrySample, ConvertsCoordinatesThereAndBack)
             EXPECT_NEAR(box.getZMin(), before.getZMin() / 1000., 1e-9); // metres before
         }
 
-        EXPECT_TRUE(sample.convertCoord(lambert(), kilometre(), lonLat(), HbuUnit()));
+        EXPECT_TRUE(sample.convertCoord(lambert(), length("km"), lonLat(), HbuUnit()));
         const HbgBox after = sample.getBoundingBox();
         EXPECT_NEAR(after.getXMin(), before.getXMin(), 1e-9);
         EXPECT_NEAR(after.getYMax(), before.getYMax(), 1e-9);
@@ -182,16 +173,16 @@ TEST(KuuGeometrySample, ConvertsCoordinatesThereAndBack)
 
 TEST(KuuGeometrySample, StaysAsItIsWhereCoordinatesCannotBeConverted)
 {
-    const KuuCoordSystem local = KuuCoordSystem::createLocal(metre());
+    const KuuCoordSystem local = KuuCoordSystem::createLocal(length("m"));
     const struct {
         const char* why;
         KuuCoordSystem from, to;
         HbuUnit unit;
     } cases[] = {
-        {"no first system", KuuCoordSystem(), lambert(), metre()},
-        {"no second system", lambert(), KuuCoordSystem(), metre()},
-        {"an unknown code", lambert(), KuuCoordSystem::createFromEpsg("999999"), metre()},
-        {"no way to a local system", lambert(), local, metre()},
+        {"no first system", KuuCoordSystem(), lambert(), length("m")},
+        {"no second system", lambert(), KuuCoordSystem(), length("m")},
+        {"an unknown code", lambert(), KuuCoordSystem::createFromEpsg("999999"), length("m")},
+        {"no way to a local system", lambert(), local, length("m")},
         {"degrees in a projected system", lambert(), lambert(),
          HbuUnitService::getInstance().getUnit(HbuEUnitClass::ANGLE, "deg")},
     };
@@ -199,7 +190,7 @@ TEST(KuuGeometrySample, StaysAsItIsWhereCoordinatesCannotBeConverted)
         for (const Row& row : rows()) {
             SCOPED_TRACE(std::string(c.why) + ", " + row.name);
             KuuGeometrySample sample = row.sample;
-            EXPECT_FALSE(sample.convertCoord(c.from, metre(), c.to, c.unit));
+            EXPECT_FALSE(sample.convertCoord(c.from, length("m"), c.to, c.unit));
             EXPECT_EQ(sample, row.sample);
         }
     }
@@ -216,6 +207,6 @@ TEST(KuuGeometrySample, StaysAsItIsWhereCoordinatesCannotBeConverted)
     }
 
     KuuGeometrySample inLocal(HbgVector3D(1000., 2000., NONE));
-    EXPECT_TRUE(inLocal.convertCoord(local, metre(), local, kilometre())); // units only
+    EXPECT_TRUE(inLocal.convertCoord(local, length("m"), local, length("km"))); // units only
     EXPECT_EQ(inLocal, KuuGeometrySample(HbgVector3D(1., 2., NONE)));
 }
