@@ -192,8 +192,10 @@ KudTablePaste::Values::Problem KudTablePaste::Values::problemOf(const QVariant& 
         return isUndefined ? NOT_A_COLOUR : NONE;
     case HbdEVarType::E_INTEGER:
         return isUndefined ? NOT_AN_INTEGER : NONE;
+    case HbdEVarType::E_REAL_32:
+        return isUndefined ? NOT_OF_SINGLE_PRECISION : NONE;
     default:
-        return !isUndefined ? NONE : edited.isValid() ? TOO_LARGE : NOT_A_NUMBER;
+        return isUndefined ? NOT_A_NUMBER : NONE;
     }
 }
 
@@ -209,6 +211,8 @@ QString KudTablePaste::Values::getProblem(int row) const
     switch (m_problems.empty() ? NONE : m_problems[static_cast<std::size_t>(row)]) {
     case NOT_A_NUMBER:
         return tr("It is not a number.");
+    case NOT_OF_SINGLE_PRECISION:
+        return tr("It is not a number of single precision.");
     case NOT_AN_INTEGER:
         return tr("It is not a whole number.");
     case NOT_A_CATEGORY:

@@ -28,6 +28,7 @@ private:
     enum Problem : quint8 {
         NONE,
         NOT_A_NUMBER,
+        NOT_OF_SINGLE_PRECISION,
         NOT_AN_INTEGER,
         NOT_A_CATEGORY,
         NOT_A_DATE,

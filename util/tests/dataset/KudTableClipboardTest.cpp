@@ -330,7 +330,7 @@ TEST(KudTablePaste, SaysWhatItRefusedAndWhy)
         const char* reason;
     } cases[] = {
         {"REAL", {"1.5", "", "N/A", "inf"}, {"deep", "1 2"}, "It is not a number."},
-        {"REAL_32", {"1.5"}, {"1e200"}, "It is too large."},
+        {"REAL_32", {"1.5"}, {"1e200", "x"}, "It is not a number of single precision."},
         {"INTEGER", {"-3", ""}, {"1.5", "x"}, "It is not a whole number."},
         {"TEXT", {"", "N/A", "x"}, {}, ""},
         {"CATEGORY", {"Ag", ""}, {"Au", "0", "ag"}, "It is not one of the categories."},
