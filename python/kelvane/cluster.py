@@ -68,6 +68,9 @@ class LazyColumns(Mapping[str, Any]):
     def __contains__(self, name: object) -> bool:
         return name in self.dataset
 
+    __eq__ = object.__eq__
+    __hash__ = object.__hash__
+
     @property
     def mask(self) -> da.Array:
         """One truth value a sample: the user has masked it."""
