@@ -173,6 +173,6 @@ int main(int argc, char** argv)
                           {"sortClusteredReals", "stableSortClusteredReals", 0.8},
                           {"sortIntegers", "stableSortIntegers", 0.8},
                           {"sortCategories", "stableSortCategories", 0.8},
-                          {"sortDistinctTexts", "stableSortDistinctTexts", 1.3},
+                          {"sortDistinctTexts", "stableSortDistinctTexts", 1.5},
                           {"sortRepeatedTexts", "stableSortRepeatedTexts", 0.2}});
 }
