@@ -150,29 +150,29 @@ QCollatorSortKey collatedText(const QString& text)
     }                                                                                              \
     BENCHMARK(name)->Unit(benchmark::kMillisecond)
 
-KELVANE_BENCH(reals_ours, sortColumn(state, reals(false)));
-KELVANE_BENCH(reals_pairs, sortPairs(state, reals(false).getValues(), sameValue));
-KELVANE_BENCH(clustered_ours, sortColumn(state, reals(true)));
-KELVANE_BENCH(clustered_pairs, sortPairs(state, reals(true).getValues(), sameValue));
-KELVANE_BENCH(integers_ours, sortColumn(state, integers()));
-KELVANE_BENCH(integers_pairs,
+KELVANE_BENCH(sortReals, sortColumn(state, reals(false)));
+KELVANE_BENCH(stableSortReals, sortPairs(state, reals(false).getValues(), sameValue));
+KELVANE_BENCH(sortClusteredReals, sortColumn(state, reals(true)));
+KELVANE_BENCH(stableSortClusteredReals, sortPairs(state, reals(true).getValues(), sameValue));
+KELVANE_BENCH(sortIntegers, sortColumn(state, integers()));
+KELVANE_BENCH(stableSortIntegers,
               sortPairs(state, integers().getValues(), [](qint64 value) { return value; }));
-KELVANE_BENCH(categories_ours, sortColumn(state, categories()));
-KELVANE_BENCH(categories_pairs,
+KELVANE_BENCH(sortCategories, sortColumn(state, categories()));
+KELVANE_BENCH(stableSortCategories,
               sortPairs(state, categories().getValues(), [](quint16 code) { return code; }));
-KELVANE_BENCH(distinct_texts_ours, sortColumn(state, texts(true)));
-KELVANE_BENCH(distinct_texts_pairs, sortPairs(state, texts(true).getValues(), collatedText));
-KELVANE_BENCH(repeated_texts_ours, sortColumn(state, texts(false)));
-KELVANE_BENCH(repeated_texts_pairs, sortPairs(state, texts(false).getValues(), collatedText));
+KELVANE_BENCH(sortDistinctTexts, sortColumn(state, texts(true)));
+KELVANE_BENCH(stableSortDistinctTexts, sortPairs(state, texts(true).getValues(), collatedText));
+KELVANE_BENCH(sortRepeatedTexts, sortColumn(state, texts(false)));
+KELVANE_BENCH(stableSortRepeatedTexts, sortPairs(state, texts(false).getValues(), collatedText));
 } // namespace
 
 int main(int argc, char** argv)
 {
     return runWithLimits(argc, argv,
-                         {{"reals_ours", "reals_pairs", 1.0},
-                          {"clustered_ours", "clustered_pairs", 1.0},
-                          {"integers_ours", "integers_pairs", 1.0},
-                          {"categories_ours", "categories_pairs", 1.0},
-                          {"distinct_texts_ours", "distinct_texts_pairs", 1.3},
-                          {"repeated_texts_ours", "repeated_texts_pairs", 0.3}});
+                         {{"sortReals", "stableSortReals", 0.8},
+                          {"sortClusteredReals", "stableSortClusteredReals", 0.8},
+                          {"sortIntegers", "stableSortIntegers", 0.8},
+                          {"sortCategories", "stableSortCategories", 0.8},
+                          {"sortDistinctTexts", "stableSortDistinctTexts", 1.5},
+                          {"sortRepeatedTexts", "stableSortRepeatedTexts", 0.2}});
 }

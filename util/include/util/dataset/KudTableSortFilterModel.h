@@ -18,10 +18,11 @@ class QItemSelectionModel;
 /// never touches the data: what is edited through it is written into the table. Neither sorted nor
 /// filtered it keeps nothing for a sample.
 ///
-/// An edited or added sample stays where it is (added ones at the end) until the rows are sorted or
-/// filtered again: a row must not jump away under the hand that edits it. Samples that stay in the
-/// table stay in the order and in the filter, whatever happens to the columns; a table whose
-/// samples are replaced as a whole is shown whole, and sorted as before if it has the variable.
+/// An edited or added sample stays where it is (added ones at the end) until the rows are sorted
+/// again, or a filter shows more of them: a row must not jump away under the hand that edits it.
+/// Samples that stay in the table stay in the order and in the filter, whatever happens to columns
+/// and other samples. A table whose samples are replaced as a whole is shown whole, and sorted as
+/// before where it has the variable.
 ///
 /// Columns are those of the table. Main thread only.
 class KELVANE_UTIL_EXPORT KudTableSortFilterModel : public QAbstractProxyModel
