@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import argparse
+import os
 import sys
 
 import numpy as np
@@ -51,4 +52,12 @@ def main() -> int:
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    try:
+        status = main()
+        sys.stdout.flush()
+    except OSError as fault:  # of what is printed: a reader like `head` may go away early
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        if not isinstance(fault, BrokenPipeError):
+            print(f"standard output: {fault.strerror}.", file=sys.stderr)
+        status = 1
+    sys.exit(status)

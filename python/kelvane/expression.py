@@ -52,7 +52,7 @@ class Expression:
         self.text = text
         self.mapping = mapping
         self.variables: dict[str, None] = {}  # the names in their order
-        self._evaluate: _Step = lambda columns: columns.every_sample()  # type: ignore[attr-defined]
+        self._evaluate: _Step = _every_sample
         if text.strip():
             try:
                 tree = ast.parse(text.strip(), mode="eval")
@@ -184,6 +184,14 @@ class Expression:
 def evaluate(expression: str, columns: Mapping[str, Any], mapping: str = "data") -> Any:
     """Evaluates an expression on a mapping of names to columns: one truth value a sample."""
     return Expression(expression, mapping).evaluate(columns)
+
+
+def _every_sample(columns: Mapping[str, Any]) -> Any:
+    every = getattr(columns, "every_sample", None)
+    if every is None:
+        raise ExpressionError("An empty expression selects every sample, but only a dataset says "
+                              "how many there are.")
+    return every()
 
 
 def _joined(text: str) -> str:

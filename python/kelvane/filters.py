@@ -17,6 +17,7 @@ if TYPE_CHECKING:
 
 MAX_WORDS = 10_000
 MAX_DEPTH = 100  # of parentheses and "not" in a combination
+MAX_TERMS = 500  # in a row of an expression
 
 _MODES = ("IS_DEFINED", "COMPARE", "RANGE")
 _SIGNS = {"LESS_THAN": "<", "LESS_OR_EQUAL_TO": "<=", "GREATER_THAN": ">",
@@ -266,11 +267,18 @@ def _alpha(fields: Mapping[str, Any], variable: str) -> str:
     return f"{variable} {'==' if fields['mode'] == 'EQUAL_TO' else '!='} {text!r}"
 
 
+def _chain(sign: str, terms: list[str]) -> str:
+    """The terms in a row, of which Python reads some thousands at most: more of them in groups."""
+    while len(terms) > MAX_TERMS:
+        terms = [f"({sign.join(terms[i:i + MAX_TERMS])})" for i in range(0, len(terms), MAX_TERMS)]
+    return sign.join(terms)
+
+
 def _enum(fields: Mapping[str, Any], variable: str) -> str:
     names = fields["selectedList"]
     if not names:
         return f"({variable} == 'BogusString')"  # matches nothing
-    return " | ".join(f"({variable} == {name!r})" for name in names)
+    return _chain(" | ", [f"({variable} == {name!r})" for name in names])
 
 
 _EXPRESSIONS: dict[str, Callable[[Mapping[str, Any], str], str]] = {
@@ -318,13 +326,13 @@ class _Combination:
         terms = [self._conjunction()]
         while self._take("or"):
             terms.append(self._conjunction())
-        return " | ".join(terms)
+        return _chain(" | ", terms)
 
     def _conjunction(self) -> str:
         factors = [self._operand()]
         while self._take("and"):
             factors.append(self._operand())
-        return " & ".join(factors)
+        return _chain(" & ", factors)
 
     def _operand(self) -> str:
         if self._word() in ("not", "("):

@@ -65,7 +65,7 @@ class Expressions(unittest.TestCase):
             "data['t'] == 1", "data['t'] < 'b'", "data['c'] == 'a'", "data['k'] > 1",
             "qm_find(data['k'],'a') >= 0", "qm_find(data['v'],'a') >= 0", "data['gone'] > 1",
             "data['t'] == ''' or 1 == '", "\0", "data['t'] == '\ud800'", "(" * 1000,
-            "~" * 100000 + "data['v'] > 1", "data['v'] > " + "9" * 5000,
+            "", "~" * 100000 + "data['v'] > 1", "data['v'] > " + "9" * 5000,
         ]:
             with self.subTest(text[:60]):
                 with self.assertRaises(kelvane.ExpressionError):

@@ -80,6 +80,9 @@ class Filters(ProjectTest):
             self.assertEqual(found, expected)
             kelvane.Expression(found)
         self.assertEqual(len(kelvane.Expression(self.filter(rules).expression()).variables), 300)
+        many = rule("ENUM", names("selectedList", *map(str, range(4000))), name="v1")
+        for found in (self.filter([many]), self.filter(rules, "R1" + " or R2" * 4000)):
+            kelvane.Expression(found.expression())
 
     def test_a_damaged_filter_is_refused(self):
         sound = rule("SELECTION", {"invert": "false"})

@@ -3,6 +3,7 @@
 #include <util/dataset/KudTableUtils.h>
 
 #include "KudTableBlockForm.h"
+#include "KudTableUtilsNumbers.h"
 
 #include <basic/data/HbdVariableAlpha.h>
 #include <basic/data/HbdVariableColor.h>
@@ -13,12 +14,12 @@
 #include <basic/data/HbdVariableReal32.h>
 #include <basic/data/HbdVariableSelection.h>
 #include <basic/data/HbdVariableText.h>
-#include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QAbstractItemModel>
 
 #include <array>
 #include <charconv>
+#include <type_traits>
 #include <unordered_map>
 
 namespace
@@ -48,20 +49,18 @@ private:
     std::ptrdiff_t m_size;
 };
 
-/// Reals of both sizes.
+/// Reals of both sizes, and integers, which are reals in another unit.
 template <class Column>
-class RealColumn : public KudTableBlockColumn
+class NumberColumn : public KudTableBlockColumn
 {
 public:
-    RealColumn(const Column& column, QChar decimal)
+    NumberColumn(const Column& column, QChar decimal)
         : m_column(column)
+        , m_transfo(KudTableUtilsNumbers::shownTransfo(column.getDetails()))
+        , m_isConverted(!m_transfo.isIdentity())
     {
-        const HbdVariableDetails& details = column.getDetails();
-        m_transfo =
-            HbuUnitService::getInstance().getConversion(details.unit, details.getShownUnit());
         KudTableBlockForm::appendUtf8(m_decimal, QStringView(&decimal, 1));
-        m_isConverted = m_transfo.isValid() && !m_transfo.isIdentity();
-        m_isOwnText = !m_isConverted && m_decimal == ".";
+        m_isOwnText = !m_isConverted && (std::is_integral_v<Value> || m_decimal == ".");
     }
 
     void render(const int* ranks, int count) override
@@ -88,7 +87,11 @@ public:
 private:
     using Value = typename Column::Value;
 
-    Value shown(Value value) const { return static_cast<Value>(m_transfo.apply(double(value))); }
+    auto shown(Value value) const
+    {
+        using Shown = std::conditional_t<std::is_integral_v<Value>, double, Value>;
+        return static_cast<Shown>(m_transfo.apply(double(value)));
+    }
 
     void appendText(const Digits& digits)
     {
@@ -104,33 +107,9 @@ private:
 
     const Column& m_column;
     HbuUnitTransfo m_transfo;
-    bool m_isConverted = false;
+    bool m_isConverted;
     std::string m_decimal;
     std::string m_localized;
-};
-
-class IntegerColumn : public KudTableBlockColumn
-{
-public:
-    explicit IntegerColumn(const HbdVariableInteger& column)
-        : m_column(column)
-    {
-        m_isOwnText = true;
-    }
-
-    void render(const int* ranks, int count) override
-    {
-        m_texts.clear();
-        for (int i = 0; i < count; ++i) {
-            if (ranks[i] < 0 || m_column.isUndefined(ranks[i]))
-                m_texts.appendPlain({});
-            else
-                m_texts.appendPlain(Digits(m_column.at(ranks[i])).text());
-        }
-    }
-
-private:
-    const HbdVariableInteger& m_column;
 };
 
 class TextColumn : public KudTableBlockColumn
@@ -277,10 +256,11 @@ std::unique_ptr<KudTableBlockColumn> KudTableBlockColumn::create(const HbdAVaria
 {
     switch (column.getType().toEnum()) {
     case HbdEVarType::E_REAL_32:
-        return std::make_unique<RealColumn<HbdVariableReal32>>(as<HbdVariableReal32>(column),
-                                                               decimal);
+        return std::make_unique<NumberColumn<HbdVariableReal32>>(as<HbdVariableReal32>(column),
+                                                                 decimal);
     case HbdEVarType::E_INTEGER:
-        return std::make_unique<IntegerColumn>(as<HbdVariableInteger>(column));
+        return std::make_unique<NumberColumn<HbdVariableInteger>>(as<HbdVariableInteger>(column),
+                                                                  decimal);
     case HbdEVarType::E_TEXT:
         return std::make_unique<TextColumn>(as<HbdVariableText>(column));
     case HbdEVarType::E_CATEGORY:
@@ -295,7 +275,8 @@ std::unique_ptr<KudTableBlockColumn> KudTableBlockColumn::create(const HbdAVaria
     case HbdEVarType::E_DATE:
         return std::make_unique<CodedColumn<HbdVariableDate>>(as<HbdVariableDate>(column));
     default:
-        return std::make_unique<RealColumn<HbdVariableReal>>(as<HbdVariableReal>(column), decimal);
+        return std::make_unique<NumberColumn<HbdVariableReal>>(as<HbdVariableReal>(column),
+                                                               decimal);
     }
 }
 std::unique_ptr<KudTableBlockColumn> KudTableBlockColumn::create(const QAbstractItemModel& model,

@@ -3,22 +3,26 @@
 #include <util/dataset/KudTableUtils.h>
 
 #include "KudTableBlockColumn.h"
+#include "KudTableUtilsNumbers.h"
 
 #include <basic/data/HbdANumericVariable.h>
 #include <basic/data/HbdValueTraits.h>
 #include <basic/data/HbdVarTypeFlags.h>
 #include <basic/data/HbdVariableEnum.h>
+#include <basic/data/HbdVariableInteger.h>
 #include <basic/unit/HbuUnitService.h>
 
 #include <array>
 
 namespace
 {
+using namespace KudTableUtilsNumbers;
+
 constexpr int ROW_BLOCK = 256;
 
-bool isReal(const HbdAVariable& column)
+bool isNumber(const HbdAVariable& column)
 {
-    return column.getType() == HbdEVarType::REAL || column.getType() == HbdEVarType::REAL_32;
+    return HbdVarTypeFlags::NUMERIC.contains(column.getType());
 }
 
 bool hasUnit(const HbdVariableDetails& details)
@@ -33,10 +37,7 @@ HbuUnitTransfo conversionOf(const HbdVariableDetails& from, const HbdVariableDet
     const HbuUnitService& units = HbuUnitService::getInstance();
     if (hasUnit(from) && hasUnit(to))
         return units.getConversion(from.unit, to.unit);
-    const HbuUnitTransfo shown = units.getConversion(from.unit, from.getShownUnit());
-    const HbuUnitTransfo typed = units.getConversion(to.getShownUnit(), to.unit);
-    return (shown.isValid() ? shown : HbuUnitTransfo())
-        .followedBy(typed.isValid() ? typed : HbuUnitTransfo());
+    return shownTransfo(from).followedBy(shownTransfo(to).inverted());
 }
 
 bool isIntegerWithin(const QVariant& value, qint64 last)
@@ -52,8 +53,8 @@ KudTablePaste::Values::Values(const KudTableBlock& block, int source, const HbdA
 {
     if (m_values == nullptr)
         takeTexts(block, source, target);
-    else if (isReal(*m_values) && isReal(target))
-        takeReals(*m_values, target);
+    else if (isNumber(*m_values) && isNumber(target))
+        takeNumbers(*m_values, target);
     else if (m_values->getType() != target.getType())
         takeRendered(*m_values, target);
     else if (target.getType() == HbdEVarType::CATEGORY)
@@ -67,7 +68,7 @@ void KudTablePaste::Values::startFrom(const HbdAVariable& target)
     m_values = m_own.get();
 }
 
-void KudTablePaste::Values::takeReals(const HbdAVariable& source, const HbdAVariable& target)
+void KudTablePaste::Values::takeNumbers(const HbdAVariable& source, const HbdAVariable& target)
 {
     const HbuUnitTransfo conversion = conversionOf(source.getDetails(), target.getDetails());
     if (conversion.isIdentity() && source.getType() == target.getType())
@@ -77,16 +78,23 @@ void KudTablePaste::Values::takeReals(const HbdAVariable& source, const HbdAVari
         m_problems.assign(static_cast<std::size_t>(m_rowCount), OTHER_UNIT);
         return;
     }
+    const bool isInteger = target.getType() == HbdEVarType::INTEGER;
     std::array<double, ROW_BLOCK> numbers;
     for (int row = 0; row < m_rowCount; row += ROW_BLOCK) {
         const int count = std::min(ROW_BLOCK, m_rowCount - row);
         static_cast<const HbdANumericVariable&>(source).readNumbers(row, count, numbers.data());
         conversion.apply(numbers.data(), count);
-        static_cast<HbdANumericVariable&>(*m_own).writeNumbers(row, count, numbers.data());
+        if (isInteger && !conversion.isIdentity()) {
+            for (int i = 0; i < count; ++i)
+                static_cast<HbdVariableInteger&>(*m_own).set(
+                    row + i, nearestInteger(numbers[std::size_t(i)]));
+        } else {
+            static_cast<HbdANumericVariable&>(*m_own).writeNumbers(row, count, numbers.data());
+        }
     }
     for (int row = 0; row < m_rowCount; ++row) {
         if (m_own->isUndefined(row) && !source.isUndefined(row))
-            setProblem(row, TOO_LARGE);
+            setProblem(row, isInteger ? NOT_AN_INTEGER : TOO_LARGE);
     }
 }
 

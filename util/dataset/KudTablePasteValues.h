@@ -39,7 +39,7 @@ private:
         OTHER_UNIT
     };
 
-    void takeReals(const HbdAVariable& source, const HbdAVariable& target);
+    void takeNumbers(const HbdAVariable& source, const HbdAVariable& target);
     void takeCategories(const HbdAVariable& source, const HbdAVariable& target);
     void takeRendered(const HbdAVariable& source, const HbdAVariable& target);
     void takeTexts(const KudTableBlock& block, int source, const HbdAVariable& target);

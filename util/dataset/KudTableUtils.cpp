@@ -1,6 +1,7 @@
 #include <util/dataset/KudTableUtils.h>
 
 #include "KudSelectionModel.h"
+#include "KudTableUtilsNumbers.h"
 
 #include <basic/base/HbbStringFormat.h>
 #include <basic/data/HbdValueTraits.h>
@@ -17,10 +18,7 @@
 #include <charconv>
 #include <cmath>
 
-namespace
-{
-/// From the storage unit to the one shown; the identity where nothing converts.
-HbuUnitTransfo shownTransfo(const HbdVariableDetails& details)
+HbuUnitTransfo KudTableUtilsNumbers::shownTransfo(const HbdVariableDetails& details)
 {
     if (!details.displayUnit.isValid() || !HbdVarTypeFlags::NUMERIC.contains(details.type))
         return HbuUnitTransfo();
@@ -28,6 +26,17 @@ HbuUnitTransfo shownTransfo(const HbdVariableDetails& details)
         HbuUnitService::getInstance().getConversion(details.unit, details.displayUnit);
     return transfo.isValid() ? transfo : HbuUnitTransfo();
 }
+
+qint64 KudTableUtilsNumbers::nearestInteger(double number)
+{
+    const double nearest = std::round(number);
+    const bool isNear = std::fabs(number - nearest) <= 1e-9 * std::max(1.0, std::fabs(number));
+    return isNear ? HbdValueTraits::Integer::fromNumber(nearest) : HbbGlobal::I_FFFF;
+}
+
+namespace
+{
+using namespace KudTableUtilsNumbers;
 
 /// The value in the unit shown, in which an integer is a real.
 QVariant shownValue(const HbdAVariable& variable, int rank)
@@ -105,14 +114,6 @@ double typedNumber(const QString& text)
     bool ok = false;
     const double local = locale.toDouble(text, &ok);
     return ok ? HbbGlobal::normalized(local) : HbbGlobal::D_FFFF;
-}
-
-/// The integer that a real was meant to be, after its conversion has rounded it.
-qint64 nearestInteger(double number)
-{
-    const double nearest = std::round(number);
-    const bool isNear = std::fabs(number - nearest) <= 1e-9 * std::max(1.0, std::fabs(number));
-    return isNear ? HbdValueTraits::Integer::fromNumber(nearest) : HbbGlobal::I_FFFF;
 }
 
 QVariant storedNumber(const HbdVariableDetails& details, const QVariant& value)

@@ -1,8 +1,10 @@
 #include "KudDataTableFixture.h"
 
+#include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableBlock.h>
 #include <util/dataset/KudTableModel.h>
 #include <util/dataset/KudTablePaste.h>
+#include <util/dataset/KudTableSortFilterModel.h>
 #include <util/dataset/KudTableUtils.h>
 
 #include <basic/data/HbdVariableEnum.h>
@@ -235,6 +237,37 @@ TEST_F(KudDataTable, CopiesWhatIsSelected)
     EXPECT_EQ(cell(t, 2), "c");
 }
 
+/// A selection model in front of the table's own tells only the rows that a view shows.
+TEST(KudTableClipboard, CopiesMoreThanAViewShowsOfASelection)
+{
+    constexpr int COUNT = 30000;
+    KudMemoryDataTable table("Points");
+    auto column = std::make_unique<HbdVariableReal>(HbdVariableDetails("v"));
+    column->resize(COUNT);
+    for (int rank = 0; rank < COUNT; ++rank)
+        column->setVariant(rank, rank);
+    table.addVariable(std::move(column));
+    QBitArray odd(COUNT);
+    for (int rank = 1; rank < COUNT; rank += 2)
+        odd.setBit(rank);
+    table.getHighlight()->setBitArray(odd);
+    KudTableSortFilterModel descending(table);
+    descending.sort(0, Qt::DescendingOrder);
+
+    const auto copy = [](const QItemSelectionModel* selection) {
+        const std::unique_ptr<QMimeData> data(
+            KudTableUtils::encodeForClipboard(selection, upTo(COUNT), upTo(9)));
+        return data->text();
+    };
+    QString rising, falling;
+    for (int rank = 1; rank < COUNT; rank += 2) {
+        rising += QString::number(rank) + '\n';
+        falling += QString::number(COUNT - rank) + '\n';
+    }
+    EXPECT_EQ(copy(table.getHighlight()->getSelectionModel()), rising);
+    EXPECT_EQ(copy(descending.getSelectionModel(*table.getHighlight())), falling);
+}
+
 TEST(KudTableBlock, ReadsTextOfSpreadsheetsAndAnyOther)
 {
     const struct {
@@ -443,8 +476,9 @@ TEST(KudTablePaste, ConvertsUnitsAndKeepsWhatWasSeenWhereThereIsNone)
     const auto unit = [](const HbuEUnitClass& unitClass, const char* key) {
         return *key == 0 ? HbuUnit() : HbuUnitService::getInstance().getUnit(unitClass, key);
     };
-    const auto makeTable = [&](const HbuUnit& stored, const HbuUnit& shown) {
-        HbdVariableDetails details("v");
+    const auto makeTable = [&](const HbuUnit& stored, const HbuUnit& shown,
+                               const HbdEVarType& type = HbdEVarType::REAL) {
+        HbdVariableDetails details("v", type);
         details.unit = stored;
         details.displayUnit = shown;
         auto table = std::make_unique<KudMemoryDataTable>("Points");
@@ -479,6 +513,23 @@ TEST(KudTablePaste, ConvertsUnitsAndKeepsWhatWasSeenWhereThereIsNone)
     EXPECT_FALSE(paste.paste(KudTableBlock::fromMimeData(*copied), {}));
     EXPECT_EQ(paste.getSummary(), "1 of 1 cells were not pasted.\nv, sample 1: '1.25'. Its unit "
                                   "does not convert into that of the variable.");
+
+    // Integers, too, are what people see, whatever they are stored in.
+    const auto integers = makeTable(m, km, HbdEVarType::INTEGER);
+    const auto value = [&] {
+        return integers->readValues(integers->getVariableAt(0))->getVariant(0);
+    };
+    const auto seen = copyAll(*integers->getModel());
+    EXPECT_EQ(seen->text(), "1.25\n");
+    EXPECT_TRUE(KudTablePaste(*integers).paste(KudTableBlock::fromText("1.5\n"), {}));
+    EXPECT_EQ(value(), 1500);
+    EXPECT_TRUE(KudTablePaste(*integers).paste(KudTableBlock::fromMimeData(*copied), {}));
+    EXPECT_EQ(value(), 1250);
+    const auto inKm = makeTable(km, km, HbdEVarType::INTEGER); // 1250 km
+    EXPECT_TRUE(KudTablePaste(*integers).paste(
+        KudTableBlock::fromMimeData(*copyAll(*inKm->getModel())), {}));
+    EXPECT_EQ(value(), 1250000);
+    EXPECT_FALSE(KudTablePaste(*inKm).paste(KudTableBlock::fromMimeData(*seen), {})); // 1.25
 }
 
 TEST_F(KudDataTable, DecodesTheApplicationsClipboard)

@@ -16,9 +16,9 @@ class KudADataTable;
 /// Writes a block of cells into a table, with one notice for all. What the table or a variable does
 /// not take is refused cell by cell, with a reason; the other cells are written.
 ///
-/// A typed cell is taken as it is by a variable of its kind: categories by label, reals converted
-/// from unit to unit. Everything else is taken as if a person had typed its text into the cell (see
-/// KudTableUtils::editRoleToValue), and so is a real when one side has no unit: as it was seen.
+/// A typed cell is taken as it is by a variable of its kind: categories by label, numbers of all
+/// kinds converted from unit to unit; when one side has no unit, as they were seen. Everything else
+/// is taken as if a person had typed its text into the cell (see KudTableUtils::editRoleToValue).
 ///
 /// Of one use; main thread only.
 class KELVANE_UTIL_EXPORT KudTablePaste
