@@ -264,20 +264,14 @@ TEST_F(KuxXmlMementoFileTest, DamagedFilesFailAlikeOnBothRoads)
 {
     const QByteArray good = mementoToBytes(Generator(7).memento(3));
     std::mt19937 random(1);
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 1500; ++round) {
         QByteArray bytes = good;
-        const int at = int(random() % unsigned(bytes.size()));
-        if (round % 3 == 0) {
-            bytes.truncate(at);
-        } else {
-            bytes[at] = round % 3 == 1 ? char(random()) : "<>&/\"]"[random() % 6];
-        }
-        KuuMemento streamed;
-        KuuMemento fromDom;
-        const QString streamError =
+        bytes[int(random() % unsigned(bytes.size()))] =
+            round % 2 ? char(random()) : "<>&/\"]"[random() % 6];
+        KuuMemento streamed, fromDom;
+        const auto streamError =
             errorOf<HbeProgrammingError>([&] { streamed = bytesToMemento(bytes, "bytes"); });
-        const QString domError = errorOf<HbeProgrammingError>([&] { fromDom = readByDom(bytes); });
-        ASSERT_EQ(streamError, domError) << bytes.toStdString();
+        EXPECT_EQ(streamError, errorOf<HbeProgrammingError>([&] { fromDom = readByDom(bytes); }));
         ASSERT_TRUE(streamed == fromDom) << bytes.toStdString();
     }
 }
