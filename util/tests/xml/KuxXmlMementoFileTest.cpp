@@ -74,9 +74,8 @@ public:
         KuuMemento result(KuuId::generate(key()));
         result.setVersion(below(300) - 5);
         result.setFields(map(depth));
-        for (int i = below(depth + 1); i > 0; --i) {
+        for (int i = below(depth + 1); i > 0; --i)
             result.setAssociation(below(10) == 0 ? KuuMemento() : memento(depth - 1), false);
-        }
         return result;
     }
 
@@ -91,9 +90,8 @@ private:
                               "a long stretch of plain text, longer than a block")
                 .split('|');
         QString result;
-        for (int i = below(5); i > 0; --i) {
+        for (int i = below(5); i > 0; --i)
             result += PARTS[below(PARTS.size())];
-        }
         return below(20) == 0 ? result + QChar(0xD801) : result;
     }
 
@@ -110,9 +108,8 @@ private:
     QVariantMap map(int depth)
     {
         QVariantMap result;
-        for (int i = below(6); i > 0; --i) {
+        for (int i = below(6); i > 0; --i)
             result.insert(key(), value(depth - 1));
-        }
         return result;
     }
 
@@ -248,9 +245,8 @@ TEST_F(KuxXmlMementoFileTest, ForeignFormsAreReadByTheSameRules)
         for (const bool plain : {false, true}) {
             QByteArray bytes =
                 QByteArray("<Thing><fields type=\"QMap\">") + element + "</fields></Thing>";
-            if (plain) {
+            if (plain)
                 bytes.replace('\'', '"');
-            }
             const QVariant value = bytesToMemento(bytes, QString()).getField("f");
             EXPECT_EQ(value, expected) << element;
             EXPECT_EQ(value.userType(), expected.userType()) << element;
@@ -300,9 +296,8 @@ TEST_F(KuxXmlMementoFileTest, RefusalsNameTheirReason)
               "Cannot create or open for writing the XML file '/nowhere/a.xml'.");
 
     QVariant deep = 1;
-    for (int i = 0; i < 1100; ++i) {
+    for (int i = 0; i < 1100; ++i)
         deep = QVariantList{deep};
-    }
     EXPECT_THROW(mementoToBytes(mementoWith(deep)), HbeProgrammingError);
 }
 
