@@ -365,27 +365,3 @@ TEST(HbgShapePick, findsNothingWithoutAPlace)
     EXPECT_TRUE(lines.pointToRanks({0., 0.}, nan).isEmpty());
     EXPECT_TRUE(lines.polygonToRanks({{-1., 0.}, {1., 0.}}).isEmpty());
 }
-
-// A frame around all and one line of a million points: a pick that looked at a part of them that
-// grows with their number would take minutes here.
-TEST(HbgShapePick, looksAtFewOfAMillionSegments)
-{
-    QVector<HbgVector2D> points;
-    const int count = 1000000;
-    for (int i = 0; i < count; ++i)
-        points.append(
-            {i % 1000 * (i / 1000 % 2 ? -1. : 1.) + (i / 1000 % 2 ? 999. : 0.), double(i / 1000)});
-    HbgGeomPolylineSet lines;
-    lines.append(HbgGeomPolyline(points));
-    lines.append(HbgGeomPolyline(
-        QVector<HbgVector2D>{{-9., -9.}, {1009., -9.}, {1009., 1009.}, {-9., 1009.}},
-        HbgEPolylineType::CLOSED));
-    for (int i = 0; i < 20000; ++i) {
-        const QPointF place(i % 997 + 0.5, i % 991 + 0.25);
-        ASSERT_EQ(lines.pointToRank(place, 100.), 0);
-        ASSERT_EQ(lines.pointToRanks(place, 0.25), Ranks(0));
-        ASSERT_TRUE(lines.pointToRanks(place, 0.24).isEmpty());
-        ASSERT_TRUE(lines.rectangleToRanks({place, place + QPointF(0.5, 0.5)}).isEmpty());
-        ASSERT_EQ(lines.pointToRank({-8. + i * 1e-4, 500.}, 1e9), i < 40000 ? 1 : 0);
-    }
-}

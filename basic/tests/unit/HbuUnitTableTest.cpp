@@ -108,30 +108,6 @@ TEST_F(HbuUnitTableTest, agreesWithAnIndependentTable)
     }
 }
 
-TEST_F(HbuUnitTableTest, agreesOnTemperatures)
-{
-    const HbuUnitService& service = HbuUnitService::getInstance();
-    const QStringList functions = {"tempC", "tempF", "tempK"};
-    const QStringList keys = {"degC", "degF", "K"};
-    QStringList pairs;
-    QVector<double> ours;
-    for (int from = 0; from < 3; ++from) {
-        for (int to = 0; to < 3; ++to) {
-            const HbuUnitTransfo transfo =
-                service.getConversion(service.getUnit(C::TEMPERATURE, keys.at(from)),
-                                      service.getUnit(C::TEMPERATURE, keys.at(to)));
-            for (const double value : {300., 451., 512.25}) {
-                pairs << QString("%1(%2)").arg(functions.at(from)).arg(value) << functions.at(to);
-                ours.append(transfo.apply(value));
-            }
-        }
-    }
-    const QVector<double> expected = askUnits(pairs);
-    ASSERT_EQ(expected.size(), ours.size());
-    for (int i = 0; i < ours.size(); ++i)
-        EXPECT_NEAR(ours.at(i) / expected.at(i), 1., 1e-12) << pairs.at(2 * i).toStdString();
-}
-
 TEST(HbuUnitTable, namesASourceForEachUnit)
 {
     for (const HbuUnit& unit : linearUnits())

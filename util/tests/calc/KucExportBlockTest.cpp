@@ -2,11 +2,6 @@
 
 #include <basic/unit/HbuUnitService.h>
 
-#include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
-#include <QtCore/QProcess>
-#include <QtCore/QStandardPaths>
-
 #include <random>
 
 namespace
@@ -126,34 +121,4 @@ TEST_F(KucExportBlockTest, BlocksAndLinesWriteTheSameBytes)
                   write<LineEncoding>(exportData, separator, decimal))
             << "round " << round;
     }
-}
-
-TEST_F(KucExportBlockTest, PythonReadsTheTextsBack)
-{
-    const QString python = QStandardPaths::findExecutable("python3");
-    if (python.isEmpty())
-        GTEST_SKIP() << "python3 is not installed";
-    // A carriage return and a text with quotes only because of it are not quoted by our rule.
-    const auto legible = [this] { return text().remove('\r').replace(QChar(0xD83D), '?'); };
-    QJsonArray expected;
-    std::vector<QString> texts[2];
-    for (int row = 0; row < 2000; ++row) {
-        for (std::vector<QString>& column : texts)
-            column.push_back(QString::fromUtf8(legible().toUtf8()));
-        expected.append(QJsonArray{texts[0].back(), texts[1].back()});
-    }
-    for (std::vector<QString>& column : texts)
-        addColumn<HbdVariableText>(HbdVariableDetails(QString::number(m_columns.size())),
-                                   std::move(column));
-    write(points());
-    QProcess process;
-    process.start(python, {"-c",
-                           "import csv, json, sys\n"
-                           "rows = csv.reader(open(sys.argv[1], encoding='utf-8', newline=''))\n"
-                           "print(json.dumps(list(rows)[1:]))",
-                           path()});
-    ASSERT_TRUE(process.waitForFinished());
-    const QByteArray error = process.readAllStandardError();
-    EXPECT_TRUE(QJsonDocument::fromJson(process.readAllStandardOutput()).array() == expected)
-        << error.toStdString();
 }

@@ -62,16 +62,14 @@ public:
     {
         heard.push_back(notice.numbers());
         sender = notice.source();
-        if (onUpdate) {
+        if (onUpdate)
             onUpdate();
-        }
     }
     void destroyed(const KuoAObservable<Notice>* observable) override
     {
         lost = observable;
-        if (onDestroyed) {
+        if (onDestroyed)
             onDestroyed();
-        }
     }
 
     Heard heard;
@@ -87,9 +85,8 @@ class KuoAObservableTest : public testing::Test
 protected:
     void SetUp() override
     {
-        for (Listener* listener : {&a, &b, &c}) {
+        for (Listener* listener : {&a, &b, &c})
             source->addObserver(listener);
-        }
     }
     Listener a, b, c;
     std::unique_ptr<Source> source = std::make_unique<Source>(); // dies first
@@ -221,9 +218,8 @@ TEST_F(KuoAObservableTest, ObserversMayComeAndGoDuringADelivery)
     source->removeObserver(&late);
 
     c.onUpdate = [&] {
-        for (Listener* listener : {&a, &b, &c}) {
+        for (Listener* listener : {&a, &b, &c})
             source->removeObserver(listener);
-        }
     };
     source->send(3);
     source->send(4);
@@ -285,9 +281,8 @@ TEST_F(KuoAObservableTest, AnObserverThatThrowsLeavesTheObservableWhole)
         source->removeObserver(&a);
         throw std::runtime_error("b");
     };
-    for (int i = 0; i < 150; ++i) {
+    for (int i = 0; i < 150; ++i)
         EXPECT_THROW(source->send(i), std::runtime_error);
-    }
     b.onUpdate = nullptr;
     source->send(200);
     EXPECT_EQ(a.heard.size(), 1u);
@@ -298,11 +293,10 @@ TEST_F(KuoAObservableTest, AnObserverThatThrowsLeavesTheObservableWhole)
 TEST_F(KuoAObservableTest, MayBeDestroyedFromInsideNestedDeliveries)
 {
     b.onUpdate = [&] {
-        if (b.heard.size() == 3) {
+        if (b.heard.size() == 3)
             source.reset();
-        } else if (source) {
+        else if (source)
             source->send(2);
-        }
     };
     source->send(1);
     EXPECT_EQ(a.heard.size(), 3u);

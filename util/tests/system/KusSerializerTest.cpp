@@ -54,22 +54,22 @@ TEST(KusSerializerTest, CommonValuesReadPlainly)
 TEST(KusSerializerTest, AnyStreamableValueComesBackInValueAndType)
 {
     const QVariantMap map{{"a b", 1}, {"list", QVariantList{1.5, "x", QVariant()}}};
-    const QVariant values[] = {map,
-                               QVariantList{map, QByteArray("\0\xff", 2)},
-                               QStringList{"a", ""},
-                               QByteArray(),
-                               QColor(1, 2, 3, 4),
-                               QRectF(0.1, 0.2, 0.3, 0.4),
-                               QPoint(),
-                               QDate(2026, 2, 28),
-                               QDateTime(QDate(2026, 2, 28), QTime(1, 2, 3, 4), Qt::UTC),
-                               QUuid::createUuid(),
-                               QChar('x'),
-                               QVariant(QVariant::Int),
-                               QString("\x01 control"),
-                               QString(QChar(0xD800)),
-                               std::numeric_limits<double>::infinity(),
-                               std::numeric_limits<qint64>::min()};
+    const QVariantList values{map,
+                              QVariantList{map, QByteArray("\0\xff", 2)},
+                              QDateTime(QDate(2026, 2, 28), QTime(1, 2, 3, 4), Qt::UTC),
+                              QStringList{"a", ""},
+                              QByteArray(),
+                              QPoint(),
+                              QChar('x'),
+                              QString("\x01 control"),
+                              QColor(1, 2, 3, 4),
+                              QRectF(0.1, 0.2, 0.3, 0.4),
+                              QDate(2026, 2, 28),
+                              QUuid::createUuid(),
+                              QVariant(QVariant::Int),
+                              QString(QChar(0xD800)),
+                              std::numeric_limits<double>::infinity(),
+                              std::numeric_limits<qint64>::min()};
     for (const QVariant& value : values) {
         const QString text = KusSerializer::serialize(value);
         const QVariant back = KusSerializer::unserialize(text);

@@ -7,8 +7,6 @@
 #include "ErrorText.h"
 #include "QtPrinters.h"
 
-#include <thread>
-
 namespace
 {
 
@@ -191,19 +189,4 @@ TEST(KuuCoordSystem, convertsItsUnit)
     EXPECT_TRUE(local.isValid() && local.isLocal() && !local.isProjected());
     EXPECT_EQ(local.getConvertToTransfo(length("in")).apply(1.), 12.);
     EXPECT_EQ(KuuCoordSystem::createLocal().getUnit(), length("m"));
-}
-
-TEST(KuuCoordSystemService, answersManyThreads)
-{
-    std::vector<std::thread> threads;
-    std::vector<int> known(4);
-    for (size_t i = 0; i < known.size(); ++i) {
-        threads.emplace_back([&known, i] {
-            for (int zone = 1; zone <= 60; ++zone)
-                known[i] += service().existsEpsg(QString::number(32600 + zone)) ? 1 : 0;
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(known, std::vector<int>(4, 60));
 }

@@ -198,9 +198,8 @@ TEST_F(KuuMementoTest, EveryFieldRestoresFromItsTextAsFromItsValue)
         asText.setField(key, asText.getField(key).toString());
     }
     QVariantList bounds = asText.getField("bounds").toList();
-    for (QVariant& bound : bounds) {
+    for (QVariant& bound : bounds)
         bound = bound.toString();
-    }
     asText.setField("bounds", bounds);
 
     for (const KuuMemento& memento : {source.getMemento(), asText}) {

@@ -85,10 +85,9 @@ QByteArray unit(const char* key, const char* unitClass, const char* factor, cons
         {"key", key},           {"name", "A name"},         {"unitClass", unitClass},
         {"symbol", "sy"},       {"unitSystem", unitSystem}, {"transfoFactor", factor},
         {"transfoShift", shift}};
-    for (const auto& [name, text] : rows) {
+    for (const auto& [name, text] : rows)
         if (*text)
             fields += QByteArray("<") + name + ">" + text + "</" + name + ">";
-    }
     return "<unit>" + fields + "</unit>";
 }
 

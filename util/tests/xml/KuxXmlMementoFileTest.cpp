@@ -74,9 +74,8 @@ public:
         KuuMemento result(KuuId::generate(key()));
         result.setVersion(below(300) - 5);
         result.setFields(map(depth));
-        for (int i = below(depth + 1); i > 0; --i) {
+        for (int i = below(depth + 1); i > 0; --i)
             result.setAssociation(below(10) == 0 ? KuuMemento() : memento(depth - 1), false);
-        }
         return result;
     }
 
@@ -91,9 +90,8 @@ private:
                               "a long stretch of plain text, longer than a block")
                 .split('|');
         QString result;
-        for (int i = below(5); i > 0; --i) {
+        for (int i = below(5); i > 0; --i)
             result += PARTS[below(PARTS.size())];
-        }
         return below(20) == 0 ? result + QChar(0xD801) : result;
     }
 
@@ -110,9 +108,8 @@ private:
     QVariantMap map(int depth)
     {
         QVariantMap result;
-        for (int i = below(6); i > 0; --i) {
+        for (int i = below(6); i > 0; --i)
             result.insert(key(), value(depth - 1));
-        }
         return result;
     }
 
@@ -248,9 +245,8 @@ TEST_F(KuxXmlMementoFileTest, ForeignFormsAreReadByTheSameRules)
         for (const bool plain : {false, true}) {
             QByteArray bytes =
                 QByteArray("<Thing><fields type=\"QMap\">") + element + "</fields></Thing>";
-            if (plain) {
+            if (plain)
                 bytes.replace('\'', '"');
-            }
             const QVariant value = bytesToMemento(bytes, QString()).getField("f");
             EXPECT_EQ(value, expected) << element;
             EXPECT_EQ(value.userType(), expected.userType()) << element;
@@ -264,20 +260,14 @@ TEST_F(KuxXmlMementoFileTest, DamagedFilesFailAlikeOnBothRoads)
 {
     const QByteArray good = mementoToBytes(Generator(7).memento(3));
     std::mt19937 random(1);
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 1500; ++round) {
         QByteArray bytes = good;
-        const int at = int(random() % unsigned(bytes.size()));
-        if (round % 3 == 0) {
-            bytes.truncate(at);
-        } else {
-            bytes[at] = round % 3 == 1 ? char(random()) : "<>&/\"]"[random() % 6];
-        }
-        KuuMemento streamed;
-        KuuMemento fromDom;
-        const QString streamError =
+        bytes[int(random() % unsigned(bytes.size()))] =
+            round % 2 ? char(random()) : "<>&/\"]"[random() % 6];
+        KuuMemento streamed, fromDom;
+        const auto streamError =
             errorOf<HbeProgrammingError>([&] { streamed = bytesToMemento(bytes, "bytes"); });
-        const QString domError = errorOf<HbeProgrammingError>([&] { fromDom = readByDom(bytes); });
-        ASSERT_EQ(streamError, domError) << bytes.toStdString();
+        EXPECT_EQ(streamError, errorOf<HbeProgrammingError>([&] { fromDom = readByDom(bytes); }));
         ASSERT_TRUE(streamed == fromDom) << bytes.toStdString();
     }
 }
@@ -306,9 +296,8 @@ TEST_F(KuxXmlMementoFileTest, RefusalsNameTheirReason)
               "Cannot create or open for writing the XML file '/nowhere/a.xml'.");
 
     QVariant deep = 1;
-    for (int i = 0; i < 1100; ++i) {
+    for (int i = 0; i < 1100; ++i)
         deep = QVariantList{deep};
-    }
     EXPECT_THROW(mementoToBytes(mementoWith(deep)), HbeProgrammingError);
 }
 

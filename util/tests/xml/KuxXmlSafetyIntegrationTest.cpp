@@ -50,11 +50,9 @@ TEST(KuxXmlSafetyIntegrationTest, AKilledWriterLeavesOneWholeVersion)
     for (int round = 0; round < 60; ++round) {
         const pid_t child = fork();
         ASSERT_GE(child, 0);
-        if (child == 0) {
-            for (int number = 1;; ++number) {
+        if (child == 0)
+            for (int number = 1;; ++number)
                 KuxXmlMementoFile::save(path, versionOf(number, SIZE));
-            }
-        }
         usleep(unsigned(random() % 30000));
         ASSERT_EQ(kill(child, SIGKILL), 0);
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
@@ -70,9 +68,8 @@ TEST(KuxXmlSafetyIntegrationTest, AFullDiskRaisesAndLeavesTheOldFile)
 {
     QTemporaryDir folder;
     const QByteArray mountPoint = QFile::encodeName(folder.path());
-    if (mount("none", mountPoint.constData(), "tmpfs", 0, "size=256k") != 0) {
+    if (mount("none", mountPoint.constData(), "tmpfs", 0, "size=256k") != 0)
         GTEST_SKIP() << "mounting a tmpfs needs root";
-    }
     const CapturedLog log;
     const QDir directory(folder.path());
     KuxXmlMementoFile::save(directory, versionOf(1, 1000));
