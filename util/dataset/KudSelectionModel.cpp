@@ -185,46 +185,68 @@ HbiIntervalIntSmall KudSelectionModel::windowToMirror() const
     return HbiIntervalIntSmall(first, std::min(first + WINDOW_ROWS, model()->rowCount()) - 1);
 }
 
-bool KudSelectionModel::isSelectedRow(int row) const
+bool KudSelectionModel::isSelectedRow(int row, const KudSelectorBits& bits) const
 {
-    const KudSelectorBits& bits = m_selector->bits();
     const int rank = m_order == nullptr ? row : m_order->getRank(row);
     return bits.contains(rank) && bits.isSelected(rank);
 }
 
+/// The first one; the number of rows for none.
+int KudSelectionModel::findSelectedRow(const KudSelectorBits& bits) const
+{
+    if (m_order == nullptr)
+        return bits.findSelected(0);
+    const int rowCount = model()->rowCount();
+    int row = 0;
+    while (row < rowCount && !isSelectedRow(row, bits))
+        ++row;
+    return row;
+}
+
 std::vector<HbiIntervalIntSmall> KudSelectionModel::rangesToMirror()
 {
-    std::vector<HbiIntervalIntSmall> ranges;
     m_window = HbiIntervalIntSmall(0, model()->rowCount() - 1);
     if (!m_selector->hasSelection())
-        return ranges;
+        return {};
     if (m_selector->getNSelected() <= MANY_ROWS) {
-        const KudSelectorBits rows = selectedRows();
-        int end = 0;
-        for (int first = rows.findSelected(0);
-             first < rows.getSize() && ranges.size() <= MANY_RANGES;
-             first = rows.findSelected(end)) {
-            end = rows.findDeselected(first);
-            ranges.emplace_back(first, end - 1);
-        }
+        std::vector<HbiIntervalIntSmall> ranges = allRanges();
         if (ranges.size() <= MANY_RANGES)
             return ranges;
-        ranges.clear();
     }
     m_window = windowToMirror();
+    return rangesInWindow();
+}
+
+/// Or the first of them, one more than are mirrored.
+std::vector<HbiIntervalIntSmall> KudSelectionModel::allRanges() const
+{
+    const KudSelectorBits rows = selectedRows();
+    std::vector<HbiIntervalIntSmall> ranges;
+    int first = rows.findSelected(0);
+    while (first < rows.getSize() && ranges.size() <= MANY_RANGES) {
+        const int end = rows.findDeselected(first);
+        ranges.emplace_back(first, end - 1);
+        first = rows.findSelected(end);
+    }
+    return ranges;
+}
+
+/// And one elsewhere if there is none, so that the base class knows of a selection.
+std::vector<HbiIntervalIntSmall> KudSelectionModel::rangesInWindow() const
+{
+    const KudSelectorBits& bits = m_selector->bits();
+    std::vector<HbiIntervalIntSmall> ranges;
     for (int row = m_window.getMin(); row <= m_window.getMax(); ++row) {
-        if (!isSelectedRow(row))
+        if (!isSelectedRow(row, bits))
             continue;
         if (!ranges.empty() && ranges.back().getMax() == row - 1)
             ranges.back() = HbiIntervalIntSmall(ranges.back().getMin(), row);
         else
             ranges.emplace_back(row, row);
     }
-    if (ranges.empty()) {
-        const int row = selectedRows().findSelected(0);
-        if (row < model()->rowCount())
-            ranges.emplace_back(row, row);
-    }
+    const int elsewhere = ranges.empty() ? findSelectedRow(bits) : 0;
+    if (ranges.empty() && elsewhere < model()->rowCount())
+        ranges.emplace_back(elsewhere, elsewhere);
     return ranges;
 }
 

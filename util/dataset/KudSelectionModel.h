@@ -59,9 +59,12 @@ private:
     void currentHasChanged();
     KudSelectorBits samplesOf(const QItemSelection& selection, SelectionFlags command) const;
     KudSelectorBits selectedRows() const;
-    bool isSelectedRow(int row) const;
+    bool isSelectedRow(int row, const KudSelectorBits& bits) const;
+    int findSelectedRow(const KudSelectorBits& bits) const;
     HbiIntervalIntSmall windowToMirror() const;
     std::vector<HbiIntervalIntSmall> rangesToMirror();
+    std::vector<HbiIntervalIntSmall> allRanges() const;
+    std::vector<HbiIntervalIntSmall> rangesInWindow() const;
 
     QPointer<KudSelector> m_selector;
     const KudTableSortFilterModel* m_order;
