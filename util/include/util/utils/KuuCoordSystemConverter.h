@@ -64,8 +64,8 @@ public:
         Counts& operator+=(const Counts& other);
     };
 
-    /// The unit of class ANGLE for one of LONGITUDE or LATITUDE, which have classes of their own with
-    /// the same keys; any other unit as it is. Nothing converts between classes.
+    /// The unit of class ANGLE for one of LONGITUDE or LATITUDE, which have classes of their own
+    /// with the same keys; any other unit as it is. Nothing converts between classes.
     static HbuUnit toAngle(const HbuUnit& unit);
 
     /// Each system in its own unit. HbeUserError, with the text form of the system and PROJ's
