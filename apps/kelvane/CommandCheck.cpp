@@ -3,6 +3,7 @@
 #include "ToolJson.h"
 #include "ToolOutput.h"
 #include "ToolProgress.h"
+#include "ToolText.h"
 
 #include <util/dataset/KudDatasetDirectory.h>
 #include <util/filter/KufSampleFilterCombinationValidator.h>
@@ -98,7 +99,7 @@ QString toText(const FileCheck& file)
         text = Tool::tr("other  %1  no memento file; left alone").arg(file.fileName);
     if (!file.name.isEmpty())
         text += (isFilter(file) ? Tool::tr("  sample filter '%1'") : Tool::tr("  dataset '%1'"))
-                    .arg(file.name);
+                    .arg(ToolText::makeVisible(file.name));
     text += QLatin1Char('\n');
     for (const QString& error : file.errors)
         text += QStringLiteral("       %1\n")

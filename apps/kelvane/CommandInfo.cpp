@@ -5,6 +5,7 @@
 #include "ToolOutput.h"
 #include "ToolProgress.h"
 #include "ToolProject.h"
+#include "ToolText.h"
 
 #include <util/dataset/KudADataset.h>
 #include <util/filter/KufSampleFilterDirectory.h>
@@ -71,7 +72,8 @@ int run(const QCommandLineParser& line)
     for (const auto& dataset : datasets)
         texts.append(ToolDatasetFacts::toText(*dataset, other));
     if (arguments.size() == 1 && !filters.isEmpty())
-        texts.append(Tool::tr("sample filters: %1\n").arg(filters.join(QStringLiteral(", "))));
+        texts.append(Tool::tr("sample filters: %1\n")
+                         .arg(ToolText::makeVisible(filters.join(QStringLiteral(", ")))));
     ToolOutput::print(texts.isEmpty()
                           ? Tool::tr("The project '%1' holds no datasets.\n").arg(arguments.first())
                           : texts.join(QLatin1Char('\n')));

@@ -164,7 +164,8 @@ QString toText(const Selection& selection, const KudADataset& dataset)
     table.addRow({Tool::tr("all"), joined(selection.combination), QString::number(count),
                   percentText(count, all)});
     return Tool::tr("%1: %2 of %3 samples pass\n\n")
-               .arg(dataset.getName(), QString::number(count), QString::number(all)) +
+               .arg(ToolText::makeVisible(dataset.getName()), QString::number(count),
+                    QString::number(all)) +
            table.toText(2) + QLatin1Char('\n') + ToolText::makeVisible(describe(selection)) +
            QLatin1Char('\n');
 }

@@ -5,6 +5,7 @@
 #include "ToolJson.h"
 #include "ToolOutput.h"
 #include "ToolTable.h"
+#include "ToolText.h"
 
 #include <util/dataset/KudADataTable.h>
 #include <util/dataset/KudADataset.h>
@@ -218,7 +219,8 @@ void ToolDatasetFacts::write(ToolJson& json, const KudADataset& dataset,
 QString ToolDatasetFacts::toText(const KudADataset& dataset, const KuuCoordSystem& other)
 {
     QString text = Tool::tr("%1: %2, %3 samples")
-                       .arg(dataset.getName(), dataset.getDatasetType().getLabel().toLower(),
+                       .arg(ToolText::makeVisible(dataset.getName()),
+                            dataset.getDatasetType().getLabel().toLower(),
                             QString::number(dataset.getObjectCount()));
     text += Tool::tr("\n  coordinates        %1")
                 .arg(boxText(dataset.getBoundingBox(), dataset.getCoordinateUnit(),

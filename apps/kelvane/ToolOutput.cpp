@@ -1,6 +1,7 @@
 #include "ToolOutput.h"
 
 #include "ToolCommand.h"
+#include "ToolText.h"
 
 #include <basic/base/HbbGlobal.h>
 #include <basic/base/HbbStringFormat.h>
@@ -14,9 +15,13 @@
 
 namespace
 {
+/// Messages hold names and texts of files that come from anywhere.
 void printLine(const char* prefix, const QString& message)
 {
-    std::fprintf(stderr, "%s%s\n", prefix, message.trimmed().toUtf8().constData());
+    QStringList lines = message.trimmed().split(QLatin1Char('\n'));
+    for (QString& line : lines)
+        line = ToolText::makeVisible(line);
+    std::fprintf(stderr, "%s%s\n", prefix, lines.join(QLatin1Char('\n')).toUtf8().constData());
 }
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "ToolSelection.h"
 
 #include "ToolCommandLine.h"
+#include "ToolInterrupt.h"
 #include "ToolOutput.h"
 #include "ToolProject.h"
 #include "ToolUsageError.h"
@@ -180,7 +181,9 @@ KufSampleFilter ToolSelection::readFilter(const QCommandLineParser& line, const 
 
 QBitArray ToolSelection::evaluate(const KufSampleFilter& filter, const KudADataset& dataset)
 {
-    return KufSampleFilterQBitArrayVisitor(&filter, &dataset, filter.getVariables()).getSelection();
+    const KufSampleFilterQBitArrayVisitor visitor(&filter, &dataset, filter.getVariables());
+    ToolInterrupt::check();
+    return visitor.getSelection();
 }
 
 HbiIntervalIntSmallDisjoint ToolSelection::readRanks(const QCommandLineParser& line,

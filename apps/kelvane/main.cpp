@@ -7,8 +7,7 @@
 #include <util/utils/KuuUnitCatalog.h>
 
 #include <basic/calc/HbcCancelled.h>
-#include <basic/error/HbeDiskError.h>
-#include <basic/error/HbeUserError.h>
+#include <basic/error/HbeProgrammingError.h>
 
 #include <QtCore/QTextCodec>
 #include <QtGui/QGuiApplication>
@@ -102,6 +101,12 @@ int fail(ExitCode code, const QString& message)
     return code;
 }
 
+int failByFault(const std::exception& error)
+{
+    return fail(ExitFault, Tool::tr("A fault of this program, which is worth a report:\n%1")
+                               .arg(QString::fromUtf8(error.what())));
+}
+
 /// The exit code of whatever happens.
 int guard(const std::vector<ToolCommand>& commands, const QStringList& arguments)
 {
@@ -112,15 +117,14 @@ int guard(const std::vector<ToolCommand>& commands, const QStringList& arguments
     } catch (const HbcCancelled& cancelled) {
         ToolOutput::printError(cancelled.getMessage());
         return ExitSignal + ToolInterrupt::getSignal();
-    } catch (const HbeUserError& error) {
-        return fail(ExitWrongInput, error.getMessage());
-    } catch (const HbeDiskError& error) {
+    } catch (const HbeProgrammingError& error) {
+        return failByFault(error);
+    } catch (const HbeError& error) {
         return fail(ExitWrongInput, error.getMessage());
     } catch (const std::bad_alloc&) {
         return fail(ExitFault, Tool::tr("There is not enough memory."));
     } catch (const std::exception& error) {
-        return fail(ExitFault, Tool::tr("A fault of this program, which is worth a report:\n%1")
-                                   .arg(QString::fromUtf8(error.what())));
+        return failByFault(error);
     }
 }
 } // namespace

@@ -83,7 +83,8 @@ def memento_paths(directory: str, relation: str) -> list[str]:
         names = sorted(os.listdir(directory))
     except OSError as error:
         raise KelvaneError(f"{directory}: {error.strerror}.") from error
-    return [os.path.join(directory, name) for name in names if pattern.fullmatch(name)]
+    paths = [os.path.join(directory, name) for name in names if pattern.fullmatch(name)]
+    return [path for path in paths if os.path.isfile(path)]  # no pipe, which would never end
 
 
 def named_mementos(directory: str, relation: str) -> Iterator[tuple[str, str]]:

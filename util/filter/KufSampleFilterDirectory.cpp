@@ -3,6 +3,32 @@
 
 #include <basic/error/HbeUserError.h>
 
+namespace
+{
+/// A user error for a text, however deep it is, that would be another one in the file: the filter
+/// would select other samples, or have another name.
+void requireWritable(const QVariant& value)
+{
+    if (value.type() == QVariant::Map) {
+        for (const QVariant& field : value.toMap())
+            requireWritable(field);
+    } else if (value.type() == QVariant::List || value.type() == QVariant::StringList) {
+        for (const QVariant& item : value.toList())
+            requireWritable(item);
+    } else if (value.type() == QVariant::String) {
+        const QString text = value.toString();
+        const int at = KuxXmlMementoFile::findUnwritable(text);
+        if (at >= 0)
+            throw HbeUserError(KufSampleFilterDirectory::tr(
+                                   "The sample filter cannot be saved: no file can hold the "
+                                   "character U+%1 at %2 of the text '%3'.")
+                                   .arg(text.at(at).unicode(), 4, 16, QLatin1Char('0'))
+                                   .arg(at + 1)
+                                   .arg(text));
+    }
+}
+} // namespace
+
 KufSampleFilterDirectory::KufSampleFilterDirectory(const QString& path)
     : KuxMementoDirectory(path, KufSampleFilter::getMementoRelation(), tr("sample filter"))
 {
@@ -41,7 +67,9 @@ void KufSampleFilterDirectory::save(const KufSampleFilter& filter, const KuuId& 
     if (owner.isValid() && owner != target)
         throw HbeUserError(tr("'%1' holds a sample filter of the name '%2' already.")
                                .arg(getPath(), filter.getName()));
-    saveMemento(filter.getMemento(), id);
+    const KuuMemento memento = filter.getMemento();
+    requireWritable(memento.getFields());
+    saveMemento(memento, id);
 }
 
 void KufSampleFilterDirectory::replace(const KufSampleFilter& filter) const

@@ -5,6 +5,7 @@
 #include "KuxMementoXmlWriter.h"
 #include "KuxXmlFile.h"
 #include "KuxXmlGuard.h"
+#include "KuxXmlText.h"
 
 #include <basic/error/HbeDiskError.h>
 #include <basic/error/HbeProgrammingError.h>
@@ -235,6 +236,11 @@ QString KuxXmlMementoFile::getReason(const HbeError& error)
     const bool isOurs = dynamic_cast<const HbeProgrammingError*>(&error) != nullptr;
     const int end = isOurs ? message.indexOf(QLatin1String(":\n\n")) : -1;
     return end < 0 ? message : message.mid(end + 3);
+}
+
+int KuxXmlMementoFile::findUnwritable(const QString& text)
+{
+    return KuxXmlText::findForbidden(text);
 }
 
 bool KuxXmlMementoFile::exists(const QDir& directory, const KuuId& id)

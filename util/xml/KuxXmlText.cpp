@@ -54,21 +54,29 @@ void KuxXmlText::warnReplaced(const QString& key)
             .arg(key));
 }
 
-QString KuxXmlText::toXmlText(const QString& text, const QString& key)
+int KuxXmlText::findForbidden(const QString& text, int from)
 {
-    QString result = text;
-    bool replaced = false;
-    for (int i = 0; i < text.size(); ++i) {
+    for (int i = from; i < text.size(); ++i) {
         const QChar c = text.at(i);
         if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
             ++i;
         } else if (c.isSurrogate() || isForbidden(c.unicode())) {
-            result[i] = QChar(QChar::ReplacementCharacter);
-            replaced = true;
+            return i;
         }
     }
-    if (replaced) {
-        warnReplaced(key);
+    return -1;
+}
+
+QString KuxXmlText::toXmlText(const QString& text, const QString& key)
+{
+    int at = findForbidden(text);
+    if (at < 0) {
+        return text;
+    }
+    warnReplaced(key);
+    QString result = text;
+    for (; at >= 0; at = findForbidden(text, at + 1)) {
+        result[at] = QChar(QChar::ReplacementCharacter);
     }
     return result;
 }

@@ -18,6 +18,10 @@ inline bool isForbidden(ushort c)
     return (c < 0x20 && !isXmlSpace(c)) || c >= 0xFFFE;
 }
 
+/// Where the first unit stands that XML cannot hold, from a place on that is not within a pair; -1
+/// for none.
+int findForbidden(const QString& text, int from = 0);
+
 /// The text with U+FFFD for what XML cannot hold; a replacement warns and names `key`.
 QString toXmlText(const QString& text, const QString& key);
 /// Warns that a text was changed.

@@ -135,6 +135,14 @@ TEST(KufSampleFilterDirectory, keepsFiltersByName)
         errorOf<HbeUserError>([&] { directory.read(QString("zinc & lead")); }),
         QString("'%1' holds no sample filter 'zinc & lead'. It holds: empty.").arg(folder.path()));
     EXPECT_THROW(KufSampleFilterDirectory(folder.filePath("none")).getNames(), HbeUserError);
+
+    // With another character in its place the text would select other samples.
+    other.setName("other");
+    other.addRule(onPoints("name"),
+                  Alpha(Alpha::Mode::CONTAINS, QString("\U0001F30Ba") + QChar(1)));
+    EXPECT_TRUE(errorOf<HbeUserError>([&] { directory.save(other); })
+                    .startsWith("The sample filter cannot be saved: no file can hold the character "
+                                "U+0001 at 4 of the text '"));
 }
 
 // A damaged filter is found by its name and not by that of another: reading says what is wrong.

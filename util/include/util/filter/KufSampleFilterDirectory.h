@@ -19,7 +19,8 @@ public:
     KufSampleFilter read(const QString& name) const;
 
     /// Saves the filter, under the identity `id` instead of its own where that is valid. A user
-    /// error when the name is empty, another filter has it, or the directory does not exist.
+    /// error when the name is empty, another filter has it, a text holds a character that no file
+    /// can hold, or the directory does not exist.
     void save(const KufSampleFilter& filter, const KuuId& id = KuuId()) const;
 
     /// Saves the filter in the place of the one that has its name, if there is one.

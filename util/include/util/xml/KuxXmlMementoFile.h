@@ -68,6 +68,10 @@ KELVANE_UTIL_EXPORT QString peekText(const QDir& directory, const KuuId& id, con
 /// error names, for it is the file that is at fault.
 KELVANE_UTIL_EXPORT QString getReason(const HbeError& error);
 
+/// Where in a text the first character stands that a file cannot hold, for those to whom U+FFFD in
+/// its place is another text; -1 for none.
+KELVANE_UTIL_EXPORT int findUnwritable(const QString& text);
+
 KELVANE_UTIL_EXPORT bool exists(const QDir& directory, const KuuId& id);
 KELVANE_UTIL_EXPORT void destroy(const QDir& directory, const KuuId& id);
 /// The ids of the relation's files, by file name; files whose name holds no uuid are left out.
