@@ -60,21 +60,13 @@ QString cellText(const HbdAVariable& column, int rank)
     return isNumber(column) ? text : ToolText::cut(ToolText::makeVisible(text), LONGEST_TEXT);
 }
 
-/// The unit that cells are shown in: integers are as they are stored.
-QString unitText(const HbdAVariable& column)
-{
-    const HbdVariableDetails& details = column.getDetails();
-    const bool isInteger = column.getType() == HbdEVarType::INTEGER;
-    return (isInteger ? details.unit : details.getShownUnit()).getSymbol();
-}
-
 ToolTable createTable(const Columns& columns)
 {
     QStringList names{QStringLiteral("#")};
     QStringList units{QString()};
     for (const HbdAVariable* column : columns) {
         names.append(ToolText::cut(ToolText::makeVisible(column->getFullName()), LONGEST_TEXT));
-        units.append(unitText(*column));
+        units.append(column->getDetails().getShownUnit().getSymbol());
     }
     ToolTable table(names);
     table.keepEmptyColumns();
