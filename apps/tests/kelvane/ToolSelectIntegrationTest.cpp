@@ -35,7 +35,8 @@ protected:
     QByteArray awk(const QString& condition)
     {
         QProcess process;
-        process.start("awk", {"-F,", "NR == 1 || (" + condition + ")", path("t.csv")});
+        process.start("env",
+                      {"LC_ALL=C", "awk", "-F,", "NR == 1 || (" + condition + ")", path("t.csv")});
         EXPECT_TRUE(process.waitForFinished(60000) && process.exitCode() == 0);
         return process.readAllStandardOutput();
     }

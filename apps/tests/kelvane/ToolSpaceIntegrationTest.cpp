@@ -243,4 +243,7 @@ TEST_F(ToolSpaceTest, gridsAreExportedWithTheirNodes)
     EXPECT_NEAR(cells[4][1].toDouble(), 46.5090, 1e-4);
     ok({"export", "p", "g", "some.csv", "--cs", "EPSG:4171", "--rule", "v in (0, 2]"});
     EXPECT_EQ(rows(read("some.csv")), (QList<QList<QByteArray>>{cells[0], cells[2], cells[3]}));
+    ok({"select", "p", "g", "--rule", "v in (0, 2]", "--mask"});
+    ok({"export", "p", "g", "masked.csv", "--cs", "EPSG:4171", "--masked"});
+    EXPECT_EQ(read("masked.csv"), read("some.csv"));
 }
