@@ -170,7 +170,7 @@ TEST(HbgGeomPointSet, buildsItsIndexForPicksOnly)
     const std::function<void()> edits[] = {
         [&] { points.append(HbgVector2D(1., 2.)); },
         [&] { points.update(3, HbgVector2D(1., 2.)); },
-        [&] { points.remove(3); },
+        [&] { EXPECT_TRUE(points.remove(3)); },
         [&] { points.setCoordinates(points.getX(), points.getY()); },
         [&] { points = HbgGeomPointSet(); },
     };

@@ -165,18 +165,13 @@ TEST_F(KuuMementoTest, AnOriginatorTakesStateAndOnRequestTheIdentity)
     target.setMemento(memento, true);
     EXPECT_TRUE(target == source);
     EXPECT_TRUE(m_warnings.isEmpty());
-}
 
-TEST_F(KuuMementoTest, ANewerMementoIsReadWithAWarning)
-{
-    KuuMemento memento = Marker().getMemento();
-    memento.setVersion(103);
-    memento.setField("size", 8);
-    Marker marker;
-    marker.setMemento(memento, false);
-    EXPECT_EQ(marker.size, 8);
-    ASSERT_EQ(m_warnings.size(), 1);
-    EXPECT_TRUE(m_warnings.at(0).contains("version 103"));
+    KuuMemento newer = memento;
+    newer.setVersion(103);
+    newer.setField("size", 8);
+    target.setMemento(newer, false);
+    EXPECT_EQ(target.size, 8);
+    EXPECT_EQ(m_warnings.filter("version 103").size(), 1);
 }
 
 TEST_F(KuuMementoTest, EveryFieldRestoresFromItsTextAsFromItsValue)
