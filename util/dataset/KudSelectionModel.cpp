@@ -79,6 +79,9 @@ void KudSelectionModel::rowsReordered()
 {
     m_isReleased = false;
     m_areColumnsGoing = false;
+    // Quietly: views paint all of a model that changed so, and the samples selected are the same.
+    // Who heard of it would hear it within signals of the model, in which nothing may be edited.
+    const QSignalBlocker blocker(this);
     mirror();
 }
 
@@ -182,7 +185,8 @@ HbiIntervalIntSmall KudSelectionModel::windowToMirror() const
     const HbiIntervalIntSmall shown = m_shownRows.value_or(HbiIntervalIntSmall(current, current));
     const int around = (WINDOW_ROWS - static_cast<int>(shown.getLength())) / 2;
     const int first = std::max(shown.getMin() - std::max(around, 0), 0);
-    return HbiIntervalIntSmall(first, std::min(first + WINDOW_ROWS, model()->rowCount()) - 1);
+    const int count = std::min(WINDOW_ROWS, model()->rowCount() - first);
+    return HbiIntervalIntSmall(first, first + count - 1);
 }
 
 bool KudSelectionModel::isSelectedRow(int row, const KudSelectorBits& bits) const
