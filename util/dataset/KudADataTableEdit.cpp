@@ -129,9 +129,13 @@ bool KudADataTable::deleteSamples(const HbiIntervalIntSmallDisjoint& ranks)
     const bool done = ranks.getIntervalCount() > MANY_INTERVALS && _deleteSampleSet(ranks);
     if (!done) {
         // From the last interval to the first: the ranks of those not yet deleted stay valid.
+        // Unless a slot of the model deletes, too: those that are left are other samples then.
         const QVector<HbiIntervalIntSmall> intervals = ranks.getIntervals();
-        for (int i = intervals.size() - 1; i >= 0; --i)
+        int count = getSampleCount();
+        for (int i = intervals.size() - 1; i >= 0 && getSampleCount() >= count; --i) {
+            count -= static_cast<int>(intervals.at(i).getLength());
             _deleteSamples(intervals.at(i));
+        }
     }
     if (m_data->mask.getNSelected() != masked)
         notifyMaskChanged();

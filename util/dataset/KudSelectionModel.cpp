@@ -65,6 +65,11 @@ void KudSelectionModel::listenTo(QAbstractItemModel& model)
     connect(&model, &Model::columnsMoved, this, done);
     connect(&model, &Model::layoutChanged, this, done);
     connect(&model, &Model::modelReset, this, done);
+    // Rows of an order have other ranks now; somebody may have selected while it did not know.
+    connect(&model, &Model::headerDataChanged, this, [this](Qt::Orientation orientation) {
+        if (orientation == Qt::Vertical)
+            mirror();
+    });
 }
 
 /// Rows or columns are about to change: the base class holds no range while they do.
