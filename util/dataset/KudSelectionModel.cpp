@@ -68,7 +68,7 @@ void KudSelectionModel::listenTo(QAbstractItemModel& model)
     // Rows of an order have other ranks now; somebody may have selected while it did not know.
     connect(&model, &Model::headerDataChanged, this, [this](Qt::Orientation orientation) {
         if (orientation == Qt::Vertical)
-            mirror();
+            mirrorQuietly();
     });
 }
 
@@ -84,10 +84,20 @@ void KudSelectionModel::rowsReordered()
 {
     m_isReleased = false;
     m_areColumnsGoing = false;
-    // Quietly: views paint all of a model that changed so, and the samples selected are the same.
-    // Who heard of it would hear it within signals of the model, in which nothing may be edited.
+    mirrorQuietly();
+}
+
+/// Within signals of the model, in which nobody may edit: views paint all of a model that changed
+/// so. That selected samples went with their rows is told when the model is through.
+void KudSelectionModel::mirrorQuietly()
+{
+    const int toldCount = m_toldCount;
     const QSignalBlocker blocker(this);
     mirror();
+    if (m_toldCount != toldCount) {
+        const auto tell = [this] { emit selectionChanged(QItemSelection(), QItemSelection()); };
+        QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+    }
 }
 
 void KudSelectionModel::select(const QItemSelection& selection, SelectionFlags command)
@@ -263,6 +273,7 @@ void KudSelectionModel::mirror()
 {
     if (m_isReleased || model() == nullptr || m_selector == nullptr)
         return;
+    m_toldCount = m_selector->getNSelected();
     const std::vector<HbiIntervalIntSmall> ranges = rangesToMirror();
     const int lastColumn = model()->columnCount() - 1;
     QItemSelection selection;
