@@ -302,13 +302,14 @@ void KudTableSortFilterModel::samplesWillGo(const HbiIntervalIntSmall& ranks)
 void KudTableSortFilterModel::hideSamples(const HbiIntervalIntSmall& ranks)
 {
     const KudSampleOrderRows& rows = m_data->rows;
-    if (rows.getRows(ranks).size() > MANY_RUNS) {
+    std::vector<Range> runs = rows.getRows(ranks);
+    if (runs.size() > MANY_RUNS) {
         std::vector<int> arranged = rows.getRanks();
         std::stable_partition(arranged.begin(), arranged.end(),
                               [&](int rank) { return !ranks.contains(rank); });
         arrange(std::move(arranged));
+        runs = rows.getRows(ranks);
     }
-    const std::vector<Range> runs = rows.getRows(ranks);
     const quint64 change = m_data->changes;
     for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
         if (m_data->changes != change)
