@@ -14,8 +14,16 @@ namespace
 {
 using OneNotice = KuoOneNotice<KudDataTableModif>;
 
-/// Deleting more intervals than this one by one costs views more than being reset.
+/// Deleting more intervals than this one by one costs views more than being reset; or more samples
+/// than this that move, all of them for each interval.
 constexpr int MANY_INTERVALS = 64;
+constexpr qint64 MANY_MOVES = qint64(1) << 26;
+
+bool isBetterDoneAtOnce(int intervalCount, int sampleCount)
+{
+    return intervalCount > MANY_INTERVALS ||
+           (intervalCount > 1 && qint64(intervalCount) * sampleCount > MANY_MOVES);
+}
 } // namespace
 
 KudDatasetVariable KudADataTable::addVariable(HbdAVariable* variable)
@@ -126,12 +134,17 @@ bool KudADataTable::deleteSamples(const HbiIntervalIntSmallDisjoint& ranks)
     const int masked = m_data->mask.getNSelected();
     const int highlighted = m_data->highlight.getNSelected();
     OneNotice notice(*this);
-    const bool done = ranks.getIntervalCount() > MANY_INTERVALS && _deleteSampleSet(ranks);
+    const bool done =
+        isBetterDoneAtOnce(ranks.getIntervalCount(), getSampleCount()) && _deleteSampleSet(ranks);
     if (!done) {
         // From the last interval to the first: the ranks of those not yet deleted stay valid.
+        // Unless a slot of the model deletes, too: those that are left are other samples then.
         const QVector<HbiIntervalIntSmall> intervals = ranks.getIntervals();
-        for (int i = intervals.size() - 1; i >= 0; --i)
+        int count = getSampleCount();
+        for (int i = intervals.size() - 1; i >= 0 && getSampleCount() >= count; --i) {
+            count -= static_cast<int>(intervals.at(i).getLength());
             _deleteSamples(intervals.at(i));
+        }
     }
     if (m_data->mask.getNSelected() != masked)
         notifyMaskChanged();

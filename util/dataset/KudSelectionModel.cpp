@@ -65,6 +65,11 @@ void KudSelectionModel::listenTo(QAbstractItemModel& model)
     connect(&model, &Model::columnsMoved, this, done);
     connect(&model, &Model::layoutChanged, this, done);
     connect(&model, &Model::modelReset, this, done);
+    // Rows of an order have other ranks now; somebody may have selected while it did not know.
+    connect(&model, &Model::headerDataChanged, this, [this](Qt::Orientation orientation) {
+        if (orientation == Qt::Vertical)
+            mirrorQuietly();
+    });
 }
 
 /// Rows or columns are about to change: the base class holds no range while they do.
@@ -79,7 +84,20 @@ void KudSelectionModel::rowsReordered()
 {
     m_isReleased = false;
     m_areColumnsGoing = false;
+    mirrorQuietly();
+}
+
+/// Within signals of the model, in which nobody may edit: views paint all of a model that changed
+/// so. That selected samples went with their rows is told when the model is through.
+void KudSelectionModel::mirrorQuietly()
+{
+    const int toldCount = m_toldCount;
+    const QSignalBlocker blocker(this);
     mirror();
+    if (m_toldCount != toldCount) {
+        const auto tell = [this] { emit selectionChanged(QItemSelection(), QItemSelection()); };
+        QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+    }
 }
 
 void KudSelectionModel::select(const QItemSelection& selection, SelectionFlags command)
@@ -182,7 +200,8 @@ HbiIntervalIntSmall KudSelectionModel::windowToMirror() const
     const HbiIntervalIntSmall shown = m_shownRows.value_or(HbiIntervalIntSmall(current, current));
     const int around = (WINDOW_ROWS - static_cast<int>(shown.getLength())) / 2;
     const int first = std::max(shown.getMin() - std::max(around, 0), 0);
-    return HbiIntervalIntSmall(first, std::min(first + WINDOW_ROWS, model()->rowCount()) - 1);
+    const int count = std::min(WINDOW_ROWS, model()->rowCount() - first);
+    return HbiIntervalIntSmall(first, first + count - 1);
 }
 
 bool KudSelectionModel::isSelectedRow(int row, const KudSelectorBits& bits) const
@@ -254,6 +273,7 @@ void KudSelectionModel::mirror()
 {
     if (m_isReleased || model() == nullptr || m_selector == nullptr)
         return;
+    m_toldCount = m_selector->getNSelected();
     const std::vector<HbiIntervalIntSmall> ranges = rangesToMirror();
     const int lastColumn = model()->columnCount() - 1;
     QItemSelection selection;

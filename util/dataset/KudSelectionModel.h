@@ -56,6 +56,7 @@ private:
     void listenTo(QAbstractItemModel& model);
     void release();
     void mirror();
+    void mirrorQuietly();
     void currentHasChanged();
     KudSelectorBits samplesOf(const QItemSelection& selection, SelectionFlags command) const;
     KudSelectorBits selectedRows() const;
@@ -72,6 +73,7 @@ private:
     quint64 m_settledRevision = 0;            // of the selector, at which it holds
     std::optional<HbiIntervalIntSmall> m_shownRows;
     HbiIntervalIntSmall m_window;   // the rows that are mirrored
+    int m_toldCount = 0;            // of selected samples, when the rows were mirrored
     bool m_isReleased = false;      // rows or columns are changing: nothing is mirrored
     bool m_areColumnsGoing = false; // which the base class deselects, but rows stay selected
 };

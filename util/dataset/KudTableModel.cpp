@@ -183,6 +183,7 @@ void KudTableModel::endRemoveVariables()
 void KudTableModel::beginResetTable()
 {
     endInsertSamples();
+    m_removedByReset.reset();
     beginResetModel();
 }
 
@@ -196,14 +197,14 @@ void KudTableModel::beginResetTable(const HbiIntervalIntSmallDisjoint& removed)
 
 void KudTableModel::endResetTable()
 {
+    const auto removed = std::exchange(m_removedByReset, std::nullopt);
     for (KudSelector* selector : {m_table.getMask(), m_table.getHighlight()}) {
-        if (m_removedByReset)
-            selector->samplesRemoved(*m_removedByReset);
+        if (removed)
+            selector->samplesRemoved(*removed);
         else
             selector->samplesReplaced();
     }
     endResetModel();
-    m_removedByReset.reset();
 }
 
 const HbiIntervalIntSmallDisjoint* KudTableModel::getRemovedByReset() const

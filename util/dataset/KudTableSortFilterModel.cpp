@@ -11,6 +11,7 @@
 #include <QtCore/QBitArray>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <utility>
 
@@ -30,12 +31,14 @@ struct KudTableSortFilterModel::Data {
     bool isFiltered = false;
     KudDatasetVariable sortedBy; // not valid: by rank
     Qt::SortOrder order = Qt::AscendingOrder;
+    std::function<void()> pending; // what ends a change of the table that was announced to views
+    quint64 changes = 0;           // begun: tells that one came in between, from a slot of a view
     std::map<const KudSelector*, std::unique_ptr<KudSelectionModel>> selectionModels;
 };
 
 KudTableSortFilterModel::KudTableSortFilterModel(const KudADataTable& table, QObject* parent)
     : QAbstractProxyModel(parent)
-    , m_data(new Data{table, KudSampleOrderRows(table.getSampleCount()), false, {}, {}, {}})
+    , m_data(new Data{table, KudSampleOrderRows(table.getSampleCount()), false, {}, {}, {}, 0, {}})
 {
     table.getModel()->endInsertSamples(); // we may be made while cells are being inserted
     QAbstractProxyModel::setSourceModel(table.getModel());
@@ -62,19 +65,21 @@ void KudTableSortFilterModel::listenToRows()
     KudSampleOrderRows& rows = m_data->rows;
     connect(model, &QAbstractItemModel::rowsAboutToBeInserted, this,
             [this, &rows](const QModelIndex&, int first, int last) {
+                endChange();
                 const Range inserted = rows.getNewRows(Range(first, last));
                 beginInsertRows(QModelIndex(), inserted.getMin(), inserted.getMax());
+                m_data->pending = [this, &rows, first, last] {
+                    rows.insertSamples(Range(first, last));
+                    endInsertRows();
+                };
             });
-    connect(model, &QAbstractItemModel::rowsInserted, this,
-            [this, &rows](const QModelIndex&, int first, int last) {
-                rows.insertSamples(Range(first, last));
-                endInsertRows();
-            });
+    connect(model, &QAbstractItemModel::rowsInserted, this, &KudTableSortFilterModel::endChange);
     connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, this,
-            [this](const QModelIndex&, int first, int last) { samplesWillGo(Range(first, last)); });
-    connect(
-        model, &QAbstractItemModel::rowsRemoved, this,
-        [this](const QModelIndex&, int first, int last) { samplesHaveGone(Range(first, last)); });
+            [this](const QModelIndex&, int first, int last) {
+                endChange();
+                samplesWillGo(Range(first, last));
+            });
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &KudTableSortFilterModel::endChange);
     connect(model, &QAbstractItemModel::dataChanged, this, &KudTableSortFilterModel::cellsChanged);
 }
 
@@ -83,14 +88,18 @@ void KudTableSortFilterModel::listenToColumns()
     const KudTableModel* model = &tableModel();
     connect(model, &QAbstractItemModel::columnsAboutToBeInserted, this,
             [this](const QModelIndex&, int first, int last) {
+                endChange();
                 beginInsertColumns(QModelIndex(), first, last);
+                m_data->pending = [this] { endInsertColumns(); };
             });
-    connect(model, &QAbstractItemModel::columnsInserted, this, [this] { endInsertColumns(); });
+    connect(model, &QAbstractItemModel::columnsInserted, this, &KudTableSortFilterModel::endChange);
     connect(model, &QAbstractItemModel::columnsAboutToBeRemoved, this,
             [this](const QModelIndex&, int first, int last) {
+                endChange();
                 beginRemoveColumns(QModelIndex(), first, last);
+                m_data->pending = [this] { endRemoveColumns(); };
             });
-    connect(model, &QAbstractItemModel::columnsRemoved, this, [this] { endRemoveColumns(); });
+    connect(model, &QAbstractItemModel::columnsRemoved, this, &KudTableSortFilterModel::endChange);
     connect(model, &QAbstractItemModel::headerDataChanged, this,
             &QAbstractItemModel::headerDataChanged);
 }
@@ -98,11 +107,38 @@ void KudTableSortFilterModel::listenToColumns()
 void KudTableSortFilterModel::listenToReset()
 {
     const KudTableModel* model = &tableModel();
-    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this] { beginResetModel(); });
-    connect(model, &QAbstractItemModel::modelReset, this, [this] {
-        tableWasReset();
-        endResetModel();
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this, model] {
+        endChange();
+        const HbiIntervalIntSmallDisjoint* removed = model->getRemovedByReset();
+        beginResetModel();
+        m_data->pending = [this, isKept = removed != nullptr,
+                           gone = removed != nullptr ? *removed : HbiIntervalIntSmallDisjoint()] {
+            if (isKept)
+                samplesWereReplaced(gone);
+            else
+                tableWasReset();
+            endResetModel();
+        };
     });
+    connect(model, &QAbstractItemModel::modelReset, this, &KudTableSortFilterModel::endChange);
+}
+
+/// Ends what the table has announced, before the next change begins: should somebody ahead of us
+/// change the table again when he hears of the first change, we hear of the second one first.
+void KudTableSortFilterModel::endChange()
+{
+    ++m_data->changes;
+    if (const auto end = std::exchange(m_data->pending, nullptr))
+        end();
+}
+
+/// Before the rows change by themselves.
+void KudTableSortFilterModel::catchUp()
+{
+    tableModel().endInsertSamples();
+    if (m_data->table.getSampleCount() != m_data->rows.getSampleCount())
+        endChange();
+    ++m_data->changes;
 }
 
 int KudTableSortFilterModel::getRank(int row) const
@@ -146,13 +182,15 @@ void KudTableSortFilterModel::removeFilter()
 
 void KudTableSortFilterModel::sort(int column, Qt::SortOrder order)
 {
-    tableModel().endInsertSamples();
+    catchUp();
+    const quint64 change = m_data->changes;
     m_data->sortedBy = m_data->table.getVariableAt(column);
     m_data->order = order;
     if (m_data->rows.areRanks() && !m_data->sortedBy.isValid())
         return;
     arrange(sorted(m_data->rows.getRanks()));
-    forgetRankOrder();
+    if (m_data->changes == change)
+        forgetRankOrder();
 }
 
 /// All samples by their rank need no ranks.
@@ -160,8 +198,10 @@ void KudTableSortFilterModel::forgetRankOrder()
 {
     if (m_data->isFiltered || m_data->sortedBy.isValid())
         return;
+    const quint64 change = m_data->changes;
     arrange(sorted(m_data->rows.getRanks()));
-    m_data->rows = KudSampleOrderRows(m_data->rows.getSampleCount());
+    if (m_data->changes == change)
+        m_data->rows = KudSampleOrderRows(m_data->rows.getSampleCount());
 }
 
 std::vector<int> KudTableSortFilterModel::sorted(std::vector<int> ranks) const
@@ -200,10 +240,11 @@ void KudTableSortFilterModel::arrange(std::vector<int> ranks)
 }
 
 /// Whatever goes or comes does so at the end, as one range of rows, however scattered it was or
-/// will be.
+/// will be. Should who hears of that change the rows again, his change holds.
 void KudTableSortFilterModel::show(const QBitArray& kept)
 {
-    tableModel().endInsertSamples();
+    catchUp();
+    const quint64 change = m_data->changes;
     KudSampleOrderRows& rows = m_data->rows;
     QBitArray isComing = kept;
     isComing.resize(rows.getSampleCount());
@@ -219,15 +260,17 @@ void KudTableSortFilterModel::show(const QBitArray& kept)
     if (!going.empty()) {
         arranged.insert(arranged.end(), going.begin(), going.end());
         arrange(std::move(arranged));
-        hideRows(Range(staying, rowCount - 1));
+        if (m_data->changes == change)
+            hideRows(Range(staying, rowCount - 1));
     }
     const int coming = isComing.count(true);
-    if (coming == 0)
+    if (coming == 0 || m_data->changes != change)
         return;
     beginInsertRows(QModelIndex(), staying, staying + coming - 1);
     rows.showLast(isComing);
     endInsertRows();
-    arrange(sorted(rows.getRanks()));
+    if (m_data->changes == change)
+        arrange(sorted(rows.getRanks()));
 }
 
 void KudTableSortFilterModel::hideRows(const HbiIntervalIntSmall& rows)
@@ -239,32 +282,40 @@ void KudTableSortFilterModel::hideRows(const HbiIntervalIntSmall& rows)
 
 void KudTableSortFilterModel::samplesWillGo(const HbiIntervalIntSmall& ranks)
 {
-    const KudSampleOrderRows& rows = m_data->rows;
+    KudSampleOrderRows& rows = m_data->rows;
     if (rows.areRanks()) {
         beginRemoveRows(QModelIndex(), ranks.getMin(), ranks.getMax());
+        m_data->pending = [this, &rows, ranks] {
+            rows.removeSamples(ranks);
+            endRemoveRows();
+        };
         return;
     }
+    hideSamples(ranks);
+    m_data->pending = [this, &rows, ranks] {
+        rows.removeSamples(ranks);
+        if (rowCount() > 0)
+            emit headerDataChanged(Qt::Vertical, 0, rowCount() - 1); // others have new ranks
+    };
+}
+
+void KudTableSortFilterModel::hideSamples(const HbiIntervalIntSmall& ranks)
+{
+    const KudSampleOrderRows& rows = m_data->rows;
     std::vector<Range> runs = rows.getRows(ranks);
     if (runs.size() > MANY_RUNS) {
         std::vector<int> arranged = rows.getRanks();
-        const auto going = std::stable_partition(arranged.begin(), arranged.end(),
-                                                 [&](int rank) { return !ranks.contains(rank); });
-        const int staying = static_cast<int>(going - arranged.begin());
+        std::stable_partition(arranged.begin(), arranged.end(),
+                              [&](int rank) { return !ranks.contains(rank); });
         arrange(std::move(arranged));
-        runs = {Range(staying, rows.getCount() - 1)};
+        runs = rows.getRows(ranks);
     }
-    for (auto run = runs.rbegin(); run != runs.rend(); ++run)
+    const quint64 change = m_data->changes;
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+        if (m_data->changes != change)
+            return hideSamples(ranks); // somebody sorted
         hideRows(*run);
-}
-
-void KudTableSortFilterModel::samplesHaveGone(const HbiIntervalIntSmall& ranks)
-{
-    const bool areRanks = m_data->rows.areRanks();
-    m_data->rows.removeSamples(ranks);
-    if (areRanks)
-        endRemoveRows();
-    else if (rowCount() > 0)
-        emit headerDataChanged(Qt::Vertical, 0, rowCount() - 1); // others have new ranks
+    }
 }
 
 void KudTableSortFilterModel::cellsChanged(const QModelIndex& first, const QModelIndex& last,
@@ -277,19 +328,21 @@ void KudTableSortFilterModel::cellsChanged(const QModelIndex& first, const QMode
     }
 }
 
+/// By a reset through which samples stay.
+void KudTableSortFilterModel::samplesWereReplaced(const HbiIntervalIntSmallDisjoint& removed)
+{
+    KudSampleOrderRows& rows = m_data->rows;
+    rows.removeSamples(removed);
+    const Range added(rows.getSampleCount(), m_data->table.getSampleCount() - 1);
+    if (!added.isEmpty())
+        rows.insertSamples(added);
+}
+
 void KudTableSortFilterModel::tableWasReset()
 {
     KudSampleOrderRows& rows = m_data->rows;
-    const int count = m_data->table.getSampleCount();
-    if (const HbiIntervalIntSmallDisjoint* removed = tableModel().getRemovedByReset()) {
-        rows.removeSamples(*removed);
-        const Range added(rows.getSampleCount(), count - 1);
-        if (!added.isEmpty())
-            rows.insertSamples(added);
-        return;
-    }
     m_data->isFiltered = false;
-    rows = KudSampleOrderRows(count);
+    rows = KudSampleOrderRows(m_data->table.getSampleCount());
     if (m_data->table.readValues(m_data->sortedBy) == nullptr) {
         m_data->sortedBy = KudDatasetVariable();
         return;

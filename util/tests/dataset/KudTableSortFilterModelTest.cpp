@@ -229,6 +229,44 @@ TEST_F(KudSortedTable, ShowsWhatQtsOwnModelShowsThroughRandomEdits)
     }
 }
 
+/// Slots that hear of a change, before or after the model does, may make the next one.
+TEST_F(KudSortedTable, StandsEditsFromSlots)
+{
+    int depth = 0;
+    const auto editAgain = [&] {
+        if (++depth < 3 && below(3) == 0)
+            edit(1);
+        --depth;
+    };
+    QObject::connect(table.getModel(), &QAbstractItemModel::rowsRemoved, editAgain);
+    QObject::connect(table.getModel(), &QAbstractItemModel::rowsInserted, editAgain);
+    KudTableSortFilterModel later(table);
+    const QItemSelectionModel* shown = later.getSelectionModel(*table.getMask());
+    QObject::connect(&later, &QAbstractItemModel::layoutChanged, editAgain);
+    QObject::connect(shown, &QItemSelectionModel::selectionChanged, editAgain);
+    for (int step = 0; step < 300; ++step) {
+        edit(step);
+        const int count = table.getSampleCount();
+        QBitArray bits(count);
+        for (int rank = 0; rank < count; ++rank)
+            bits.setBit(rank, below(2) == 0);
+        step % 3 == 0 ? later.removeFilter() : later.setFilter(bits);
+        later.sort(below(table.getVariableCount() + 1) - 1);
+        table.getMask()->setBitArray(bits);
+        const QBitArray masked = table.getMask()->getBitArray();
+        std::set<int> ranks;
+        for (int row = 0; row < later.rowCount(); ++row) {
+            const int rank = later.getRank(row);
+            ranks.insert(rank);
+            ASSERT_EQ(later.getRow(rank), row) << "step " << step;
+            const bool isMasked = shown->isSelected(later.index(row, 0));
+            ASSERT_TRUE(row >= 500 || isMasked == masked.testBit(rank)) << "step " << step;
+        }
+        ASSERT_EQ(int(ranks.size()), later.rowCount());
+        ASSERT_TRUE(later.isFiltered() || later.rowCount() == table.getSampleCount());
+    }
+}
+
 /// Selections of rows are mapped as Qt maps them cell by cell.
 TEST_F(KudSortedTable, MapsRangesAsQtMapsTheirCells)
 {

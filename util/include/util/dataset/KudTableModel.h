@@ -61,8 +61,8 @@ public:
     void variableChanged(int column);
     void maskChanged();
 
-    /// For who keeps ranks, while the model is being reset: the samples that go. Null when it is
-    /// not known which samples there will be.
+    /// For who keeps ranks, while the model is about to be reset: the samples that will go. Null
+    /// when it is not known which samples there will be.
     const HbiIntervalIntSmallDisjoint* getRemovedByReset() const;
 
 private:

@@ -8,6 +8,7 @@
 #include <vector>
 
 class HbiIntervalIntSmall;
+class HbiIntervalIntSmallDisjoint;
 class KudADataTable;
 class KudSelector;
 class KudTableModel;
@@ -69,15 +70,18 @@ private:
     void listenToRows();
     void listenToColumns();
     void listenToReset();
+    void endChange();
+    void catchUp();
 
     std::vector<int> sorted(std::vector<int> ranks) const;
     void arrange(std::vector<int> ranks);
     void show(const QBitArray& kept);
     void forgetRankOrder();
     void samplesWillGo(const HbiIntervalIntSmall& ranks);
-    void samplesHaveGone(const HbiIntervalIntSmall& ranks);
+    void hideSamples(const HbiIntervalIntSmall& ranks);
     void hideRows(const HbiIntervalIntSmall& rows);
     void cellsChanged(const QModelIndex& first, const QModelIndex& last, const QVector<int>& roles);
+    void samplesWereReplaced(const HbiIntervalIntSmallDisjoint& removed);
     void tableWasReset();
 
     struct Data;
