@@ -44,8 +44,8 @@ void checkUsage(const QCommandLineParser& line)
     ToolCommandLine::checkExclusive(line, {SAVE, MASK, UNMASK},
                                     Tool::tr("one run does one of them. A filter that is saved "
                                              "makes a mask with --filter NAME --mask."));
-    ToolCommandLine::checkExclusive(line, {COUNT, PYTHON, DESCRIBE, JSON},
-                                    Tool::tr("each prints an answer of its own; --json has all."));
+    for (const QString& option : {COUNT, PYTHON, DESCRIBE})
+        ToolCommandLine::checkExclusive(line, {JSON, option}, Tool::tr("--json has all."));
     for (const QString& option :
          {QStringLiteral("rule"), QStringLiteral("filter"), COUNT, PYTHON, DESCRIBE, JSON})
         ToolCommandLine::checkExclusive(line, {UNMASK, option}, Tool::tr("--unmask stands alone."));
@@ -196,6 +196,21 @@ QByteArray toJson(const QString& project, const Selection& selection, const KudA
     return json.toByteArray();
 }
 
+/// What the options ask for, a line each; the table without them.
+QString answer(const QCommandLineParser& line, const Selection& selection,
+               const KudADataset& dataset)
+{
+    QStringList lines;
+    if (line.isSet(COUNT))
+        lines.append(QString::number(selection.kept.count(true)));
+    if (line.isSet(PYTHON))
+        lines.append(getPython(selection.filter, dataset));
+    if (line.isSet(DESCRIBE))
+        lines.append(ToolText::makeVisible(describe(selection)));
+    return lines.isEmpty() ? toText(selection, dataset)
+                           : lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
+}
+
 int run(const QCommandLineParser& line)
 {
     checkUsage(line);
@@ -216,14 +231,8 @@ int run(const QCommandLineParser& line)
     }
     if (line.isSet(JSON))
         ToolOutput::print(toJson(path, selection, *dataset));
-    else if (line.isSet(COUNT))
-        ToolOutput::print(QStringLiteral("%1\n").arg(selection.kept.count(true)));
-    else if (line.isSet(PYTHON))
-        ToolOutput::print(getPython(selection.filter, *dataset) + QLatin1Char('\n'));
-    else if (line.isSet(DESCRIBE))
-        ToolOutput::print(ToolText::makeVisible(describe(selection)) + QLatin1Char('\n'));
     else
-        ToolOutput::print(toText(selection, *dataset));
+        ToolOutput::print(answer(line, selection, *dataset));
     return ExitDone;
 }
 } // namespace
@@ -252,9 +261,10 @@ ToolCommand createSelectCommand()
         {REPLACE, QString(), Tool::tr("Lets --save replace the filter of that name.")},
         {MASK, QString(), Tool::tr("Masks the samples that do not pass, and no others.")},
         {UNMASK, QString(), Tool::tr("No sample is masked any more.")},
-        {COUNT, QString(), Tool::tr("Prints only how many samples pass.")},
+        {COUNT, QString(), Tool::tr("Prints how many samples pass, and no table.")},
         {PYTHON, QString(), Tool::tr("Prints the rules as an expression of Python with NumPy.")},
-        {DESCRIBE, QString(), Tool::tr("Prints the rules in words.")},
+        {DESCRIBE, QString(),
+         Tool::tr("Prints the rules in words. These three together: a line each.")},
         {JSON, QString(), Tool::tr("One JSON document.")},
     };
     command.minArguments = 2;
