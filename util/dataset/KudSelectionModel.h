@@ -17,9 +17,10 @@ class KudTableSortFilterModel;
 ///
 /// Qt visits ranges one by one when it paints, and the rows of a range when it asks whether a
 /// column is selected as a whole. So a selection of many ranges or rows is mirrored for the rows
-/// that are shown only (see setShownRows), and for one row at least, so that `hasSelection` and
-/// `clearSelection` hold; ask the selector which samples are selected. A Clear command clears all
-/// samples, those that a filter hides too.
+/// that are shown only (see setShownRows), and for one row at least where any row shows a selected
+/// sample, so that `hasSelection` and `clearSelection` speak of the rows there are; ask the
+/// selector which samples are selected. A Clear command clears all samples, those that a filter
+/// hides too.
 ///
 /// Any number of them may stand before one selector. The selector and the model outlive it.
 class KudSelectionModel : public QItemSelectionModel
