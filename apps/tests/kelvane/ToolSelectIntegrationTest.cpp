@@ -1,20 +1,11 @@
 // Selections as a user makes them, against awk on the table that came in.
 #include "ToolRunner.h"
 
-#include <QtCore/QJsonArray>
-
 namespace
 {
 class ToolSelectTest : public ToolTest
 {
 protected:
-    ToolRun ok(const QStringList& words)
-    {
-        const ToolRun result = run(words);
-        EXPECT_EQ(result.exitCode, 0) << words.join(' ').toStdString() << result.err.toStdString();
-        return result;
-    }
-
     /// Numbers, texts and categories, a tenth of them undefined.
     void importSamples(int count)
     {

@@ -7,37 +7,17 @@
 
 #include <basic/geometry/HbgGeomGrid.h>
 
-#include <QtCore/QJsonArray>
-
-#include <cmath>
-
 namespace
 {
 class ToolSpaceTest : public ToolTest
 {
 protected:
-    /// Runs what must succeed.
-    ToolRun ok(const QStringList& arguments)
-    {
-        ToolRun result = run(arguments);
-        EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
-        return result;
-    }
-
     QList<QList<QByteArray>> rows(const QByteArray& csv) const
     {
         QList<QList<QByteArray>> result;
         for (const QByteArray& line : csv.trimmed().split('\n'))
             result.append(line.split(','));
         return result;
-    }
-
-    QJsonObject dataset(const QString& project, const QStringList& options = {})
-    {
-        return ok(QStringList{"info", project, "--json"} + options)
-            .json()["datasets"]
-            .toArray()[0]
-            .toObject();
     }
 };
 } // namespace
