@@ -1,4 +1,5 @@
 #include "KudDataTableFixture.h"
+#include "PythonRun.h"
 
 #include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableBlock.h>
@@ -14,9 +15,7 @@
 #include <QtCore/QItemSelectionModel>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QMimeData>
-#include <QtCore/QProcess>
 #include <QtCore/QSortFilterProxyModel>
-#include <QtCore/QStandardPaths>
 #include <QtCore/QStringListModel>
 #include <QtGui/QClipboard>
 #include <QtGui/QColor>
@@ -122,14 +121,10 @@ if form == 'html': Reader().feed(text)
 else: rows = list(csv.reader(io.StringIO(text, newline=''), 'excel-tab', strict=True))
 print(json.dumps(rows))
 )";
-    QProcess python;
-    python.start("python3", {"-c", SCRIPT, form});
-    python.write((QString("html") == form ? data.html() : data.text()).toUtf8());
-    python.closeWriteChannel();
-    python.waitForFinished();
+    const QString text = QString("html") == form ? data.html() : data.text();
+    const QByteArray json = runPython(SCRIPT, {form}, text.toUtf8());
     Rows rows;
-    for (const QVariant& row :
-         QJsonDocument::fromJson(python.readAllStandardOutput()).toVariant().toList())
+    for (const QVariant& row : QJsonDocument::fromJson(json).toVariant().toList())
         rows.append(row.toList().toVector());
     return rows;
 }
@@ -176,8 +171,7 @@ TEST(KudTableClipboard, KeepsEveryValueExactly)
 /// What another program reads is what we read from the text, and rows of cells as they are shown.
 TEST(KudTableClipboard, IsReadByOtherPrograms)
 {
-    if (QStandardPaths::findExecutable("python3").isEmpty())
-        GTEST_SKIP() << "python3 is not installed";
+    REQUIRE_PYTHON();
     const auto table = tableOfAll(200, 3, false);
     const auto data = copyAll(*table->getModel());
     const KudTableBlock block = KudTableBlock::fromText(data->text());
