@@ -2,13 +2,9 @@
 #include <util/utils/KuuMementoFields.h>
 
 #include "CapturedLog.h"
-#include "QtPrinters.h"
-
-#include <basic/base/HbbDebug.h>
 
 #include <QtGui/QColor>
 
-#include <cmath>
 #include <limits>
 
 #define KUU_TEST_SHAPE(ROW, Class)                                                                 \

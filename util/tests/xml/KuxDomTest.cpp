@@ -2,7 +2,6 @@
 
 #include "ErrorText.h"
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
 #include <basic/error/HbeError.h>
 
