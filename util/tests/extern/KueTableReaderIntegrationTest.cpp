@@ -1,7 +1,5 @@
 // Tables that others wrote, and tables that leave and come back.
-#include <util/dataset/KudMemoryDatasetPoint.h>
 #include <util/extern/KueCsvWriter.h>
-#include <util/extern/KueTableImport.h>
 #include <util/extern/KueTableReader.h>
 
 #include "FileBytes.h"
@@ -187,21 +185,6 @@ TEST_F(RealDataTest, EveryOddTableIsReadOrRefused)
             EXPECT_TRUE(error.getMessage().contains(each.error)) << error.what();
         }
     }
-}
-
-TEST_F(RealDataTest, AnImportIsADatasetOfPointsWhereTheFileSays)
-{
-    KueTableImport import;
-    import.setCoordSystem(KuuCoordSystem::createFromEpsg(QStringLiteral("28992")));
-    const std::unique_ptr<KudMemoryDatasetPoint> samples =
-        import.read(getDataPath("points/meuse.csv"));
-    EXPECT_EQ(samples->getName(), "meuse");
-    EXPECT_EQ(samples->getObjectCount(), 155);
-    EXPECT_FALSE(samples->is3D());
-    EXPECT_EQ(samples->getBoundingBox().getXMin(), 178605);
-    EXPECT_EQ(samples->getBoundingBox().getYMax(), 333611);
-    EXPECT_EQ(samples->getCoordSystem().getEpsgCode(), "28992");
-    EXPECT_TRUE(import.getResult().coordinatesGuessed);
 }
 
 QByteArray writeTable(const HbdDataTable& table, const KueCsv& codec)
