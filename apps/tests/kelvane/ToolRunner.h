@@ -55,6 +55,17 @@ protected:
         return result;
     }
 
+    /// Runs what must fail so, with these words and nothing on stdout; answers all of its words.
+    QByteArray fault(const QStringList& arguments, int exitCode, const QByteArray& words)
+    {
+        const ToolRun result = run(arguments);
+        const std::string line = arguments.join(' ').toStdString() + '\n';
+        EXPECT_EQ(result.exitCode, exitCode) << line << result.err.toStdString();
+        EXPECT_TRUE(result.err.contains(words)) << line << result.err.toStdString();
+        EXPECT_EQ(result.out, "") << line;
+        return result.err;
+    }
+
     /// The first dataset that `info --json` shows.
     QJsonObject dataset(const QString& project, const QStringList& options = {})
     {

@@ -156,9 +156,7 @@ TEST_F(ToolSpaceTest, setSaysWhatNumbersAreAndChangesNone)
                                   {"--unit", "depth=RATIO:m"},
                                   {"--unit", "x=ppm"},
                                   {"--unit", "depth=m", "--display", "depth=ppm"}}) {
-        const ToolRun result = run(QStringList{"set", "p", "t"} + wrong);
-        EXPECT_EQ(result.exitCode, 1) << wrong.join(' ').toStdString();
-        EXPECT_NE(result.err, "");
+        EXPECT_NE(fault(QStringList{"set", "p", "t"} + wrong, 1, ""), "");
         EXPECT_EQ(read("p/" + files.first()), saved);
     }
 

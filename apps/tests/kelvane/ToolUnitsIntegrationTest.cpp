@@ -62,12 +62,8 @@ TEST_F(ToolUnitsTest, saysWhatIsWrong)
         {{"units", "remove", "ft"}, 1, "built in"},
         {{"units", "remove", "none"}, 1, "no unit of your own"},
     };
-    for (const auto& row : rows) {
-        const ToolRun result = run(row.arguments);
-        EXPECT_EQ(result.exitCode, row.exitCode) << row.arguments.join(' ').toStdString();
-        EXPECT_TRUE(result.err.contains(row.error)) << result.err.toStdString();
-        EXPECT_EQ(result.out, "");
-    }
+    for (const auto& row : rows)
+        fault(row.arguments, row.exitCode, row.error);
     EXPECT_FALSE(QFile::exists(m_userFolder.filePath("unit_user.xml")));
 }
 
