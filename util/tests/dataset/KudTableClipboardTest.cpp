@@ -320,27 +320,25 @@ TEST(KudTableBlock, RefusesItsOwnFormWhenItIsDamaged)
     const QByteArray text = "\\[v\\,TEXT\\,\\,\\,\\,\\]";
     EXPECT_TRUE(KudTableBlock::fromOwnForm(real + "1\n\n").has_value());
     EXPECT_TRUE(KudTableBlock::fromOwnForm(text + "\\u0000\n").has_value());
-    for (const QByteArray& bytes : {QByteArray(),
-                                    QByteArray("1\n"),
-                                    real + "1",
-                                    text + "a\t" + text + "b\nc\td\te\nf\n",
-                                    real + "1\n2\t3\n",
-                                    real + "x\n",
-                                    real + "1 \n",
-                                    real + "nan\n",
-                                    real + "1e400\n",
-                                    real.chopped(2) + "1\n",
-                                    QByteArray(real).replace("REAL", "FAKE") + "1\n",
-                                    QByteArray(real).replace("REAL\\,", "REAL\\,LENGTH") + "1\n",
-                                    text + "\\x\n",
-                                    text + "\\\n",
-                                    text + "\xFF\n",
-                                    text + "\\u00\n",
-                                    text + "\\ud8zz\n",
-                                    QByteArray("\\[v\\,SELECTION\\,\\,\\,\\,\\]2\n"),
-                                    QByteArray("\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\,a\\,1\\,b\\]1\n"),
-                                    QByteArray("\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\]1\n")})
-        EXPECT_FALSE(KudTableBlock::fromOwnForm(bytes).has_value()) << bytes.constData();
+    const struct {
+        QByteArray header;
+        QByteArrayList cells;
+    } damaged[] = {
+        {"", {"", "1\n"}},
+        {real, {"1", "1\n2\t3\n", "x\n", "1 \n", "nan\n", "1e400\n"}},
+        {text, {"\\x\n", "\\\n", "\xFF\n", "\\u00\n", "\\ud8zz\n"}},
+        {text, {"a\t" + text + "b\nc\td\te\nf\n"}},
+        {real.chopped(2), {"1\n"}},
+        {"\\[v\\,FAKE\\,\\,\\,\\,\\]", {"1\n"}},
+        {"\\[v\\,REAL\\,LENGTH\\,\\,\\,\\]", {"1\n"}},
+        {"\\[v\\,SELECTION\\,\\,\\,\\,\\]", {"2\n"}},
+        {"\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\,a\\,1\\,b\\]", {"1\n"}},
+        {"\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\]", {"1\n"}},
+    };
+    for (const auto& [header, allCells] : damaged) {
+        for (const QByteArray& cells : allCells)
+            EXPECT_FALSE(KudTableBlock::fromOwnForm(header + cells)) << (header + cells).data();
+    }
 
     QMimeData both;
     both.setText("from the text");
