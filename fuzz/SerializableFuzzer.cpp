@@ -74,7 +74,6 @@ protected:
         }
     }
 };
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

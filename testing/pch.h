@@ -15,3 +15,5 @@
 #include <memory>
 #include <random>
 #include <vector>
+
+#include "QtPrinters.h"

@@ -102,12 +102,8 @@ TEST_F(ToolConvertTest, faultsAreNamedBehindWhatWasRight)
          2,
          "did you mean 'km'?"},
     };
-    for (const auto& row : usages) {
-        const ToolRun result = run(row.arguments);
-        EXPECT_EQ(result.exitCode, row.exitCode) << row.arguments.join(' ').toStdString();
-        EXPECT_EQ(result.out, "");
-        EXPECT_TRUE(result.err.contains(row.error)) << result.err.toStdString();
-    }
+    for (const auto& row : usages)
+        fault(row.arguments, row.exitCode, row.error);
 }
 
 // A line is answered before the next one is written.

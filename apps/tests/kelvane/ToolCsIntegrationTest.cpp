@@ -1,6 +1,5 @@
 #include "ToolRunner.h"
 
-#include <QtCore/QJsonArray>
 #include <QtCore/QStandardPaths>
 
 namespace
@@ -19,16 +18,13 @@ protected:
 
 TEST_F(ToolCsTest, searchAnswersTheBestFirst)
 {
-    const ToolRun named = run({"cs", "search", "lambert", "93", "--json", "--limit", "3"});
-    ASSERT_EQ(named.exitCode, 0) << named.err.toStdString();
+    const ToolRun named = ok({"cs", "search", "lambert", "93", "--json", "--limit", "3"});
     EXPECT_EQ(systemsOf(named).size(), 3);
     EXPECT_EQ(systemsOf(named).value(0), "EPSG:2154");
     EXPECT_GT(named.json().value("count").toInt(), 3);
 
     // A place south of the equator and west of Greenwich: Brasilia.
-    const ToolRun placed =
-        run({"cs", "search", "sirgas", "utm", "--area", "-47.9,-15.8", "--json"});
-    ASSERT_EQ(placed.exitCode, 0) << placed.err.toStdString();
+    const ToolRun placed = ok({"cs", "search", "sirgas", "utm", "--area", "-47.9,-15.8", "--json"});
     EXPECT_EQ(systemsOf(placed).value(0), "EPSG:31983");
     EXPECT_FALSE(systemsOf(placed).contains("EPSG:31982")); // the next zone
 
@@ -99,8 +95,8 @@ TEST_F(ToolCsTest, pagesForPeopleNameWhatMatters)
 
 TEST_F(ToolCsTest, favoritesArePutDownForTheNextRun)
 {
-    EXPECT_EQ(run({"cs", "favorites", "add", "EPSG:2056"}).exitCode, 0);
-    EXPECT_EQ(run({"cs", "favorites", "remove", "WGS 84"}).exitCode, 0);
+    ok({"cs", "favorites", "add", "EPSG:2056"});
+    ok({"cs", "favorites", "remove", "WGS 84"});
     const QStringList favorites = systemsOf(run({"cs", "favorites", "--json"}));
     EXPECT_EQ(favorites.last(), "EPSG:2056");
     EXPECT_FALSE(favorites.contains("IGNF:WGS84G"));
@@ -110,7 +106,7 @@ TEST_F(ToolCsTest, favoritesArePutDownForTheNextRun)
 
     // A system that no catalog has becomes one of the user's own.
     EXPECT_FALSE(systemsOf(run({"cs", "list", "--json"})).contains("EPSG:2462"));
-    EXPECT_EQ(run({"cs", "favorites", "add", "EPSG:2462"}).exitCode, 0);
+    ok({"cs", "favorites", "add", "EPSG:2462"});
     EXPECT_TRUE(systemsOf(run({"cs", "list", "--json"})).contains("EPSG:2462"));
 }
 

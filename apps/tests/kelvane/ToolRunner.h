@@ -1,13 +1,11 @@
 #pragma once
 
+#include "FileBytes.h"
+
+#include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
-
-#include "QtPrinters.h"
-
-#include <gtest/gtest.h>
 
 /// What a run of the tool left behind.
 struct ToolRun {
@@ -48,6 +46,33 @@ protected:
         process.start(qEnvironmentVariable("KELVANE_TOOL"), arguments);
     }
 
+    /// Runs what must succeed.
+    ToolRun ok(const QStringList& arguments, const QString& locale = QString())
+    {
+        const ToolRun result = run(arguments, locale);
+        EXPECT_EQ(result.exitCode, 0) << arguments.join(' ').toStdString() << '\n'
+                                      << result.err.toStdString();
+        return result;
+    }
+
+    /// Runs what must fail so, with these words and nothing on stdout; answers all of its words.
+    QByteArray fault(const QStringList& arguments, int exitCode, const QByteArray& words)
+    {
+        const ToolRun result = run(arguments);
+        const std::string line = arguments.join(' ').toStdString() + '\n';
+        EXPECT_EQ(result.exitCode, exitCode) << line << result.err.toStdString();
+        EXPECT_TRUE(result.err.contains(words)) << line << result.err.toStdString();
+        EXPECT_EQ(result.out, "") << line;
+        return result.err;
+    }
+
+    /// The first dataset that `info --json` shows.
+    QJsonObject dataset(const QString& project, const QStringList& options = {})
+    {
+        const QJsonObject info = ok(QStringList{"info", project, "--json"} + options).json();
+        return info["datasets"].toArray()[0].toObject();
+    }
+
     /// A real file of the test data; the test is skipped by requireData where there is none.
     QString data(const QString& name) const
     {
@@ -58,16 +83,10 @@ protected:
 
     void write(const QString& name, const QByteArray& bytes) const
     {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        writeBytes(path(name), bytes);
     }
 
-    QByteArray read(const QString& name) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-    }
+    QByteArray read(const QString& name) const { return readBytes(path(name)); }
 
     /// Everything in the folder, hidden files included.
     QStringList entries(const QString& folder = QString()) const

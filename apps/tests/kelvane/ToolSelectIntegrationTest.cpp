@@ -1,20 +1,11 @@
 // Selections as a user makes them, against awk on the table that came in.
 #include "ToolRunner.h"
 
-#include <QtCore/QJsonArray>
-
 namespace
 {
 class ToolSelectTest : public ToolTest
 {
 protected:
-    ToolRun ok(const QStringList& words)
-    {
-        const ToolRun result = run(words);
-        EXPECT_EQ(result.exitCode, 0) << words.join(' ').toStdString() << result.err.toStdString();
-        return result;
-    }
-
     /// Numbers, texts and categories, a tenth of them undefined.
     void importSamples(int count)
     {
@@ -145,12 +136,8 @@ TEST_F(ToolSelectTest, damagedFiltersAreRefusedWithTheirFault)
         write(file, bytes);
         for (const QStringList& words :
              {QStringList{"select", "p", "t", "--count"}, QStringList{"export", "p", "t", "o.csv"},
-              QStringList{"table", "p", "t"}}) {
-            const ToolRun result = run(words + QStringList{"--filter", "f"});
-            EXPECT_EQ(result.exitCode, 1) << c.after.toStdString();
-            EXPECT_TRUE(result.err.contains(c.error)) << result.err.toStdString();
-            EXPECT_EQ(result.out, "");
-        }
+              QStringList{"table", "p", "t"}})
+            fault(words + QStringList{"--filter", "f"}, 1, c.error);
         EXPECT_FALSE(QFile::exists(path("o.csv")));
         EXPECT_EQ(run({"check", "p"}).out.contains(c.error), c.isFaultOfFile) << c.after.data();
     }

@@ -7,37 +7,17 @@
 
 #include <basic/geometry/HbgGeomGrid.h>
 
-#include <QtCore/QJsonArray>
-
-#include <cmath>
-
 namespace
 {
 class ToolSpaceTest : public ToolTest
 {
 protected:
-    /// Runs what must succeed.
-    ToolRun ok(const QStringList& arguments)
-    {
-        ToolRun result = run(arguments);
-        EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
-        return result;
-    }
-
     QList<QList<QByteArray>> rows(const QByteArray& csv) const
     {
         QList<QList<QByteArray>> result;
         for (const QByteArray& line : csv.trimmed().split('\n'))
             result.append(line.split(','));
         return result;
-    }
-
-    QJsonObject dataset(const QString& project, const QStringList& options = {})
-    {
-        return ok(QStringList{"info", project, "--json"} + options)
-            .json()["datasets"]
-            .toArray()[0]
-            .toObject();
     }
 };
 } // namespace
@@ -176,9 +156,7 @@ TEST_F(ToolSpaceTest, setSaysWhatNumbersAreAndChangesNone)
                                   {"--unit", "depth=RATIO:m"},
                                   {"--unit", "x=ppm"},
                                   {"--unit", "depth=m", "--display", "depth=ppm"}}) {
-        const ToolRun result = run(QStringList{"set", "p", "t"} + wrong);
-        EXPECT_EQ(result.exitCode, 1) << wrong.join(' ').toStdString();
-        EXPECT_NE(result.err, "");
+        EXPECT_NE(fault(QStringList{"set", "p", "t"} + wrong, 1, ""), "");
         EXPECT_EQ(read("p/" + files.first()), saved);
     }
 

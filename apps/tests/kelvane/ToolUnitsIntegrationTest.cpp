@@ -1,7 +1,5 @@
 #include "ToolRunner.h"
 
-#include <QtCore/QJsonArray>
-
 namespace
 {
 class ToolUnitsTest : public ToolTest
@@ -64,12 +62,8 @@ TEST_F(ToolUnitsTest, saysWhatIsWrong)
         {{"units", "remove", "ft"}, 1, "built in"},
         {{"units", "remove", "none"}, 1, "no unit of your own"},
     };
-    for (const auto& row : rows) {
-        const ToolRun result = run(row.arguments);
-        EXPECT_EQ(result.exitCode, row.exitCode) << row.arguments.join(' ').toStdString();
-        EXPECT_TRUE(result.err.contains(row.error)) << result.err.toStdString();
-        EXPECT_EQ(result.out, "");
-    }
+    for (const auto& row : rows)
+        fault(row.arguments, row.exitCode, row.error);
     EXPECT_FALSE(QFile::exists(m_userFolder.filePath("unit_user.xml")));
 }
 
@@ -90,18 +84,14 @@ TEST_F(ToolUnitsTest, allCommandsKnowTheUsersUnits)
 
     // A variable's unit is the user's: it is set, shown and converted on export.
     write("a.csv", "x,y,depth\n1,2,10\n");
-    ASSERT_EQ(run({"import", "a.csv", "--project", "p"}).exitCode, 0);
-    ASSERT_EQ(run({"set", "p", "a", "--unit", "depth=vara"}).exitCode, 0);
-    const QJsonObject dataset =
-        run({"info", "p", "--json"}).json()["datasets"].toArray().first().toObject();
-    EXPECT_EQ(dataset["variables"].toArray()[2].toObject()["unit"].toString(), "vara");
-    ASSERT_EQ(run({"export", "p", "a", "o.csv", "--variables", "depth", "--units", "depth=m",
-                   "--precision", "full"})
-                  .exitCode,
-              0);
+    ok({"import", "a.csv", "--project", "p"});
+    ok({"set", "p", "a", "--unit", "depth=vara"});
+    EXPECT_EQ(dataset("p")["variables"].toArray()[2].toObject()["unit"].toString(), "vara");
+    ok({"export", "p", "a", "o.csv", "--variables", "depth", "--units", "depth=m", "--precision",
+        "full"});
     EXPECT_TRUE(read("o.csv").endsWith("\n8.35905\n")) << read("o.csv").toStdString();
 
-    EXPECT_EQ(run({"units", "remove", "Vara"}).exitCode, 0);
+    ok({"units", "remove", "Vara"});
     EXPECT_EQ(run({"units", "remove", "Vara"}).exitCode, 1);
 }
 } // namespace

@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <random>
 #include <string>
 
 /// Draws doubles of many kinds: those that are easy to round wrongly come often.

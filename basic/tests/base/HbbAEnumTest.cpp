@@ -3,10 +3,7 @@
 #include "CapturedLog.h"
 #include "ErrorText.h"
 
-#include <basic/base/HbbDebug.h>
 #include <basic/error/HbeProgrammingError.h>
-
-#include <gmock/gmock.h>
 
 #include <set>
 
@@ -46,7 +43,6 @@ std::vector<QString> keys()
         found.push_back(item.getKey());
     return found;
 }
-
 } // namespace
 
 TEST(HbbAEnum, iteratesInValueOrder)

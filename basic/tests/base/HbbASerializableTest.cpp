@@ -1,11 +1,7 @@
 #include <basic/base/HbbASerializable.h>
 #include <basic/error/HbeError.h>
 
-#include "QtPrinters.h"
-
 #include <QtCore/QBuffer>
-
-#include <gtest/gtest.h>
 
 namespace
 {

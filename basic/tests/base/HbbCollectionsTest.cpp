@@ -3,12 +3,6 @@
 #include <basic/base/HbbOrderedMap.h>
 #include <basic/base/HbbTags.h>
 
-#include "QtPrinters.h"
-
-#include <gtest/gtest.h>
-
-#include <random>
-
 TEST(HbbContainer, aUniqueNameIsTheFirstFreeOne)
 {
     const struct {

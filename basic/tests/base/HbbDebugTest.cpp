@@ -1,7 +1,5 @@
 #include <basic/base/HbbDebug.h>
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <thread>
 

@@ -3,8 +3,6 @@
 
 #include <QtCore/QLocale>
 
-#include <gtest/gtest.h>
-
 #include <clocale>
 #include <cmath>
 

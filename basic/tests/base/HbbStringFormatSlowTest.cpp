@@ -1,7 +1,5 @@
 #include "DecimalDifferential.h"
 
-#include <gtest/gtest.h>
-
 TEST(HbbStringFormatSlow, twentyMillionDecimalsEqualToChars)
 {
     EXPECT_EQ(firstDecimalDifference(20261121, 20000000), "");

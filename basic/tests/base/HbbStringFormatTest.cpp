@@ -2,8 +2,6 @@
 
 #include <basic/base/HbbGlobal.h>
 
-#include <gtest/gtest.h>
-
 #include <limits>
 
 namespace

@@ -3,11 +3,7 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
-#include "QtPrinters.h"
-
 #include <QtCore/QElapsedTimer>
-
-#include <gmock/gmock.h>
 
 #include <functional>
 #include <new>

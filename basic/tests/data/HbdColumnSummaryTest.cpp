@@ -2,11 +2,8 @@
 #include <basic/data/HbdVariableEnum.h>
 #include <basic/data/HbdVariableReal32.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
-#include <random>
 
 namespace
 {

@@ -1,12 +1,8 @@
-#include <QtPrinters.h>
-
 #include <basic/base/HbbGlobal.h>
 #include <basic/data/HbdDataTable.h>
 #include <basic/data/HbdVariableEnum.h>
 #include <basic/data/HbdVariableInteger.h>
 #include <basic/data/HbdVariableReal.h>
-#include <basic/data/HbdVariableReal32.h>
-#include <basic/data/HbdVariableText.h>
 #include <basic/data/HbdVariableUpdater.h>
 
 #include <QtCore/QDateTime>

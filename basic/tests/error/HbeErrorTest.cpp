@@ -2,10 +2,6 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
-#include "QtPrinters.h"
-
-#include <gtest/gtest.h>
-
 namespace
 {
 void operationThatFails(int)

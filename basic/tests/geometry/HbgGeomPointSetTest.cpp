@@ -12,7 +12,6 @@
 
 namespace
 {
-
 const double NONE = HbbGlobal::D_FFFF;
 
 HbgGeomPointSet randomPoints(int count)
@@ -133,7 +132,6 @@ void comparePicks(const HbgGeomPointSet& points, std::mt19937& random)
         EXPECT_EQ(points.polygonToRanks(QPolygonF(area)), points.rectangleToRanks(area));
     }
 }
-
 } // namespace
 
 TEST(HbgGeomPointSet, picksExactlyHoweverThePointsLie)

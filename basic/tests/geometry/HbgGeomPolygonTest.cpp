@@ -8,7 +8,6 @@
 
 namespace
 {
-
 using Ring = HbgGeomPolygon::Ring;
 
 Ring square(double x, double y, double side)
@@ -32,7 +31,6 @@ Ring star(const HbgVector2D& middle, double radius, int corners, std::mt19937& r
     }
     return ring;
 }
-
 } // namespace
 
 TEST(HbgGeomPolygon, refusesWhatIsNoRing)

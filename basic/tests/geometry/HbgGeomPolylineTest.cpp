@@ -8,7 +8,6 @@
 
 namespace
 {
-
 const double NONE = HbbGlobal::D_FFFF;
 const double NAN_VALUE = std::nan("");
 const double INFINITE = std::numeric_limits<double>::infinity();
@@ -17,7 +16,6 @@ const HbgEPolylineType CLOSED = HbgEPolylineType::CLOSED;
 
 using Points2D = QVector<HbgVector2D>;
 using Points3D = QVector<HbgVector3D>;
-
 } // namespace
 
 TEST(HbgGeomPolyline, refusesWhatIsNoPlace)

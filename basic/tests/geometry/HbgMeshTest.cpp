@@ -7,7 +7,6 @@
 
 namespace
 {
-
 const QVector<HbgVector3D> UNIT_CUBE{{0., 0., 0.}, {1., 0., 0.}, {0., 1., 0.}, {1., 1., 0.},
                                      {0., 0., 1.}, {1., 0., 1.}, {0., 1., 1.}, {1., 1., 1.}};
 const QVector<int> CUBE_SIDES{0, 1, 2, 1, 3, 2, 4, 5, 6, 5, 7, 6, 0, 1, 4, 1, 5, 4,
@@ -22,7 +21,6 @@ QVector<HbgVector3D> placed(const HbgVector3D& origin, double size)
         vertices.append(origin + size * vertex);
     return vertices;
 }
-
 } // namespace
 
 TEST(HbgMesh, measuresCubesWhereverTheyAre)

@@ -5,12 +5,10 @@
 #include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 
 namespace
 {
-
 using Ranks = HbiIntervalIntSmallDisjoint;
 
 struct Node {
@@ -246,7 +244,6 @@ std::vector<Area> randomAreas(Lattice& lattice, const Frame& frame, HbgGeomPolyg
     }
     return areas;
 }
-
 } // namespace
 
 class HbgShapePick : public testing::TestWithParam<int>

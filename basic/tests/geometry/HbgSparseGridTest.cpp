@@ -1,4 +1,3 @@
-#include <basic/base/HbbGlobal.h>
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/geometry/HbgSparseGrid.h>
 
@@ -6,7 +5,6 @@
 
 namespace
 {
-
 struct Case {
     const char* name;
     HbgGeomGrid grid;
@@ -74,7 +72,6 @@ void expectCells(const HbgSparseGrid& sparse, const std::vector<qint64>& nodes)
             EXPECT_EQ(HbgVector3D(x[i], y[i], z[i]), grid.getPosition(nodes[first + i]));
     }
 }
-
 } // namespace
 
 TEST(HbgSparseGrid, countsItsCellsAsAListOfThemDoes)

@@ -1,12 +1,8 @@
 #include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 #include <basic/interval/HbiIntervalIntSmallO64Disjoint.h>
 
-#include <gtest/gtest.h>
-
 #include <limits>
-#include <random>
 #include <set>
-#include <vector>
 
 namespace
 {

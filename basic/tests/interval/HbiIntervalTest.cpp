@@ -2,8 +2,6 @@
 #include <basic/interval/HbiIntervalIntSmall.h>
 #include <basic/interval/HbiIntervalIntSmallO64.h>
 
-#include <gtest/gtest.h>
-
 #include <limits>
 
 namespace

@@ -1,8 +1,6 @@
 #include <basic/base/HbbGlobal.h>
 #include <basic/unit/HbuUnitService.h>
 
-#include <QtPrinters.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -10,7 +8,6 @@
 
 namespace
 {
-
 HbuUnitService& service()
 {
     return HbuUnitService::getInstance();
@@ -22,7 +19,6 @@ double convert(const HbuEUnitClass& unitClass, const char* from, const char* to,
     const HbuUnit toUnit = service().getUnit(unitClass, QString::fromUtf8(to));
     return service().getConversion(fromUnit, toUnit).apply(value);
 }
-
 } // namespace
 
 TEST(HbuUnitService, holdsAWellFormedTable)

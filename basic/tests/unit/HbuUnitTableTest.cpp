@@ -1,13 +1,9 @@
 // The built-in table against the program `units` (GNU units), which has a table of its own.
 #include <basic/unit/HbuUnitService.h>
 
-#include <QtPrinters.h>
-
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
-
-#include <cmath>
 
 namespace
 {

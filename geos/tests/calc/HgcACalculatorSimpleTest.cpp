@@ -4,10 +4,6 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
-#include "QtPrinters.h"
-
-#include <gtest/gtest.h>
-
 namespace
 {
 class Calculator : public HgcACalculatorSimple

@@ -5,10 +5,6 @@
 #include <basic/data/HbdVariableReal.h>
 #include <basic/error/HbeProgrammingError.h>
 
-#include "QtPrinters.h"
-
-#include <gtest/gtest.h>
-
 namespace
 {
 using Range = HbiIntervalIntSmall;

@@ -11,13 +11,14 @@
 #include <basic/data/HbdVariableReal.h>
 #include <basic/data/HbdVariableReal32.h>
 #include <basic/data/HbdVariableText.h>
+#include <basic/unit/HbuUnitService.h>
 
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
-#include <QtCore/QTemporaryDir>
-
-#include <gtest/gtest.h>
+inline HbuUnit unit(const HbuEUnitClass& unitClass, const char* key)
+{
+    return HbuUnitService::getInstance().getUnit(unitClass, key);
+}
 
 /// Delimited text that goes line by line, as an encoding without a way for blocks does.
 class LineEncoding : public KucExportDataEncodingCsv
@@ -76,6 +77,12 @@ protected:
     }
 
     QByteArray readFile() const { return readBytes(path()); }
+
+    /// Delimited text with the separators that come first; to be handed to an export.
+    static KucExportDataEncodingCsv* csv(const QString& file)
+    {
+        return new KucExportDataEncodingCsv(file, KueCsvSeparator(), KueDecimalSeparator());
+    }
 
     std::vector<std::unique_ptr<HbdAVariable>> m_columns;
 

@@ -9,9 +9,6 @@
 #include <basic/error/HbeUserError.h>
 
 #include "ErrorText.h"
-#include "QtPrinters.h"
-
-#include <gtest/gtest.h>
 
 namespace
 {

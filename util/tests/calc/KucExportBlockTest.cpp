@@ -1,9 +1,5 @@
 #include "ExportFixture.h"
 
-#include <basic/unit/HbuUnitService.h>
-
-#include <random>
-
 namespace
 {
 const char* const ALPHABET = "aZ09 ,;.\"\n\r\té€\xF0\x9F\x98\x80";

@@ -4,7 +4,6 @@
 #include <basic/calc/HbcCancelled.h>
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
-#include <basic/unit/HbuUnitService.h>
 
 #include <cerrno>
 #include <functional>
@@ -14,11 +13,6 @@ namespace
 {
 using Range = HbiIntervalIntSmall;
 using Line = QList<KueFormatedVariant>;
-
-HbuUnit unit(const HbuEUnitClass& unitClass, const char* key)
-{
-    return HbuUnitService::getInstance().getUnit(unitClass, key);
-}
 
 HbdVariableDetails details(const char* name, const HbbEFormat& format = HbbEFormat::DECIMAL,
                            int precision = 2)
@@ -73,6 +67,20 @@ protected:
         std::vector<double> numbers(std::size_t(count), 0.);
         std::iota(numbers.begin(), numbers.end(), 0.);
         addColumn<HbdVariableReal>(details("N", HbbEFormat::DECIMAL, 0), std::move(numbers));
+    }
+    /// The grid with the ranks of its nodes as its only column.
+    HgdDataSetGrid numberedGrid(const HbgGeomGrid& geometry)
+    {
+        m_columns.clear();
+        addNumbers(int(geometry.getNodeCount()));
+        HgdDataSetGrid grid(geometry);
+        grid.addVariable(*m_columns.front());
+        return grid;
+    }
+    static void run(KucExportData& exportData, NotingEncoding::Notes& notes)
+    {
+        exportData.setEncodingStrategy(new NotingEncoding(notes));
+        ASSERT_TRUE(exportData.runInCurrentThread());
     }
 };
 } // namespace
@@ -148,8 +156,7 @@ TEST_F(KucExportDataTest, HeaderCellsAreTextsWithTheirOwnFormat)
     NotingEncoding::Notes notes;
     KucExportData exportData;
     exportData.setDataset(points());
-    exportData.setEncodingStrategy(new NotingEncoding(notes));
-    ASSERT_TRUE(exportData.runInCurrentThread());
+    run(exportData, notes);
     EXPECT_EQ(notes.lines[0][0].format, HbbEFormat::DECIMAL);
     EXPECT_EQ(notes.lines[0][0].precision, 2);
     EXPECT_EQ(notes.lines[1][0].format, HbbEFormat::SCIENTIFIC);
@@ -196,8 +203,7 @@ TEST_F(KucExportDataTest, PointsGoInBlocksOfRanks)
         NotingEncoding::Notes notes;
         KucExportData exportData;
         exportData.setDataset(dataset);
-        exportData.setEncodingStrategy(new NotingEncoding(notes));
-        ASSERT_TRUE(exportData.runInCurrentThread());
+        run(exportData, notes);
         EXPECT_EQ(notes.blocks, row.blocks);
         std::vector<int> written;
         for (std::size_t i = 1; i < notes.lines.size(); ++i)
@@ -211,15 +217,15 @@ TEST_F(KucExportDataTest, PointsGoInBlocksOfRanks)
     }
 }
 
-TEST_F(KucExportDataTest, GridLoopsFollowTheSorting)
+TEST_F(KucExportDataTest, GridLoopsFollowTheSortingAndTheSelection)
 {
     const HbgGeomGrid solid(4, 3, 5, {0, 0, 0}, 1, 1, 1);
     const HbgGeomGrid flat(4, 3, {0, 0}, 1, 1);
     for (const HbgGeomGrid& geometry : {solid, flat}) {
-        m_columns.clear();
-        addNumbers(int(geometry.getNodeCount()));
-        HgdDataSetGrid grid(geometry);
-        grid.addVariable(*m_columns.front());
+        HgdDataSetGrid grid = numberedGrid(geometry);
+        const HbiIntervalIntSmallDisjoint selection{Range(0, 3), Range(7, 59)};
+        if (geometry.is3D()) // the other has none
+            grid.setSelection(selection);
         QList<int> axes = geometry.is3D() ? QList<int>{0, 1, 2} : QList<int>{0, 1};
         const QByteArray z = geometry.is3D() ? ",IZ" : "";
         const int lengths[] = {geometry.getNx(), geometry.getNy(), geometry.getNz()};
@@ -236,6 +242,8 @@ TEST_F(KucExportDataTest, GridLoopsFollowTheSorting)
                     return;
                 }
                 const qint64 rank = geometry.getRank({at[0], at[1], at[2]});
+                if (geometry.is3D() && !selection.contains(int(rank)))
+                    return;
                 const QByteArray value = QByteArray::number(rank) + '\n';
                 ranks += QByteArray::number(rank + 1) + ',' + value;
                 for (int i = 0; i < axes.size(); ++i)
@@ -261,42 +269,23 @@ TEST_F(KucExportDataTest, GridLoopsFollowTheSorting)
 
 TEST_F(KucExportDataTest, LowMemoryReadsTheGridInSlabsOfTheOutermostLoop)
 {
-    addNumbers(60);
-    HgdDataSetGrid grid(HbgGeomGrid(4, 3, 5, {0, 0, 0}, 1, 1, 1));
-    grid.addVariable(*m_columns.front());
+    const HgdDataSetGrid grid = numberedGrid(HbgGeomGrid(4, 3, 5, {0, 0, 0}, 1, 1, 1));
     for (const int memory : {5 * 3 * 8, 5 * 3 * 8 - 1, 1}) {
         NotingEncoding::Notes notes;
         KucExportData exportData;
         exportData.setDataset(grid);
         exportData.setSorting({2, 1, 0});
         exportData.setAvailableMemory(memory);
-        exportData.setEncodingStrategy(new NotingEncoding(notes));
-        ASSERT_TRUE(exportData.runInCurrentThread());
+        run(exportData, notes);
         // A layer of Z has 12 cells of 8 bytes.
         EXPECT_EQ(notes.blocks,
                   memory == 5 * 3 * 8 ? std::vector<int>{60} : std::vector<int>(5, 12));
     }
 }
 
-TEST_F(KucExportDataTest, GridCellsOutsideOfTheSelectionAreLeftOut)
-{
-    addNumbers(6);
-    HgdDataSetGrid grid(HbgGeomGrid(3, 2, {0, 0}, 1, 1));
-    grid.addVariable(*m_columns.front());
-    grid.setSelection({Range(1, 3)});
-    KucExportData exportData;
-    exportData.setDataset(grid);
-    exportData.setSorting({0, 1});
-    exportData.setGridCellPosition(KucExportData::CellRank);
-    EXPECT_EQ(write(exportData), "IB,N\n4,3\n2,1\n3,2\n");
-    EXPECT_EQ(exportData.getCounter(), 6);
-}
-
 TEST_F(KucExportDataTest, FailuresSpeakInWholeMessages)
 {
-    addNumbers(6);
-    HgdDataSetGrid grid(HbgGeomGrid(3, 2, {0, 0}, 1, 1));
-    grid.addVariable(*m_columns.front());
+    const HgdDataSetGrid grid = numberedGrid(HbgGeomGrid(3, 2, {0, 0}, 1, 1));
     const HgdDataSetPoints points = this->points();
     const QString setup = "'virtual void KucExportData::_checkSetup() const' in file "
                           "'calc\\KucExportData' failed:\n\n";
@@ -333,8 +322,7 @@ TEST_F(KucExportDataTest, FailuresSpeakInWholeMessages)
         if (*row.output)
             exportData.setCoordSystems({}, KuuCoordSystem::createFromEpsg(row.output));
         if (!row.path.isEmpty())
-            exportData.setEncodingStrategy(
-                new KucExportDataEncodingCsv(row.path, KueCsvSeparator(), KueDecimalSeparator()));
+            exportData.setEncodingStrategy(csv(row.path));
         exportData.start();
         exportData.wait();
         EXPECT_EQ(exportData.getErrorText(), row.error);
@@ -362,8 +350,7 @@ TEST_F(KucExportDataTest, AFullDiskIsTold)
     addNumbers(100);
     KucExportData exportData;
     exportData.setDataset(points());
-    exportData.setEncodingStrategy(
-        new KucExportDataEncodingCsv("/dev/full", KueCsvSeparator(), KueDecimalSeparator()));
+    exportData.setEncodingStrategy(csv("/dev/full"));
     EXPECT_FALSE(exportData.runInCurrentThread());
     EXPECT_EQ(exportData.getErrorText(),
               "Cannot write the file '/dev/full' : " + qt_error_string(ENOSPC));
@@ -376,8 +363,7 @@ TEST_F(KucExportDataTest, ACancelFromAnotherThreadKeepsTheRowsWritten)
     for (const bool interrupt : {false, true}) {
         KucExportData exportData;
         exportData.setDataset(points());
-        exportData.setEncodingStrategy(
-            new KucExportDataEncodingCsv(path(), KueCsvSeparator(), KueDecimalSeparator()));
+        exportData.setEncodingStrategy(csv(path()));
         exportData.start();
         while (exportData.getCounter() < 150000 && exportData.isRunning())
             QThread::yieldCurrentThread();

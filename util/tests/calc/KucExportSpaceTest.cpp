@@ -2,16 +2,9 @@
 #include "ExportFixture.h"
 
 #include <basic/error/HbeUserError.h>
-#include <basic/unit/HbuUnitService.h>
-
-#include <random>
 
 namespace
 {
-HbuUnit unit(const HbuEUnitClass& unitClass, const char* key)
-{
-    return HbuUnitService::getInstance().getUnit(unitClass, key);
-}
 HbuUnit length(const char* key)
 {
     return unit(HbuEUnitClass::LENGTH, key);
@@ -66,8 +59,7 @@ protected:
 
     QString errorOf(KucExportData& exportData)
     {
-        exportData.setEncodingStrategy(
-            new KucExportDataEncodingCsv(path(), KueCsvSeparator(), KueDecimalSeparator()));
+        exportData.setEncodingStrategy(csv(path()));
         EXPECT_FALSE(exportData.runInCurrentThread());
         EXPECT_THROW(exportData.rethrowError(), HbeUserError);
         EXPECT_EQ(readFile(), "no file");

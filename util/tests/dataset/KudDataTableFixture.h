@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QtPrinters.h>
-
 #include <util/dataset/KudMemoryDataTable.h>
 #include <util/observable/KuoIObserver.h>
 

@@ -1,7 +1,5 @@
 #include <util/dataset/KudDataTableHeader.h>
 
-#include <QtPrinters.h>
-
 namespace
 {
 KudDatasetVariable named(const char* name, const char* index = "")

@@ -11,90 +11,57 @@
 #include <QtTest/QAbstractItemModelTester>
 #include <QtTest/QSignalSpy>
 
-namespace
-{
-constexpr int VALUES_AND_SAMPLES = KudTableModif::ValuesChanged | KudTableModif::SamplesAdded;
-} // namespace
-
 /// One row a permission: without its flag the operation answers its refusal, tells nothing and
 /// changes nothing; with it, it tells exactly these notices.
 TEST_F(KudDataTable, GuardsEveryOperationByItsFlag)
 {
     HbdVariableReal wanted{HbdVariableDetails("adopted")};
     wanted.resize(4);
+    const double values[] = {7, 8};
+    const HbdSpan<const double> numbers(values, 2);
+    const Ranks some{Range(0, 0), Range(2, 3)};
+    const std::vector<int> changed{KudTableModif::ValuesChanged};
+    const std::vector<int> changedThenAdded{KudTableModif::ValuesChanged,
+                                            KudTableModif::SamplesAdded};
+    const std::vector<int> changedAndAdded{KudTableModif::ValuesChanged |
+                                           KudTableModif::SamplesAdded};
+    const std::vector<int> removed{KudTableModif::SamplesRemoved};
+    const std::vector<int> variableAdded{KudTableModif::VariableAdded};
+    const std::vector<int> variableRemoved{KudTableModif::VariableRemoved};
+    using Table = KudMemoryDataTable;
     const struct {
         const char* name;
-        Ku::DatasetFlag flag;
-        bool allowedWhenSet;
-        std::function<bool(KudMemoryDataTable&)> run; // whether it was accepted
+        Ku::DatasetFlag flag; // forbids where it is set, the others allow
         std::vector<int> notices;
+        std::function<bool(Table&)> run; // whether it was accepted
     } rows[] = {
-        {"updateValue",
-         Ku::ReadOnlyValues,
-         false,
-         [this](auto& d) { return d.updateValue(x, 1, 9.0); },
-         {KudTableModif::ValuesChanged}},
-        {"updateColumn",
-         Ku::ReadOnlyValues,
-         false,
-         [this](auto& d) {
-             const double numbers[] = {7, 8};
-             return d.updateColumn(x, 2, HbdSpan<const double>(numbers, 2));
-         },
-         {KudTableModif::ValuesChanged}},
-        {"createSample by name",
-         Ku::CanCreateSamples,
-         true,
-         [this](auto& d) {
+        {"updateValue", Ku::ReadOnlyValues, changed,
+         [this](Table& d) { return d.updateValue(x, 1, 9.0); }},
+        {"updateColumn", Ku::ReadOnlyValues, changed,
+         [this, &numbers](Table& d) { return d.updateColumn(x, 2, numbers); }},
+        {"createSample by name", Ku::CanCreateSamples, changedThenAdded,
+         [this](Table& d) {
              return d.createSample({{x, 5.0}, {t, "e"}}) == 4;
-         },
-         {KudTableModif::ValuesChanged, KudTableModif::SamplesAdded}},
-        {"createSample by position",
-         Ku::CanCreateSamples,
-         true,
-         [](auto& d) {
+         }},
+        {"createSample by position", Ku::CanCreateSamples, changedThenAdded,
+         [](Table& d) {
              return d.createSample(QVector<QVariant>{5.0, 50}) == 4;
-         },
-         {KudTableModif::ValuesChanged, KudTableModif::SamplesAdded}},
-        {"createSamples",
-         Ku::CanCreateSamples,
-         true,
-         [](auto& d) {
+         }},
+        {"createSamples", Ku::CanCreateSamples, changedAndAdded,
+         [](Table& d) {
              return d.createSamples({{5.0, 50, "e"}, {6.0}}) == 4;
-         },
-         {VALUES_AND_SAMPLES}},
-        {"deleteSample",
-         Ku::CanDeleteSamples,
-         true,
-         [](auto& d) { return d.deleteSample(3); },
-         {KudTableModif::SamplesRemoved}},
-        {"deleteSamples",
-         Ku::CanDeleteSamples,
-         true,
-         [](auto& d) {
-             return d.deleteSamples({Range(0, 0), Range(2, 3)});
-         },
-         {KudTableModif::SamplesRemoved}},
-        {"deleteAllSamples",
-         Ku::CanDeleteSamples,
-         true,
-         [](auto& d) { return d.deleteAllSamples(); },
-         {KudTableModif::SamplesRemoved}},
-        {"createVariable",
-         Ku::CanCreateVariables,
-         true,
-         [](auto& d) { return d.createVariable(HbdVariableDetails("new")).isValid(); },
-         {KudTableModif::VariableAdded}},
-        {"addVariable",
-         Ku::CanCreateVariables,
-         true,
-         [&](auto& d) { return d.addVariable(wanted.clone()).isValid(); },
-         {KudTableModif::VariableAdded}},
-        {"deleteVariable",
-         Ku::CanDeleteVariables,
-         true,
-         [this](auto& d) { return d.deleteVariable(n); },
-         {KudTableModif::VariableRemoved}},
+         }},
+        {"deleteSample", Ku::CanDeleteSamples, removed, [](Table& d) { return d.deleteSample(3); }},
+        {"deleteSamples", Ku::CanDeleteSamples, removed,
+         [&some](Table& d) { return d.deleteSamples(some); }},
+        {"deleteAllSamples", Ku::CanDeleteSamples, removed,
+         [](Table& d) { return d.deleteAllSamples(); }},
+        {"createVariable", Ku::CanCreateVariables, variableAdded,
+         [](Table& d) { return d.createVariable(HbdVariableDetails("new")).isValid(); }},
+        {"addVariable", Ku::CanCreateVariables, variableAdded,
+         [&](Table& d) { return d.addVariable(wanted.clone()).isValid(); }},
+        {"deleteVariable", Ku::CanDeleteVariables, variableRemoved,
+         [this](Table& d) { return d.deleteVariable(n); }},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -103,12 +70,13 @@ TEST_F(KudDataTable, GuardsEveryOperationByItsFlag)
         edited.setDataTable(table.getDataTable());
         edited.addObserver(&heard);
 
-        edited.setFlag(row.flag, !row.allowedWhenSet);
+        const bool allows = row.flag != Ku::ReadOnlyValues;
+        edited.setFlag(row.flag, !allows);
         EXPECT_FALSE(row.run(edited));
         EXPECT_TRUE(heard.notices.empty());
         EXPECT_TRUE(edited.getDataTable().isEqual(table.getDataTable()));
 
-        edited.setFlag(row.flag, row.allowedWhenSet);
+        edited.setFlag(row.flag, allows);
         EXPECT_TRUE(row.run(edited));
         EXPECT_EQ(heard.reasons(), row.notices);
         EXPECT_FALSE(edited.getDataTable().isEqual(table.getDataTable()));

@@ -1,13 +1,13 @@
+#include "CapturedLog.h"
+#include "FileBytes.h"
+
 #include <util/dataset/KudADataTable.h>
 #include <util/dataset/KudDatasetDirectory.h>
 #include <util/dataset/KudMemoryDatasetPoint.h>
 #include <util/xml/KuxXmlMementoFile.h>
 
-#include <basic/base/HbbDebug.h>
 #include <basic/calc/HbcCancelled.h>
 #include <basic/error/HbeUserError.h>
-
-#include "QtPrinters.h"
 
 namespace
 {
@@ -18,9 +18,7 @@ protected:
 
     void write(const QString& name, const QByteArray& bytes) const
     {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        writeBytes(path(name), bytes);
     }
 
     QTemporaryDir m_folder;
@@ -89,12 +87,9 @@ TEST_F(KudDatasetDirectoryTest, checkJudgesEachFileOnItsOwn)
     const QString moved = "dataset_00000000-0000-0000-0000-000000000001.xml";
     QFile::copy(path(KuxXmlMementoFile::getFileName(ids[1])), path(moved));
 
-    QStringList printed;
-    const auto before = HbbDebug::setSink(
-        [&](HbbDebug::Level, const QString& message) { printed.append(message); });
+    const CapturedLog printed;
     const auto files = directory.check();
-    HbbDebug::setSink(before);
-    EXPECT_EQ(printed, QStringList());
+    EXPECT_EQ(printed.texts, QStringList());
     ASSERT_EQ(files.size(), 6u);
     for (const auto& file : files) {
         const QString& name = file.fileName;

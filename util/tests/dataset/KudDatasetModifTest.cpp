@@ -2,8 +2,6 @@
 #include <util/dataset/KudDatasetRegistryModif.h>
 #include <util/observable/KuoAObservable.h>
 
-#include <QtPrinters.h>
-
 namespace
 {
 /// Sends notices of any class, and keeps the last one.

@@ -1,3 +1,5 @@
+#include "CapturedLog.h"
+
 #include <util/dataset/KudADataTable.h>
 #include <util/dataset/KudDatasetRegistryLockObserver.h>
 #include <util/dataset/KudGenericDatasetFactory.h>
@@ -5,13 +7,9 @@
 #include <util/dataset/KudMemoryDatasetPoint.h>
 #include <util/dataset/KudSelector.h>
 
-#include <basic/base/HbbDebug.h>
 #include <basic/error/HbeProgrammingError.h>
 
-#include "QtPrinters.h"
-
 #include <functional>
-#include <random>
 
 namespace
 {
@@ -60,17 +58,13 @@ public:
 class KudDatasetRegistryTest : public testing::Test
 {
 protected:
-    KudDatasetRegistryTest()
-    {
-        HbbDebug::setSink([this](HbbDebug::Level, const QString& text) { m_printed << text; });
-    }
     ~KudDatasetRegistryTest() override
     {
         Registry::clearRemainingDatasets();
-        HbbDebug::setSink({});
         EXPECT_EQ(g_alive, 0);
     }
-    QStringList m_printed;
+    CapturedLog m_log;
+    QStringList& m_printed = m_log.texts;
 };
 
 /// Random operations on pointers, and more of them from inside the notices, beside a plain record

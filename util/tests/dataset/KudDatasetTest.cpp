@@ -1,4 +1,5 @@
-#include <QtPrinters.h>
+#include "ErrorText.h"
+#include "PythonRun.h"
 
 #include <util/dataset/KudGenericDatasetFactory.h>
 #include <util/dataset/KudMemoryDatasetGrid.h>
@@ -18,10 +19,6 @@
 #include <basic/error/HbeUserError.h>
 #include <basic/geometry/HbgGeomGrid.h>
 #include <basic/unit/HbuUnitService.h>
-
-#include <QtCore/QProcess>
-#include <QtCore/QProcessEnvironment>
-#include <QtCore/QStandardPaths>
 
 #include <limits>
 
@@ -192,10 +189,7 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
         return memento;
     };
     // A frame that says it holds 2^60 bytes: magic, an eight-byte size field, the size.
-    const QByteArray bomb = QByteArray::fromHex("28b52ffdc0"
-                                                "00"
-                                                "0000000000001000")
-                                .toBase64();
+    const QByteArray bomb = QByteArray::fromHex("28b52ffd c000 0000000000001000").toBase64();
     const struct {
         const char* what;
         std::function<void(QVariantMap&, QVariantMap&)> damage;
@@ -238,13 +232,9 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        try {
-            KuuMemento memento(KuuId::generate("Dataset"), damaged(c.damage));
-            dataset.setMemento(memento, true);
-            ADD_FAILURE() << "accepted";
-        } catch (const HbeUserError& error) {
-            EXPECT_THAT(error.what(), testing::StartsWith(c.message));
-        }
+        const KuuMemento memento(KuuId::generate("Dataset"), damaged(c.damage));
+        const QString error = errorOf<HbeUserError>([&] { dataset.setMemento(memento, true); });
+        EXPECT_TRUE(error.startsWith(c.message)) << error.toStdString();
         EXPECT_TRUE(dataset.getPointTable()->getDataTable().isEqual(before));
         EXPECT_EQ(dataset.getMask(), mask);
         EXPECT_TRUE(recorder.notices.empty());
@@ -382,74 +372,56 @@ TEST(KudMemoryDatasetGrid, HasOneSampleANodeAndRefusesWhatIsNoGrid)
          "Too many samples for a Grid Memory dataset."},
     };
     for (const auto& c : refused) {
-        try {
-            grid.setGeometrySet(c.geometry);
-            ADD_FAILURE() << c.message;
-        } catch (const HbeProgrammingError& error) {
-            EXPECT_THAT(error.what(), testing::EndsWith(c.message));
-            EXPECT_THAT(error.what(), testing::HasSubstr("in file 'dataset/KudMemoryDatasetGrid'"));
-        }
+        const QString error =
+            errorOf<HbeProgrammingError>([&] { grid.setGeometrySet(c.geometry); });
+        EXPECT_TRUE(error.endsWith(c.message)) << error.toStdString();
+        EXPECT_TRUE(error.contains("in file 'dataset/KudMemoryDatasetGrid'"));
         EXPECT_EQ(grid.getObjectCount(), 12);
     }
     EXPECT_THROW(grid.getObject(0), HbeProgrammingError);
 }
 
+/// A full grid and a sparse one, with one sample a cell.
 TEST(KudMemoryDatasetGrid, ComesBackFromItsMementoEqual)
-{
-    KudMemoryDatasetGrid grid("Model");
-    grid.setGeometrySet(gridOf(4, 3));
-    grid.createVariable(HbdVariableDetails("v"), HbdESupport::GRID);
-    grid.setCoordSystem(KuuCoordSystem::createLocal());
-    grid.setObjectName(2, "no name variable: nothing happens");
-    KudMemoryDatasetGrid other("Other");
-    other.setMemento(grid.getMemento(), true);
-    EXPECT_EQ(other.readGeometrySet(), grid.readGeometrySet());
-    EXPECT_EQ(other.getCoordSystem(), grid.getCoordSystem());
-    EXPECT_TRUE(other.getGridTable()->getDataTable().isEqual(grid.getGridTable()->getDataTable()));
-
-    KuuMemento wrong = grid.getMemento();
-    wrong.setField("geometry", gridOf(4, 4).toVariantMap());
-    EXPECT_THROW(other.setMemento(wrong, true), HbeUserError);
-    EXPECT_EQ(other.readGeometrySet(), grid.readGeometrySet());
-}
-
-TEST(KudMemoryDatasetGrid, HoldsASparseGridWithOneSampleACell)
 {
     const HbgGeomGrid whole(4, 3, 2, {100, 200, -50}, 10, 20, 5);
     const HbgSparseGrid cells(whole, {HbiIntervalIntSmallO64(1, 2), HbiIntervalIntSmallO64(5, 5)});
-    KudMemoryDatasetGrid grid("Model");
-    grid.setGeometrySet(KuuGeometrySet(cells));
-    EXPECT_EQ(grid.getObjectCount(), 3);
-    EXPECT_EQ(grid.getGeometry(), HbgEGeometrySet::GRID_SPARSE);
-    EXPECT_TRUE(grid.is3D());
-    EXPECT_EQ(grid.getBoundingBox(), HbgBox(HbgVector3D(110, 200, -50), {120, 220, -50}));
-    grid.createVariable(HbdVariableDetails("v"), HbdESupport::GRID);
-    grid.getGridTable()->updateValue(grid.getGridTable()->getVariableAt(0), 2, 7.5);
+    for (const KuuGeometrySet& geometry : {gridOf(4, 3), KuuGeometrySet(cells)}) {
+        KudMemoryDatasetGrid grid("Model");
+        grid.setGeometrySet(geometry);
+        EXPECT_EQ(grid.getObjectCount(), geometry.getSampleCount());
+        EXPECT_EQ(grid.getGeometry(), geometry.getGeometry());
+        EXPECT_EQ(grid.is3D(), geometry.isSparseGrid());
+        EXPECT_EQ(grid.getBoundingBox(), geometry.getBoundingBox());
+        grid.createVariable(HbdVariableDetails("v"), HbdESupport::GRID);
+        grid.getGridTable()->updateValue(grid.getGridTable()->getVariableAt(0), 2, 7.5);
+        grid.setCoordSystem(KuuCoordSystem::createLocal());
+        grid.setObjectName(2, "no name variable: nothing happens");
+        KudMemoryDatasetGrid other("Other");
+        other.setMemento(grid.getMemento(), true);
+        EXPECT_EQ(other.readGeometrySet(), geometry);
+        EXPECT_EQ(other.getCoordSystem(), grid.getCoordSystem());
+        const HbdDataTable& values = grid.getGridTable()->getDataTable();
+        EXPECT_TRUE(other.getGridTable()->getDataTable().isEqual(values));
 
-    KudMemoryDatasetGrid other("Other");
-    other.setMemento(grid.getMemento(), true);
-    EXPECT_EQ(other.readGeometrySet(), KuuGeometrySet(cells));
-    EXPECT_TRUE(other.getGridTable()->getDataTable().isEqual(grid.getGridTable()->getDataTable()));
-
-    KuuMemento wrong = grid.getMemento();
-    wrong.setField("geometry", KuuGeometrySet(whole).toVariantMap());
-    EXPECT_THROW(other.setMemento(wrong, true), HbeUserError);
-    other.setGeometrySet(
-        KuuGeometrySet(HbgSparseGrid())); // without cells, it is a grid all the same
-    EXPECT_EQ(other.getObjectCount(), 0);
+        KuuMemento wrong = grid.getMemento(); // of more cells than samples
+        wrong.setField("geometry", KuuGeometrySet(whole).toVariantMap());
+        EXPECT_THROW(other.setMemento(wrong, true), HbeUserError);
+        EXPECT_EQ(other.readGeometrySet(), geometry);
+    }
+    KudMemoryDatasetGrid none("None"); // without cells, it is a grid all the same
+    none.setGeometrySet(KuuGeometrySet(HbgSparseGrid()));
+    EXPECT_EQ(none.getObjectCount(), 0);
 }
 
 TEST(KudGenericDatasetFactory, NamesTheTypeItCannotMake)
 {
     KuuMemento memento(KuuId::generate("Dataset"));
     memento.setField("type", "Nonsense");
-    try {
-        KudGenericDatasetFactory().create(memento, true);
-        ADD_FAILURE();
-    } catch (const HbeProgrammingError& error) {
-        EXPECT_THAT(error.what(), testing::EndsWith("Unable to create a dataset of type Nonsense"));
-        EXPECT_THAT(error.what(), testing::HasSubstr("'dataset/KudGenericDatasetFactory'"));
-    }
+    const QString error =
+        errorOf<HbeProgrammingError>([&] { KudGenericDatasetFactory().create(memento, true); });
+    EXPECT_TRUE(error.endsWith("Unable to create a dataset of type Nonsense"));
+    EXPECT_TRUE(error.contains("'dataset/KudGenericDatasetFactory'"));
 }
 
 TEST(KudEDatasetType, KnowsItsItems)
@@ -463,11 +435,10 @@ TEST(KudEDatasetType, KnowsItsItems)
 /// The documented form, read by a program that knows nothing of ours: the one in the documentation.
 TEST(KudADataset, IsReadByTheDocumentedPythonProgram)
 {
-    const QString python = QStandardPaths::findExecutable("python3");
     QFile document(qEnvironmentVariable("KELVANE_SOURCE_DIR") + "/docs/formats/dataset-memento.md");
-    if (python.isEmpty() || QStandardPaths::findExecutable("zstd").isEmpty() ||
-        !document.open(QFile::ReadOnly))
-        GTEST_SKIP() << "needs python3, zstd and the source tree";
+    REQUIRE_PYTHON();
+    if (QStandardPaths::findExecutable("zstd").isEmpty() || !document.open(QFile::ReadOnly))
+        GTEST_SKIP() << "needs zstd and the source tree";
     const QString text = QString::fromUtf8(document.readAll());
     const QString program = text.section("```python\n", 1).section("```", 0, 0);
 
@@ -501,14 +472,5 @@ TEST(KudADataset, IsReadByTheDocumentedPythonProgram)
     QTemporaryDir directory;
     const QString path = directory.filePath("dataset.xml");
     KuxXmlMementoFile::save(path, dataset.getMemento());
-    QProcess process;
-    process.setProcessEnvironment([] {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("PYTHONIOENCODING", "utf-8");
-        return environment;
-    }());
-    process.start(python, {"-c", program, path});
-    ASSERT_TRUE(process.waitForFinished(60000));
-    EXPECT_EQ(process.readAllStandardError(), "");
-    EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()).trimmed().split('\n'), expected);
+    EXPECT_EQ(QString::fromUtf8(runPython(program, {path})).trimmed().split('\n'), expected);
 }

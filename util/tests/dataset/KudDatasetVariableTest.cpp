@@ -2,8 +2,6 @@
 #include <util/dataset/KudDatasetVariableFilter.h>
 #include <util/dataset/KudDatasetVariableList.h>
 
-#include <QtPrinters.h>
-
 void PrintTo(const KudDatasetVariable& variable, std::ostream* out)
 {
     *out << variable.support().toStdString() << ':' << variable.getFullVariableName().toStdString();
@@ -174,9 +172,8 @@ TEST(KudDatasetVariableList, AgreesWithAWalkThroughRandomEdits)
         const bool isGrowing = step / 500 % 2 == 0;
         if (pick(4) < (isGrowing ? 3 : 1)) {
             list.append(variable);
-            if (!model.contains(variable)) {
+            if (!model.contains(variable))
                 model.append(variable);
-            }
         } else {
             list.remove(variable);
             model.removeAll(variable);
@@ -189,9 +186,8 @@ TEST(KudDatasetVariableList, AgreesWithAWalkThroughRandomEdits)
         ASSERT_EQ(list.toList(), model);
         ASSERT_EQ(list.indexOf(variable), model.indexOf(variable));
         int byName = 0;
-        while (byName < model.size() && model[byName].variable() != variable.variable()) {
+        while (byName < model.size() && model[byName].variable() != variable.variable())
             ++byName;
-        }
         ASSERT_EQ(list.indexOf(variable.variable()), byName < model.size() ? byName : -1);
     }
     EXPECT_GT(longest, 60);

@@ -1,5 +1,3 @@
-#include <QtPrinters.h>
-
 #include <util/dataset/KudSampleOrder.h>
 
 #include <basic/data/HbdVariableEnum.h>
@@ -10,7 +8,6 @@
 #include <QtCore/QDateTime>
 
 #include <numeric>
-#include <random>
 
 namespace
 {

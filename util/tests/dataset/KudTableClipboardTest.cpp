@@ -1,4 +1,5 @@
 #include "KudDataTableFixture.h"
+#include "PythonRun.h"
 
 #include <util/dataset/KudSelector.h>
 #include <util/dataset/KudTableBlock.h>
@@ -14,9 +15,7 @@
 #include <QtCore/QItemSelectionModel>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QMimeData>
-#include <QtCore/QProcess>
 #include <QtCore/QSortFilterProxyModel>
-#include <QtCore/QStandardPaths>
 #include <QtCore/QStringListModel>
 #include <QtGui/QClipboard>
 #include <QtGui/QColor>
@@ -122,14 +121,10 @@ if form == 'html': Reader().feed(text)
 else: rows = list(csv.reader(io.StringIO(text, newline=''), 'excel-tab', strict=True))
 print(json.dumps(rows))
 )";
-    QProcess python;
-    python.start("python3", {"-c", SCRIPT, form});
-    python.write((QString("html") == form ? data.html() : data.text()).toUtf8());
-    python.closeWriteChannel();
-    python.waitForFinished();
+    const QString text = QString("html") == form ? data.html() : data.text();
+    const QByteArray json = runPython(SCRIPT, {form}, text.toUtf8());
     Rows rows;
-    for (const QVariant& row :
-         QJsonDocument::fromJson(python.readAllStandardOutput()).toVariant().toList())
+    for (const QVariant& row : QJsonDocument::fromJson(json).toVariant().toList())
         rows.append(row.toList().toVector());
     return rows;
 }
@@ -176,8 +171,7 @@ TEST(KudTableClipboard, KeepsEveryValueExactly)
 /// What another program reads is what we read from the text, and rows of cells as they are shown.
 TEST(KudTableClipboard, IsReadByOtherPrograms)
 {
-    if (QStandardPaths::findExecutable("python3").isEmpty())
-        GTEST_SKIP() << "python3 is not installed";
+    REQUIRE_PYTHON();
     const auto table = tableOfAll(200, 3, false);
     const auto data = copyAll(*table->getModel());
     const KudTableBlock block = KudTableBlock::fromText(data->text());
@@ -326,27 +320,25 @@ TEST(KudTableBlock, RefusesItsOwnFormWhenItIsDamaged)
     const QByteArray text = "\\[v\\,TEXT\\,\\,\\,\\,\\]";
     EXPECT_TRUE(KudTableBlock::fromOwnForm(real + "1\n\n").has_value());
     EXPECT_TRUE(KudTableBlock::fromOwnForm(text + "\\u0000\n").has_value());
-    for (const QByteArray& bytes : {QByteArray(),
-                                    QByteArray("1\n"),
-                                    real + "1",
-                                    text + "a\t" + text + "b\nc\td\te\nf\n",
-                                    real + "1\n2\t3\n",
-                                    real + "x\n",
-                                    real + "1 \n",
-                                    real + "nan\n",
-                                    real + "1e400\n",
-                                    real.chopped(2) + "1\n",
-                                    QByteArray(real).replace("REAL", "FAKE") + "1\n",
-                                    QByteArray(real).replace("REAL\\,", "REAL\\,LENGTH") + "1\n",
-                                    text + "\\x\n",
-                                    text + "\\\n",
-                                    text + "\xFF\n",
-                                    text + "\\u00\n",
-                                    text + "\\ud8zz\n",
-                                    QByteArray("\\[v\\,SELECTION\\,\\,\\,\\,\\]2\n"),
-                                    QByteArray("\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\,a\\,1\\,b\\]1\n"),
-                                    QByteArray("\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\]1\n")})
-        EXPECT_FALSE(KudTableBlock::fromOwnForm(bytes).has_value()) << bytes.constData();
+    const struct {
+        QByteArray header;
+        QByteArrayList cells;
+    } damaged[] = {
+        {"", {"", "1\n"}},
+        {real, {"1", "1\n2\t3\n", "x\n", "1 \n", "nan\n", "1e400\n"}},
+        {text, {"\\x\n", "\\\n", "\xFF\n", "\\u00\n", "\\ud8zz\n"}},
+        {text, {"a\t" + text + "b\nc\td\te\nf\n"}},
+        {real.chopped(2), {"1\n"}},
+        {"\\[v\\,FAKE\\,\\,\\,\\,\\]", {"1\n"}},
+        {"\\[v\\,REAL\\,LENGTH\\,\\,\\,\\]", {"1\n"}},
+        {"\\[v\\,SELECTION\\,\\,\\,\\,\\]", {"2\n"}},
+        {"\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\,a\\,1\\,b\\]", {"1\n"}},
+        {"\\[v\\,CATEGORY\\,\\,\\,\\,\\,1\\]", {"1\n"}},
+    };
+    for (const auto& [header, allCells] : damaged) {
+        for (const QByteArray& cells : allCells)
+            EXPECT_FALSE(KudTableBlock::fromOwnForm(header + cells)) << (header + cells).data();
+    }
 
     QMimeData both;
     both.setText("from the text");

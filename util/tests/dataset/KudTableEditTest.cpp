@@ -4,15 +4,12 @@
 #include <util/dataset/KudTableModel.h>
 
 #include <basic/data/HbdVariableEnum.h>
-#include <basic/data/HbdVariableReal.h>
 #include <basic/unit/HbuUnitService.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QLocale>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QStyledItemDelegate>
-
-#include <random>
 
 namespace
 {

@@ -2,8 +2,6 @@
 
 #include <basic/data/HbdScDetails.h>
 
-#include <QtPrinters.h>
-
 #include <functional>
 #include <map>
 #include <set>
@@ -84,18 +82,6 @@ TEST(KudTableModif, DetailsOfTheLaterNoticeReplaceAndCount)
     EXPECT_EQ(copy.getDetailsName(au), QString("old")) << "copies do not share what changes";
 }
 
-TEST(KudTableModif, ResetMergedWithAnotherCountsAsAnyNotice)
-{
-    Modif modif(Modif::Reset);
-    EXPECT_EQ(modif.getNumberOfModif(), 1);
-    modif.merge(Modif(Modif::SamplesAdded, {}, Ranks(3)));
-    modif.merge(Modif(Modif::SamplesRemoved, {}, Ranks(5)));
-    EXPECT_EQ(modif.getNumberOfModif(), 2);
-    EXPECT_TRUE(modif.testReason(Modif::Reset));
-    modif.merge(modif);
-    EXPECT_EQ(modif.addedSamples(), Ranks(3));
-}
-
 TEST(KudTableModif, EachFieldOfTheDetailsHasItsReason)
 {
     using Edit = std::function<void(HbdVariableDetails&)>;
@@ -149,12 +135,10 @@ struct Model {
     {
         reasons |= reason;
         std::vector<KudDatasetVariable>& list = lists[reason];
-        if (std::find(list.begin(), list.end(), variable) == list.end()) {
+        if (std::find(list.begin(), list.end(), variable) == list.end())
             list.push_back(variable);
-        }
-        if (reason == Modif::ValuesChanged) {
+        if (reason == Modif::ValuesChanged)
             changed[variable].insert(ranks.begin(), ranks.end());
-        }
     }
     void merge(const Model& other)
     {
@@ -197,9 +181,8 @@ void expectSame(const Modif& modif, const Model& model)
     KudDatasetVariableList all;
     for (const auto& [reason, list] : model.lists) {
         KudDatasetVariableList expected;
-        for (const KudDatasetVariable& variable : list) {
+        for (const KudDatasetVariable& variable : list)
             expected.append(variable);
-        }
         ASSERT_EQ(modif.variables(static_cast<Modif::Reason>(reason)), expected) << reason;
         all.append(expected);
     }
@@ -222,16 +205,14 @@ TEST(KudTableModif, MergingAgreesWithAPlainModel)
         const auto reason = static_cast<Modif::Reason>(1 << pick(16));
         if (pick(4) == 0) {
             notice.first = Modif(wholeRow, ranks);
-            for (const KudDatasetVariable& each : *wholeRow) {
+            for (const KudDatasetVariable& each : *wholeRow)
                 notice.second.record(Modif::ValuesChanged, each, set);
-            }
             return notice;
         }
         if (pick(3) == 0) {
             KudDatasetVariableList row;
-            for (int i = pick(30); i >= 0; --i) {
+            for (int i = pick(30); i >= 0; --i)
                 row.append(variable());
-            }
             notice.first = pick(2) ? Modif(row, ranks) : Modif();
             for (const KudDatasetVariable& each : row) {
                 notice.first.addChangedValues(each, ranks);
@@ -262,6 +243,7 @@ TEST(KudTableModif, MergingAgreesWithAPlainModel)
                 next.first.merge(more.first);
                 next.second.merge(more.second);
             }
+            total.first.merge(total.first); // changes nothing
             total.first.merge(next.first);
             total.second.merge(next.second);
             ASSERT_NO_FATAL_FAILURE(expectSame(total.first, total.second));

@@ -4,14 +4,12 @@
 #include <basic/error/HbeProgrammingError.h>
 
 #include "ErrorText.h"
-#include "QtPrinters.h"
+#include "PythonRun.h"
 
 #include <QtCore/QDate>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
-#include <QtCore/QProcess>
-#include <QtCore/QStandardPaths>
 
 namespace
 {
@@ -206,9 +204,7 @@ TEST(KueCsvWriterTest, KeepsItsMemoryBetweenBlocks)
 // Both ways against an independent codec: it reads what we write, and we read what it writes.
 TEST(KueCsvTest, AgreesWithPython)
 {
-    const QString python = QStandardPaths::findExecutable("python3");
-    if (python.isEmpty())
-        GTEST_SKIP() << "python3 is not there";
+    REQUIRE_PYTHON();
     const char* script = R"(
 import csv, io, json, sys
 data = sys.stdin.buffer.read().decode("utf-8")
@@ -234,13 +230,8 @@ sys.stdout.buffer.write(json.dumps(out).encode("ascii"))
         text += codec.encodeValues(cells) + '\n';
     }
 
-    QProcess process;
-    process.start(python, {"-c", QString::fromUtf8(script)});
-    process.write(text);
-    process.closeWriteChannel();
-    ASSERT_TRUE(process.waitForFinished()) << process.readAllStandardError().constData();
-    const QJsonArray read = QJsonDocument::fromJson(process.readAllStandardOutput()).array();
-    ASSERT_EQ(read.size(), rows.size()) << process.readAllStandardError().constData();
+    const QJsonArray read = QJsonDocument::fromJson(runPython(script, {}, text)).array();
+    ASSERT_EQ(read.size(), rows.size());
     for (int i = 0; i < rows.size(); ++i) {
         const QJsonObject object = read.at(i).toObject();
         EXPECT_EQ(object.value("row").toVariant().toStringList(), rows[i]);

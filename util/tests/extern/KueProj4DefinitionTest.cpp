@@ -1,7 +1,5 @@
 #include <util/extern/KueProj4Definition.h>
 
-#include <QtPrinters.h>
-
 TEST(KueProj4Definition, normalizesSpellingsThatSayTheSame)
 {
     const struct {

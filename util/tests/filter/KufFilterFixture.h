@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ErrorText.h"
-#include "QtPrinters.h"
 
 #include <util/dataset/KudMemoryDataTable.h>
 #include <util/dataset/KudMemoryDatasetPoint.h>
@@ -17,7 +16,6 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
-#include <cmath>
 #include <limits>
 
 // What the tests of filters share: a dataset with a column of each kind and every odd value, and

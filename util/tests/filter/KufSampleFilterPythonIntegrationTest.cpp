@@ -11,7 +11,6 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
 
 namespace
 {

@@ -135,21 +135,6 @@ TEST_F(KufFilterData, selectsWhatAPlainLoopSelects)
     EXPECT_LT(selected, 400 * COUNT / 5 * 4);
 }
 
-TEST_F(KufFilterData, undefinedValuesPassOnlyANegationOfTheWhole)
-{
-    for (const char* column : {"zinc", "Pb[1].x", "count", "day", "name"}) {
-        KufSampleFilter filter;
-        if (QString("name") == column)
-            filter.addRule(onPoints(column), Alpha(Alpha::Mode::NOT_EQUAL_TO, "no such text"));
-        else
-            filter.addRule(onPoints(column), Numeric(Operator::NOT_EQUAL, 77.0));
-        const QBitArray bits = select(filter, points);
-        EXPECT_EQ(bits.count(false), points.readValues(onPoints(column))->getUndefinedCount());
-        filter.setCombination("not R1");
-        EXPECT_EQ(select(filter, points), ~bits);
-    }
-}
-
 TEST(KufSampleFilterQBitArrayVisitor, everyLengthOfABlockIsWhole)
 {
     for (const int count : {0, 1, 63, 64, 65, 8191, 8192, 8193, 16384, 20000}) {

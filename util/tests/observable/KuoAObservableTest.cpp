@@ -1,9 +1,6 @@
 #include <util/observable/KuoLockObserver.h>
 
-#include <basic/base/HbbDebug.h>
-
 #include "CapturedLog.h"
-#include "QtPrinters.h"
 
 #include <functional>
 #include <stdexcept>

@@ -3,7 +3,6 @@
 #include <util/system/KusFileUtils.h>
 
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
 #include <QtCore/QDateTime>
 

@@ -1,10 +1,7 @@
 #include <util/system/KusFileUtils.h>
 
-#include <basic/base/HbbDebug.h>
-
 #include "CapturedLog.h"
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
 #include <chrono>
 #include <thread>

@@ -4,7 +4,6 @@
 
 #include "ErrorText.h"
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
 #include <QtCore/QRegularExpression>
 

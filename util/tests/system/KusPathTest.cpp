@@ -5,7 +5,6 @@
 
 #include "ErrorText.h"
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
 namespace
 {
@@ -26,7 +25,6 @@ protected:
     QTemporaryDir m_dir;
     KusPath::ProjectResolver m_previous;
 };
-
 } // namespace
 
 TEST_F(KusPathTest, ResolvesShortcutsInTheProject)

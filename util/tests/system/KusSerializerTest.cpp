@@ -1,7 +1,5 @@
 #include <util/system/KusSerializer.h>
 
-#include "QtPrinters.h"
-
 #include <basic/error/HbeProgrammingError.h>
 
 #include <QtCore/QDate>

@@ -2,18 +2,14 @@
 #include <util/utils/KuuCoordSystemCatalogFile.h>
 #include <util/utils/KuuCoordSystemService.h>
 
-#include <basic/base/HbbDebug.h>
 #include <basic/error/HbeDiskError.h>
 #include <basic/error/HbeUserError.h>
 #include <util/system/KusFileUser.h>
 
 #include "CapturedLog.h"
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
-#include <QtCore/QDir>
 #include <QtCore/QSet>
-#include <QtCore/QTemporaryDir>
 
 #include <thread>
 

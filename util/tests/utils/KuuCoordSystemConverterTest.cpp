@@ -9,15 +9,12 @@
 #include <basic/unit/HbuUnitService.h>
 
 #include "ErrorText.h"
-#include "QtPrinters.h"
 
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <proj.h>
-#include <random>
 #include <thread>
-#include <tuple>
 
 namespace
 {

@@ -2,16 +2,10 @@
 // what they ask can be said as a conversion from one coordinate system to another.
 #include <util/utils/KuuCoordSystemConverter.h>
 
-#include <basic/error/HbeUserError.h>
-
-#include <QtCore/QDir>
 #include <QtCore/QRegularExpression>
-
-#include <QtPrinters.h>
 
 #include <cmath>
 #include <iostream>
-#include <memory>
 #include <proj.h>
 
 namespace

@@ -3,8 +3,6 @@
 #include <util/utils/KuuCoordSystemSearch.h>
 #include <util/utils/KuuCoordSystemService.h>
 
-#include <QtPrinters.h>
-
 namespace
 {
 using Search = KuuCoordSystemSearch;

@@ -5,11 +5,9 @@
 #include <basic/unit/HbuUnitService.h>
 
 #include "ErrorText.h"
-#include "QtPrinters.h"
 
 namespace
 {
-
 using Mode = Ku::CoordSystemMode;
 
 const char* const UTM31 = "+proj=utm +zone=31 +datum=WGS84 +units=m +no_defs";
@@ -30,7 +28,6 @@ HbuUnit length(const char* key)
 {
     return HbuUnitService::getInstance().getUnit(HbuEUnitClass::LENGTH, QString::fromUtf8(key));
 }
-
 } // namespace
 
 TEST(KuuCoordSystem, readsAndWritesItsTextForm)

@@ -6,10 +6,6 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/unit/HbuUnitService.h>
 
-#include <QtPrinters.h>
-
-#include <map>
-
 namespace
 {
 using Primitive = HbgEPrimitive;

@@ -6,12 +6,9 @@
 #include <basic/base/HbbGlobal.h>
 #include <basic/error/HbeUserError.h>
 
-#include <QtPrinters.h>
-
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <random>
 
 namespace
 {

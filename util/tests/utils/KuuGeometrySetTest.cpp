@@ -4,8 +4,6 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/interval/HbiIntervalIntSmallDisjoint.h>
 
-#include <QtPrinters.h>
-
 #include <cmath>
 #include <limits>
 #include <map>

@@ -2,14 +2,9 @@
 
 #include "CapturedLog.h"
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
-#include <basic/base/HbbDebug.h>
-#include <basic/base/HbbGlobal.h>
 #include <basic/error/HbeError.h>
 #include <util/system/KusFileUser.h>
-
-#include <cmath>
 
 namespace
 {

@@ -2,7 +2,6 @@
 
 #include "ErrorText.h"
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
 #include <basic/error/HbeError.h>
 
@@ -48,19 +47,10 @@ TEST_F(KuxDomTest, AMissingFileIsCreatedOnlyOnRequest)
 
 TEST_F(KuxDomTest, ValuesComeBackEqualFromTheFile)
 {
-    const QVariantList values{1,
-                              "1",
-                              2.5,
-                              true,
-                              QVariant(),
-                              " ",
-                              "",
-                              "@x",
-                              QByteArray("\0", 1),
-                              "a\r\nb",
-                              "é<",
-                              1e300,
-                              QVariantList{1, "x"}};
+    const QVariantList list{1, "x"};
+    const QByteArray zero("\0", 1);
+    const QVariantList values{1,    "1",  2.5,      true, QVariant(), " ", "",
+                              "@x", zero, "a\r\nb", "é<", 1e300,      list};
     int i = 0;
     for (const QVariant& value : values) {
         const QString path = QString("group/with blank/v%1").arg(i++);

@@ -2,9 +2,7 @@
 
 #include "CapturedLog.h"
 #include "ErrorText.h"
-#include "QtPrinters.h"
 
-#include <basic/base/HbbDebug.h>
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 #include <util/xml/KuxXml.h>

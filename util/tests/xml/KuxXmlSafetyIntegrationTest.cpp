@@ -2,7 +2,6 @@
 
 #include "CapturedLog.h"
 #include "ErrorText.h"
-#include "QtPrinters.h"
 
 #include <basic/error/HbeDiskError.h>
 #include <basic/error/HbeProgrammingError.h>

@@ -2,7 +2,6 @@
 
 #include "ErrorText.h"
 #include "FileBytes.h"
-#include "QtPrinters.h"
 
 #include <basic/base/HbbOrderedMap.h>
 #include <basic/error/HbeProgrammingError.h>
