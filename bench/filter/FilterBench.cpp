@@ -153,10 +153,10 @@ labels = {code: label + str(code) for code in range(categories)}
 data = {'zinc': grades(), 'lead': grades(), 'landuse': kelvane.Categories(codes, labels)}
 kelvane.evaluate(text, data)
 rounds = 30
-start = time.process_time()
+start = time.perf_counter()
 for _ in range(rounds):
     kelvane.evaluate(text, data)
-print((time.process_time() - start) / rounds)
+print((time.perf_counter() - start) / rounds)
 )";
 
 /// Seconds that Python takes, on average like the others; 0 when a package is missing.
@@ -203,8 +203,9 @@ void numPyWithLongNames(benchmark::State& state)
 }
 } // namespace
 
-BENCHMARK(filterToBits)->Unit(benchmark::kMillisecond);
-BENCHMARK(filterWithLongNames)->Unit(benchmark::kMillisecond);
+// By the clock: all cores work on them.
+BENCHMARK(filterToBits)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(filterWithLongNames)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(loopByHand)->Unit(benchmark::kMillisecond);
 BENCHMARK(numPy)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(1);
 BENCHMARK(numPyWithLongNames)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(1);

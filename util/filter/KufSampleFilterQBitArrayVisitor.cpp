@@ -8,12 +8,20 @@
 #include <QtCore/QtEndian>
 
 #include <algorithm>
+#include <atomic>
+#include <future>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 namespace
 {
 constexpr int BLOCK_SIZE = 8192; // samples; what a rule reads of them stays in the cache
 constexpr int BLOCK_WORDS = BLOCK_SIZE / 64;
+
+/// Blocks that a thread takes at a time: next to each other, as memory likes to be read, and enough
+/// of them to be worth a thread.
+constexpr int RUN_BLOCKS = 32;
 } // namespace
 
 /// The combination as instructions for a stack of bit blocks.
@@ -33,6 +41,7 @@ struct KufSampleFilterQBitArrayVisitor::Program {
     }
 
     QBitArray run() const;
+    void runAll(int count, quint64* words) const;
     void runBlock(int first, int count, quint64* stack) const;
 
     const KufISampleFilter* filter = nullptr;
@@ -71,18 +80,43 @@ void KufSampleFilterQBitArrayVisitor::Program::runBlock(int first, int count, qu
     }
 }
 
+/// Large tables on all cores: the columns are only read, and each block has words of its own.
+void KufSampleFilterQBitArrayVisitor::Program::runAll(int count, quint64* words) const
+{
+    const int blockCount = count / BLOCK_SIZE + (count % BLOCK_SIZE != 0);
+    std::atomic<int> nextRun(0);
+    const auto work = [&](std::vector<quint64> stack) {
+        const int runCount = (blockCount + RUN_BLOCKS - 1) / RUN_BLOCKS;
+        for (int run = nextRun++; run < runCount; run = nextRun++) {
+            const int end = std::min((run + 1) * RUN_BLOCKS, blockCount);
+            for (int block = run * RUN_BLOCKS; block < end; ++block) {
+                const int first = block * BLOCK_SIZE;
+                const int size = std::min(BLOCK_SIZE, count - first);
+                runBlock(first, size, stack.data());
+                qToLittleEndian<quint64>(stack.data(), (size + 63) / 64, words + first / 64);
+            }
+        }
+    };
+    const std::vector<quint64> stack(maxDepth * BLOCK_WORDS);
+    std::vector<std::future<void>> helpers; // waited for where they end
+    const int cores = static_cast<int>(std::thread::hardware_concurrency());
+    const int helperCount = std::min(cores, blockCount / RUN_BLOCKS) - 1;
+    try {
+        while (static_cast<int>(helpers.size()) < helperCount)
+            helpers.push_back(std::async(std::launch::async, work, stack));
+    } catch (const std::system_error&) {
+        // A system out of threads: those there are do the work.
+    }
+    work(stack);
+}
+
 QBitArray KufSampleFilterQBitArrayVisitor::Program::run() const
 {
     const int count = table->getSampleCount();
     if (steps.empty())
         return QBitArray(count, true);
-    std::vector<quint64> stack(maxDepth * BLOCK_WORDS);
     std::vector<quint64> words((static_cast<std::size_t>(count) + 63) / 64);
-    for (int first = 0; first < count; first += std::min(BLOCK_SIZE, count - first)) {
-        const int size = std::min(BLOCK_SIZE, count - first);
-        runBlock(first, size, stack.data());
-        qToLittleEndian<quint64>(stack.data(), (size + 63) / 64, words.data() + first / 64);
-    }
+    runAll(count, words.data());
     // Bits beyond the last sample, which a negation sets, are left out here.
     return QBitArray::fromBits(reinterpret_cast<const char*>(words.data()), count);
 }

@@ -135,9 +135,10 @@ TEST_F(KufFilterData, selectsWhatAPlainLoopSelects)
     EXPECT_LT(selected, 400 * COUNT / 5 * 4);
 }
 
+// A million samples are the work of several threads.
 TEST(KufSampleFilterQBitArrayVisitor, everyLengthOfABlockIsWhole)
 {
-    for (const int count : {0, 1, 63, 64, 65, 8191, 8192, 8193, 16384, 20000}) {
+    for (const int count : {0, 1, 63, 64, 65, 8191, 8192, 8193, 20000, 1000000}) {
         KudMemoryDatasetPoint points("p");
         HbdDataTable table;
         auto variable = std::make_unique<HbdVariableReal>(HbdVariableDetails("v"));
