@@ -10,8 +10,8 @@
 class KudADataset;
 
 /// The samples that pass a filter, one bit each, as KudSelector::setBitArray takes them. One pass
-/// over the columns, block by block, on all cores when there are half a million samples or more; ten
-/// million take about a hundredth of a second. Nobody edits the dataset meanwhile.
+/// over the columns, block by block, on all cores when there are half a million samples or more;
+/// ten million take about a hundredth of a second. Nobody edits the dataset meanwhile.
 ///
 /// Each rule tests what its Python form tests (KufSampleFilterPythonVisitor); undefined values fail
 /// every rule (KufISampleFilterRule). Integers and dates are compared exactly, without a detour by
