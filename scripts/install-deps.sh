@@ -11,9 +11,10 @@ set -euo pipefail
 run=(g++ cmake ninja-build pkg-config ccache
     qtbase5-dev qtbase5-dev-tools libboost-dev libproj-dev proj-data libzstd-dev zlib1g-dev)
 test=(git libgtest-dev libgmock-dev python3 python3-numpy python3-zstandard python3-dask
-    python3-distributed zstd locales units
+    python3-distributed zstd libarchive-tools locales units
     fonts-dejavu-core)
-bench=(libbenchmark-dev libsqlite3-dev python3 python3-numpy python3-zstandard)
+bench=(libbenchmark-dev libsqlite3-dev python3 python3-numpy python3-zstandard zstd
+    libarchive-tools)
 check=(git python3 clang clang-format clang-tidy libclang-rt-14-dev doxygen
     python3-pycodestyle)
 
