@@ -1,20 +1,9 @@
 // Stands in while the parts are being written; nothing of it stays.
-#include "KusArchiveExtractor.h"
 #include "KusArchivePacker.h"
 #include "KusArchiveVerifier.h"
 
 #include <util/system/KusArchiveReader.h>
-// extraction
-KusArchiveExtractor::KusArchiveExtractor(const QString& a, const QString& t,
-                                         const KusArchive::ExtractInfo& i, KusArchiveProgress& p)
-    : m_archivePath(a)
-    , m_targetPath(t)
-    , m_info(i)
-    , m_progress(p)
-{
-}
-KusArchiveExtractor::~KusArchiveExtractor() = default;
-void KusArchiveExtractor::run(){Q_UNUSED(m_progress)} // packing
+// packing
 KusArchivePacker::KusArchivePacker(const QString& a, const QString& s,
                                    const KusArchive::ArchiveInfo& i, KusArchiveProgress& p)
     : m_archivePath(a)
