@@ -2,8 +2,6 @@
 #include "KusArchivePacker.h"
 #include "KusArchiveVerifier.h"
 
-#include <util/system/KusArchiveReader.h>
-// packing
 KusArchivePacker::KusArchivePacker(const QString& a, const QString& s,
                                    const KusArchive::ArchiveInfo& i, KusArchiveProgress& p)
     : m_archivePath(a)
@@ -24,16 +22,4 @@ KusArchiveVerifier::KusArchiveVerifier(const QString& a, const KusArchive::Extra
 KusArchive::Verification KusArchiveVerifier::run()
 {
     Q_UNUSED(m_progress) return {};
-}
-// streams
-struct KusArchiveReader::Private {
-};
-KusArchiveReader::KusArchiveReader(const QString& a, Mode)
-    : m_path(a)
-{
-}
-KusArchiveReader::~KusArchiveReader() = default;
-HbdSpan<const char> KusArchiveReader::_next(int)
-{
-    return {};
 }
