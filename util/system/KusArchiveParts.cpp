@@ -4,7 +4,6 @@
 #include "KusArchiveVerifier.h"
 
 #include <util/system/KusArchiveReader.h>
-#include <util/system/KusTarReader.h>
 // extraction
 KusArchiveExtractor::KusArchiveExtractor(const QString& a, const QString& t,
                                          const KusArchive::ExtractInfo& i, KusArchiveProgress& p)
@@ -46,15 +45,6 @@ KusArchiveReader::KusArchiveReader(const QString& a, Mode)
 }
 KusArchiveReader::~KusArchiveReader() = default;
 HbdSpan<const char> KusArchiveReader::_next(int)
-{
-    return {};
-}
-// tar
-struct KusTarReader::Private {
-};
-KusTarReader::KusTarReader(KusArchiveInput&, const QString&) {}
-KusTarReader::~KusTarReader() = default;
-QVariantMap KusTarReader::readInformation()
 {
     return {};
 }
