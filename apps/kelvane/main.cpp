@@ -21,10 +21,11 @@ constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
 
 std::vector<ToolCommand> createCommands()
 {
-    return {createImportCommand(),  createInfoCommand(),  createSetCommand(),
-            createSelectCommand(),  createTableCommand(), createExportCommand(),
-            createCheckCommand(),   createMapCommand(),   createCsCommand(),
-            createConvertCommand(), createUnitsCommand()};
+    return {createImportCommand(),  createInfoCommand(),   createSetCommand(),
+            createSelectCommand(),  createTableCommand(),  createExportCommand(),
+            createCheckCommand(),   createMapCommand(),    createCsCommand(),
+            createConvertCommand(), createUnitsCommand(),  createPackCommand(),
+            createUnpackCommand(),  createArchiveCommand()};
 }
 
 QString generalHelp(const std::vector<ToolCommand>& commands)
@@ -67,8 +68,8 @@ int runCommand(const ToolCommand& command, const QStringList& arguments)
         ToolOutput::print(command.getHelp());
         return ExitDone;
     }
-    // Every command reads or writes units: a variable may have one of the user's own.
-    KuuUnitCatalog::init();
+    if (command.usesUnits)
+        KuuUnitCatalog::init(); // a variable may have a unit of the user's own
     return command.run(line);
 }
 
