@@ -12,7 +12,10 @@
 #include <QtCore/QTextCodec>
 #include <QtGui/QGuiApplication>
 
+#include <cstdlib>
+#include <fcntl.h>
 #include <memory>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -48,6 +51,17 @@ void keepQtQuiet(QtMsgType type, const QMessageLogContext&, const QString& messa
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
         ToolOutput::printError(message);
+}
+
+/// A file of ours must not get the number of a stream that the caller has closed, or our messages
+/// would go into it. What stands in for the stream fails as a closed one does.
+void fillStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0 &&
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) != stream)
+            std::abort();
+    }
 }
 
 /// The application that a command needs: drawing takes fonts, and no display.
@@ -132,6 +146,7 @@ int guard(const std::vector<ToolCommand>& commands, const QStringList& arguments
 
 int main(int argc, char** argv)
 {
+    fillStandardStreams();
     qInstallMessageHandler(&keepQtQuiet);
     const std::vector<ToolCommand> commands = createCommands();
     bool draws = false;
