@@ -2,7 +2,6 @@
 #include "KusArchiveExtractor.h"
 #include "KusArchiveVerifier.h"
 
-#include <util/system/KusArchiveReader.h>
 // extraction
 KusArchiveExtractor::KusArchiveExtractor(const QString& a, const QString& t,
                                          const KusArchive::ExtractInfo& i, KusArchiveProgress& p)
@@ -24,16 +23,4 @@ KusArchiveVerifier::KusArchiveVerifier(const QString& a, const KusArchive::Extra
 KusArchive::Verification KusArchiveVerifier::run()
 {
     Q_UNUSED(m_progress) return {};
-}
-// streams
-struct KusArchiveReader::Private {
-};
-KusArchiveReader::KusArchiveReader(const QString& a, Mode)
-    : m_path(a)
-{
-}
-KusArchiveReader::~KusArchiveReader() = default;
-HbdSpan<const char> KusArchiveReader::_next(int)
-{
-    return {};
 }
