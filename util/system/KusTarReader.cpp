@@ -7,6 +7,7 @@
 #include <util/system/KusArchiveInformation.h>
 #include <util/system/KusArchiveInput.h>
 #include <util/system/KusFileUtils.h>
+#include <util/system/KusMemberPath.h>
 
 #include <basic/error/HbeUserError.h>
 
@@ -30,18 +31,9 @@ constexpr char LONG_LINK_TYPE = 'K';
 
 const QByteArray POSIX_MAGIC("ustar\0", 6);
 
-/// The name for a message: a hostile one must not write to the terminal, or fill it.
 QString shown(const QByteArray& name)
 {
-    constexpr int LONGEST = 1000;
-    QString text = QString::fromUtf8(name.left(LONGEST));
-    if (name.size() > LONGEST)
-        text += QChar(0x2026);
-    for (QChar& c : text) {
-        if (c.category() == QChar::Other_Control)
-            c = QChar::ReplacementCharacter;
-    }
-    return text;
+    return KusMemberPath::toText(name);
 }
 
 QByteArray lastElement(const QByteArray& name)
