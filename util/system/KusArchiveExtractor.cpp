@@ -187,6 +187,7 @@ void KusArchiveExtractor::unpackDirectory()
     if (!m_staging->makeDirectory(toView(m_path)))
         failToCreate(true);
     m_staging->setDirectory(toView(m_path), record.permissionBits(), record.modifSeconds());
+    m_progress.countMember(0);
 }
 
 void KusArchiveExtractor::unpackFile()
@@ -210,6 +211,7 @@ void KusArchiveExtractor::unpackFile()
     writeFile(file.descriptor);
     if (!file.close()) // some disks tell only now that they are full
         failToCreate(false);
+    m_progress.countMember(m_tar->getSize());
 }
 
 /// Refuses what stands in the target where the member would have to be, or in the way there.
