@@ -24,6 +24,3 @@ KusArchive::Verification KusArchiveVerifier::run()
 {
     Q_UNUSED(m_progress) return {};
 }
-{
-    return {};
-}
