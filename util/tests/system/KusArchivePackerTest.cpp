@@ -395,8 +395,8 @@ TEST_F(KusArchivePackerTest, TheOlderArchiveInTheSourceIsLeftOut)
 TEST_F(KusArchivePackerTest, AnyDepthTakesFewDescriptors)
 {
     QByteArray deep("s");
-    for (int i = 0; i < 3000; ++i)
-        deep += "/d";
+    for (int i = 0; i < 500; ++i)
+        deep += "/directory";
     make(deep + "/f", "1");
     make("s/e/f", "2");
     rlimit former = {};
@@ -407,8 +407,8 @@ TEST_F(KusArchivePackerTest, AnyDepthTakesFewDescriptors)
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &former), 0);
     ASSERT_EQ(error, "no error");
     const QList<QByteArray> found = names("a.tar.zst");
-    ASSERT_EQ(found.size(), 3004);
-    EXPECT_TRUE(found.at(3001) == deep + "/f");
+    ASSERT_EQ(found.size(), 504);
+    EXPECT_TRUE(found.at(501) == deep + "/f");
     EXPECT_EQ(found.last(), "s/e/f");
 }
 
