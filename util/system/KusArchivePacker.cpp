@@ -309,6 +309,13 @@ void KusArchivePacker::writeInformation(KusArchiveOutput& output,
     output.addData(information);
 }
 
+void KusArchivePacker::addMember(KusArchiveOutput& output, const KusTarFile& file,
+                                 const QByteArray& above)
+{
+    output.addHeader(file, above);
+    m_progress.countMember(file.size);
+}
+
 void KusArchivePacker::writeSingleFile(KusArchiveOutput& output)
 {
     struct stat facts = {};
@@ -316,11 +323,12 @@ void KusArchivePacker::writeSingleFile(KusArchiveOutput& output)
         KusArchiveWalk::failAsChanged(getShownSource());
     if (m_progress.showsMembers())
         m_progress.setMember(QFile::decodeName(m_sourceName));
-    output.addHeader(KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
+    addMember(output, KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
     const int error = output.addData(m_source.get(), facts.st_size);
     if (error != 0)
         KusArchiveWalk::failAt(getShownSource(), error);
     m_writtenSize = facts.st_size;
+    m_progress.countMember(facts.st_size);
 }
 
 void KusArchivePacker::writeDirectory(KusArchiveOutput& output)
@@ -329,7 +337,7 @@ void KusArchivePacker::writeDirectory(KusArchiveOutput& output)
     KusArchiveWalk::Descriptor directory = reopenDirectory();
     if (::fstat(directory.get(), &facts) != 0)
         KusArchiveWalk::failAsChanged(getShownSource());
-    output.addHeader(KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
+    addMember(output, KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
 
     std::vector<Pending> pending;
     KusArchiveWalk walk(std::move(directory), m_sourceName, m_shownBase);
@@ -363,7 +371,7 @@ void KusArchivePacker::writePending(KusArchiveOutput& output, const QByteArray& 
         const QByteArray above = name.left(directory.directorySize);
         if (m_progress.showsMembers())
             m_progress.setMember(QFile::decodeName(above + '/' + directory.file.name));
-        output.addHeader(directory.file, above);
+        addMember(output, directory.file, above);
     }
     pending.clear();
 }
@@ -381,9 +389,10 @@ void KusArchivePacker::writeFile(KusArchiveOutput& output, const KusArchiveWalk&
     writePending(output, walk.getName(), pending);
     if (m_progress.showsMembers())
         m_progress.setMember(QFile::decodeName(walk.getName()));
-    output.addHeader(KusTarFile::fromSystem(name, facts), walk.getDirectory());
+    addMember(output, KusTarFile::fromSystem(name, facts), walk.getDirectory());
     const int error = output.addData(file.get(), facts.st_size);
     if (error != 0)
         walk.fail(error);
     m_writtenSize += facts.st_size;
+    m_progress.countMember(facts.st_size);
 }
