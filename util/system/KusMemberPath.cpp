@@ -8,6 +8,7 @@
 namespace
 {
 constexpr std::ptrdiff_t LONGEST_ELEMENT = 255; // bytes, on every usual file system
+constexpr int LONGEST_SHOWN = 5000;             // bytes; longer than any path of a file may be
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(KusMemberPath)
@@ -124,6 +125,18 @@ QString KusMemberPath::findFault(const QByteArray& name)
     return QString();
 }
 
+QString KusMemberPath::getShownText(const QByteArray& name)
+{
+    QString text = QString::fromUtf8(name.left(LONGEST_SHOWN));
+    if (name.size() > LONGEST_SHOWN)
+        text += QChar(0x2026); // an ellipsis
+    for (QChar& c : text) {
+        if (c.category() == QChar::Other_Control)
+            c = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 quint64 KusMemberPath::getFoldedHash(const QByteArray& name)
 {
     Hash hash;
@@ -137,17 +150,4 @@ quint64 KusMemberPath::getFoldedHash(const QByteArray& name)
             addFolded(hash, begin, end);
     });
     return hash.value;
-}
-
-QString KusMemberPath::toText(const QByteArray& name)
-{
-    constexpr int LONGEST = 1000;
-    QString text = QString::fromUtf8(name.left(LONGEST));
-    if (name.size() > LONGEST)
-        text += QChar(0x2026);
-    for (QChar& c : text) {
-        if (c.category() == QChar::Other_Control)
-            c = QChar::ReplacementCharacter;
-    }
-    return text;
 }

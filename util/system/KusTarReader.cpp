@@ -31,11 +31,6 @@ constexpr char LONG_LINK_TYPE = 'K';
 
 const QByteArray POSIX_MAGIC("ustar\0", 6);
 
-QString shown(const QByteArray& name)
-{
-    return KusMemberPath::toText(name);
-}
-
 QByteArray lastElement(const QByteArray& name)
 {
     return name.mid(name.lastIndexOf('/') + 1);
@@ -164,12 +159,12 @@ void KusTarReader::Private::skip(qint64 count, const QByteArray& what)
 void KusTarReader::Private::claim(qint64 count, const QByteArray& what) const
 {
     if (position > limit || count > limit - position)
-        throw HbeUserError(
-            tr("Archive file '%1' holds more than the %2 that are allowed.")
-                .arg(path, KusFileUtils::getStringSize(limit)) +
-            QLatin1Char('\n') +
-            tr("'%1' at byte %2 goes beyond it with %3.")
-                .arg(shown(what), QString::number(offset), KusFileUtils::getStringSize(count)));
+        throw HbeUserError(tr("Archive file '%1' holds more than the %2 that are allowed.")
+                               .arg(path, KusFileUtils::getStringSize(limit)) +
+                           QLatin1Char('\n') +
+                           tr("'%1' at byte %2 goes beyond it with %3.")
+                               .arg(KusMemberPath::getShownText(what), QString::number(offset),
+                                    KusFileUtils::getStringSize(count)));
 }
 
 void KusTarReader::Private::passMember()
@@ -269,12 +264,12 @@ void KusTarReader::Private::beginMember()
     claim(stored, name);
     size = isDirectory ? 0 : stored;
     if (announced >= 0 && size > announced - totalSize)
-        throw HbeUserError(
-            tr("Archive file '%1' holds more than the %2 that it announces.")
-                .arg(path, KusFileUtils::getStringSize(announced)) +
-            QLatin1Char('\n') +
-            tr("'%1' at byte %2 goes beyond it with %3.")
-                .arg(shown(name), QString::number(offset), KusFileUtils::getStringSize(size)));
+        throw HbeUserError(tr("Archive file '%1' holds more than the %2 that it announces.")
+                               .arg(path, KusFileUtils::getStringSize(announced)) +
+                           QLatin1Char('\n') +
+                           tr("'%1' at byte %2 goes beyond it with %3.")
+                               .arg(KusMemberPath::getShownText(name), QString::number(offset),
+                                    KusFileUtils::getStringSize(size)));
     dataLeft = size;
     skipLeft = KusTarRecord::getPaddedSize(stored) - size;
     hasRightChecksum = hasRightExtensions && record.hasRightChecksum();
@@ -294,7 +289,7 @@ void KusTarReader::Private::finish()
         throw HbeUserError(
             tr("Corrupted archive file '%1' (the extended information of '%2' is its end, at byte "
                "%3).")
-                .arg(path, shown(extendedName), QString::number(offset)));
+                .arg(path, KusMemberPath::getShownText(extendedName), QString::number(offset)));
 }
 
 // Extended information
@@ -401,22 +396,24 @@ void KusTarReader::Private::refuseBlock() const
     if (offset == 0)
         throw HbeUserError(tr("'%1' is not a valid archive file.").arg(path) + QLatin1Char('\n') +
                            tr("Decompressed, it does not begin with the header of a tar archive."));
-    throw HbeUserError(tr("Corrupted archive file '%1' (what stands at byte %2, '%3', is no "
-                          "header of a tar archive).")
-                           .arg(path, QString::number(offset), shown(recordName())));
+    throw HbeUserError(
+        tr("Corrupted archive file '%1' (what stands at byte %2, '%3', is no "
+           "header of a tar archive).")
+            .arg(path, QString::number(offset), KusMemberPath::getShownText(recordName())));
 }
 
 void KusTarReader::Private::refuse(const QString& fault) const
 {
-    throw HbeUserError(tr("Cannot extract '%1' from archive file '%2': %3 (at byte %4).")
-                           .arg(shown(recordName()), path, fault, QString::number(offset)));
+    throw HbeUserError(
+        tr("Cannot extract '%1' from archive file '%2': %3 (at byte %4).")
+            .arg(KusMemberPath::getShownText(recordName()), path, fault, QString::number(offset)));
 }
 
 void KusTarReader::Private::refuseDecoding(const QByteArray& what, const QString& fault) const
 {
     QString message =
         tr("Cannot decode extended information '%1' because archive file '%2' is corrupted.")
-            .arg(shown(what), path);
+            .arg(KusMemberPath::getShownText(what), path);
     if (!fault.isEmpty())
         message += QLatin1Char('\n') + fault;
     throw HbeUserError(message);
@@ -424,9 +421,10 @@ void KusTarReader::Private::refuseDecoding(const QByteArray& what, const QString
 
 void KusTarReader::Private::refuseCut(const QByteArray& what) const
 {
-    throw HbeUserError(
-        tr("Cannot extract '%1' because archive file '%2' is corrupted.").arg(shown(what), path) +
-        QLatin1Char('\n') + tr("The archive ends at byte %1, within its data.").arg(position));
+    throw HbeUserError(tr("Cannot extract '%1' because archive file '%2' is corrupted.")
+                           .arg(KusMemberPath::getShownText(what), path) +
+                       QLatin1Char('\n') +
+                       tr("The archive ends at byte %1, within its data.").arg(position));
 }
 
 // The class
@@ -466,7 +464,7 @@ QVariantMap KusTarReader::readInformation()
     const qint64 count = record.size();
     if (count > KusArchiveInformation::MAX_SIZE)
         throw HbeUserError(tr("Cannot extract '%1' because archive file '%2' is corrupted.")
-                               .arg(shown(m->name), m->path) +
+                               .arg(KusMemberPath::getShownText(m->name), m->path) +
                            QLatin1Char('\n') +
                            tr("It has %1; at most %2 are allowed.")
                                .arg(KusFileUtils::getStringSize(count),
