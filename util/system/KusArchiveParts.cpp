@@ -2,7 +2,6 @@
 #include "KusArchiveExtractor.h"
 #include "KusArchivePacker.h"
 
-#include <util/system/KusArchiveReader.h>
 // extraction
 KusArchiveExtractor::KusArchiveExtractor(const QString& a, const QString& t,
                                          const KusArchive::ExtractInfo& i, KusArchiveProgress& p)
@@ -27,19 +26,6 @@ void KusArchivePacker::run(const QVariantMap&)
 {
     Q_UNUSED(m_progress)
 }
-// streams
-struct KusArchiveReader::Private {
-};
-KusArchiveReader::KusArchiveReader(const QString& a, Mode)
-    : m_path(a)
-{
-}
-KusArchiveReader::~KusArchiveReader() = default;
-HbdSpan<const char> KusArchiveReader::_next(int)
-{
-    return {};
-}
-qint64 KusArchiveReader::getFileSize()
 {
     return 0;
 }
