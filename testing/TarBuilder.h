@@ -13,6 +13,7 @@ class TarBuilder
 {
 public:
     static constexpr int BLOCK = 512;
+    static constexpr int TIME = 1000000001; ///< of each member
 
     /// A place in a header.
     struct Field {
@@ -32,7 +33,7 @@ public:
         write({108, 8}, "0000000");
         write({116, 8}, "0000000");
         write(SIZE, QByteArray::number(data.size(), 8).rightJustified(11, '0'));
-        write(MTIME, "07346545001"); // 2001-09-09 01:46:41 UTC, one second past 10^9
+        write(MTIME, QByteArray::number(TIME, 8));
         write(TYPE, QByteArray(1, type));
         write(MAGIC, QByteArray("ustar\00000", 8));
         correctChecksum();
