@@ -60,8 +60,8 @@ KusArchiveCommit::KusArchiveCommit(KusArchiveStaging& staging, const QString& ar
     : m_staging(staging)
     , m_archivePath(archivePath)
     , m_replaces(replaces)
-    , m_sources(staging.getMembers(), KusArchiveWalk::Use::READ)
-    , m_places(staging.getTarget(), KusArchiveWalk::Use::SEARCH)
+    , m_sources(staging.getMembers(), KusArchiveDescent::Use::READ)
+    , m_places(staging.getTarget(), KusArchiveDescent::Use::SEARCH)
 {
 }
 
@@ -97,7 +97,7 @@ void KusArchiveCommit::merge(const std::string& path, const std::function<void()
     m_merges.push_back({path, facts.st_mtim, std::string()});
     std::string& entries = m_merges.back().entries;
     // Listed first: exchanging adds entries to the directory.
-    const bool listed = KusArchiveWalk::list(m_source, [&](const char* name, bool isDirectory) {
+    const bool listed = KusArchiveDescent::list(m_source, [&](const char* name, bool isDirectory) {
         entries.push_back(PENDING);
         entries.push_back(isDirectory ? 'd' : 'f');
         entries.append(name).push_back('\0');
@@ -131,7 +131,7 @@ KusArchiveCommit::State KusArchiveCommit::place(const std::string& path, const c
 
 KusArchiveCommit::State KusArchiveCommit::placeDirectory(const std::string& path, const char* name)
 {
-    const std::string whole = KusArchiveWalk::join(path, name);
+    const std::string whole = KusArchiveDescent::join(path, name);
     const QString text = m_staging.getText(whole);
     if (rename(m_source, name, m_place, name)) {
         // The move took the owner's permissions.
@@ -160,7 +160,7 @@ KusArchiveCommit::State KusArchiveCommit::placeFile(const std::string& path, con
 {
     if (rename(m_source, name, m_place, name))
         return MOVED;
-    const QString text = m_staging.getText(KusArchiveWalk::join(path, name));
+    const QString text = m_staging.getText(KusArchiveDescent::join(path, name));
     struct stat facts = {};
     if (errno != EEXIST || ::fstatat(m_place, name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
         throw HbeDiskError(withReason(tr("Cannot create file '%1'.").arg(text)));

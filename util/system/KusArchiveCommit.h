@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KusArchiveWalk.h"
+#include "KusArchiveDescent.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QString>
@@ -51,8 +51,8 @@ private:
     KusArchiveStaging& m_staging;
     QString m_archivePath;
     bool m_replaces;
-    KusArchiveWalk m_sources;
-    KusArchiveWalk m_places;
+    KusArchiveDescent m_sources;
+    KusArchiveDescent m_places;
     int m_source = -1; // the directories at work, borrowed from the walks
     int m_place = -1;
     std::vector<std::string> m_pending;

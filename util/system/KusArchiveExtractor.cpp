@@ -136,7 +136,7 @@ void KusArchiveExtractor::checkSpace(qint64 announced) const
 void KusArchiveExtractor::readMembers()
 {
     m_places =
-        std::make_unique<KusArchiveWalk>(m_staging->getTarget(), KusArchiveWalk::Use::SEARCH);
+        std::make_unique<KusArchiveDescent>(m_staging->getTarget(), KusArchiveDescent::Use::SEARCH);
     for (; m_tar->nextMember(); look())
         unpackMember();
     // The checksum comes last, and nothing is put in place before it is right.
@@ -152,7 +152,7 @@ void KusArchiveExtractor::unpackMember()
     if (!takeName())
         return;
     if (m_progress.showsMembers())
-        m_progress.setMember(KusMemberPath::toText(m_path));
+        m_progress.setMember(KusMemberPath::getShownText(m_path));
     if (!m_info.caseSensitive && m_names.add(toView(m_path)))
         refuse(tr("Its name differs only in case from that of an earlier member."));
     if (m_tar->isDirectory())
@@ -187,6 +187,7 @@ void KusArchiveExtractor::unpackDirectory()
     if (!m_staging->makeDirectory(toView(m_path)))
         failToCreate(true);
     m_staging->setDirectory(toView(m_path), record.permissionBits(), record.modifSeconds());
+    m_progress.countMember(0);
 }
 
 void KusArchiveExtractor::unpackFile()
@@ -210,17 +211,18 @@ void KusArchiveExtractor::unpackFile()
     writeFile(file.descriptor);
     if (!file.close()) // some disks tell only now that they are full
         failToCreate(false);
+    m_progress.countMember(m_tar->getSize());
 }
 
 /// Refuses what stands in the target where the member would have to be, or in the way there.
 void KusArchiveExtractor::checkPlace(bool isDirectory, bool& exists)
 {
     const std::string_view path = toView(m_path);
-    const int parent = m_places->open(KusArchiveWalk::getParent(path));
+    const int parent = m_places->open(KusArchiveDescent::getParent(path));
     struct stat facts = {};
     if (parent >= 0) {
         // The path ends where its last element does.
-        const char* name = KusArchiveWalk::getFileName(path).data();
+        const char* name = KusArchiveDescent::getFileName(path).data();
         exists = ::fstatat(parent, name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
         if (!exists && errno != ENOENT)
             failToCreate(isDirectory);
@@ -234,7 +236,7 @@ void KusArchiveExtractor::checkPlace(bool isDirectory, bool& exists)
     if (reason == ENOENT)
         return;
     const std::string obstacle = m_places->getFailedPath();
-    const std::string name(KusArchiveWalk::getFileName(obstacle));
+    const std::string name(KusArchiveDescent::getFileName(obstacle));
     if (::fstatat(m_places->getFailedParent(), name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) == 0 &&
         S_ISLNK(facts.st_mode))
         refuse(KusArchiveCommit::getLinkText(m_staging->getText(obstacle)));
@@ -285,8 +287,9 @@ void KusArchiveExtractor::writeFile(int file)
     while (left > 0) {
         HbdSpan<const char> bytes = m_tar->readData(BLOCK_BYTES);
         if (bytes.isEmpty()) {
-            throw HbeUserError(tr("Cannot extract '%1' because archive file '%2' is corrupted.")
-                                   .arg(KusMemberPath::toText(m_tar->getName()), m_archivePath));
+            throw HbeUserError(
+                tr("Cannot extract '%1' because archive file '%2' is corrupted.")
+                    .arg(KusMemberPath::getShownText(m_tar->getName()), m_archivePath));
         }
         left -= bytes.size();
         while (!bytes.isEmpty()) {
@@ -324,8 +327,9 @@ void KusArchiveExtractor::look()
 
 void KusArchiveExtractor::refuse(const QString& fault) const
 {
-    throw HbeUserError(tr("Cannot extract '%1' from archive file '%2':\n%3")
-                           .arg(KusMemberPath::toText(m_tar->getName()), m_archivePath, fault));
+    throw HbeUserError(
+        tr("Cannot extract '%1' from archive file '%2':\n%3")
+            .arg(KusMemberPath::getShownText(m_tar->getName()), m_archivePath, fault));
 }
 
 /// A file stands where a directory has to be, or the other way round.

@@ -12,7 +12,7 @@
 class KusArchiveProgress;
 class KusArchiveReader;
 class KusArchiveStaging;
-class KusArchiveWalk;
+class KusArchiveDescent;
 class KusTarReader;
 
 /// Unpacks one archive: the unpacking half of KusArchive, which says what it does. The members go
@@ -62,7 +62,7 @@ private:
     std::unique_ptr<KusArchiveReader> m_archive;
     std::unique_ptr<KusTarReader> m_tar;
     std::unique_ptr<KusArchiveStaging> m_staging;
-    std::unique_ptr<KusArchiveWalk> m_places; // what the target has
+    std::unique_ptr<KusArchiveDescent> m_places; // what the target has
     KusArchiveNames m_names;
     QByteArray m_path; // of the member at work, without needless elements
 };

@@ -58,7 +58,7 @@ KusArchiveStaging::KusArchiveStaging(const QString& targetPath)
                            '\n' + reason);
     }
     m_umask = ~facts.st_mode & 0777;
-    m_walk = std::make_unique<KusArchiveWalk>(m_members, KusArchiveWalk::Use::CREATE);
+    m_walk = std::make_unique<KusArchiveDescent>(m_members, KusArchiveDescent::Use::CREATE);
 }
 
 KusArchiveStaging::~KusArchiveStaging()
@@ -84,7 +84,7 @@ void KusArchiveStaging::close()
 QString KusArchiveStaging::getText(std::string_view path) const
 {
     return QDir(m_targetPath)
-        .filePath(KusMemberPath::toText(QByteArray(path.data(), int(path.size()))));
+        .filePath(KusMemberPath::getShownText(QByteArray(path.data(), int(path.size()))));
 }
 
 QString KusArchiveStaging::getPathText() const
@@ -94,11 +94,11 @@ QString KusArchiveStaging::getPathText() const
 
 int KusArchiveStaging::createFile(std::string_view path, int permissionBits)
 {
-    const int directory = m_walk->open(KusArchiveWalk::getParent(path));
+    const int directory = m_walk->open(KusArchiveDescent::getParent(path));
     if (directory < 0)
         return -1;
     // A view into a longer text need not end here.
-    const std::string name(KusArchiveWalk::getFileName(path));
+    const std::string name(KusArchiveDescent::getFileName(path));
     const mode_t mode = permissionBits < 0 ? DEFAULT_FILE : mode_t(permissionBits) & 0777;
     const int file = ::openat(directory, name.c_str(), FILE_FLAGS, mode);
     // The system took the umask off.
@@ -109,8 +109,8 @@ int KusArchiveStaging::createFile(std::string_view path, int permissionBits)
 
 bool KusArchiveStaging::removeFile(std::string_view path)
 {
-    const int directory = m_walk->open(KusArchiveWalk::getParent(path));
-    const std::string name(KusArchiveWalk::getFileName(path));
+    const int directory = m_walk->open(KusArchiveDescent::getParent(path));
+    const std::string name(KusArchiveDescent::getFileName(path));
     return directory >= 0 && ::unlinkat(directory, name.c_str(), 0) == 0;
 }
 
@@ -153,23 +153,24 @@ void KusArchiveStaging::applyDirectories(const std::function<void()>& checkCance
 {
     sortDirectories();
     m_walk.reset(); // its way would lead to directories that are closed by now
-    KusArchiveWalk walk(m_members, KusArchiveWalk::Use::READ);
-    KusArchiveWalk places(m_target, KusArchiveWalk::Use::SEARCH);
+    KusArchiveDescent walk(m_members, KusArchiveDescent::Use::READ);
+    KusArchiveDescent places(m_target, KusArchiveDescent::Use::SEARCH);
     const auto require = [&](bool done, const std::string& path) {
         if (!done) {
             throw HbeDiskError(tr("Cannot create directory '%1'.").arg(getText(path)) + '\n' +
                                qt_error_string(errno));
         }
     };
-    KusArchiveWalk::traverse(
+    KusArchiveDescent::traverse(
         [&](const std::string& path, std::vector<std::string>& names) {
             checkCancelled();
             const int directory = walk.open(path);
             require(directory >= 0, path);
-            const bool listed = KusArchiveWalk::list(directory, [&](auto name, bool isDirectory) {
-                if (isDirectory)
-                    names.push_back(name);
-            });
+            const bool listed =
+                KusArchiveDescent::list(directory, [&](auto name, bool isDirectory) {
+                    if (isDirectory)
+                        names.push_back(name);
+                });
             require(listed, path);
         },
         [&](const std::string& path) {
@@ -177,7 +178,7 @@ void KusArchiveStaging::applyDirectories(const std::function<void()>& checkCance
                 return;
             const int directory = walk.open(path);
             require(directory >= 0, path);
-            const bool movesAlone = places.open(KusArchiveWalk::getParent(path)) >= 0;
+            const bool movesAlone = places.open(KusArchiveDescent::getParent(path)) >= 0;
             require(applyDirectory(directory, path, movesAlone), path);
         });
 }
@@ -203,12 +204,12 @@ bool KusArchiveStaging::remove()
     if (m_directory < 0)
         return m_target < 0 || ::unlinkat(m_target, m_name.constData(), AT_REMOVEDIR) == 0 ||
                errno == ENOENT;
-    KusArchiveWalk walk(m_directory, KusArchiveWalk::Use::READ);
+    KusArchiveDescent walk(m_directory, KusArchiveDescent::Use::READ);
     // What cannot be removed shows at the end, when its directory cannot.
-    KusArchiveWalk::traverse(
+    KusArchiveDescent::traverse(
         [&](const std::string& path, std::vector<std::string>& names) {
             const int directory = walk.open(path);
-            KusArchiveWalk::list(directory, [&](const char* name, bool isDirectory) {
+            KusArchiveDescent::list(directory, [&](const char* name, bool isDirectory) {
                 if (!isDirectory) {
                     ::unlinkat(directory, name, 0);
                 } else if (::unlinkat(directory, name, AT_REMOVEDIR) != 0) {
@@ -218,8 +219,8 @@ bool KusArchiveStaging::remove()
             });
         },
         [&](const std::string& path) {
-            const int parent = walk.open(KusArchiveWalk::getParent(path));
-            const std::string name(KusArchiveWalk::getFileName(path));
+            const int parent = walk.open(KusArchiveDescent::getParent(path));
+            const std::string name(KusArchiveDescent::getFileName(path));
             if (!path.empty() && parent >= 0)
                 ::unlinkat(parent, name.c_str(), AT_REMOVEDIR);
         });

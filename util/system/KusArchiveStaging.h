@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KusArchiveWalk.h"
+#include "KusArchiveDescent.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QCoreApplication>
@@ -12,7 +12,7 @@
 
 /// The hidden directory inside of the target that takes the members until all are there. Nobody
 /// else may enter it. One that goes removes all that it still holds. Paths are those of
-/// KusArchiveWalk. One thread uses an object.
+/// KusArchiveDescent. One thread uses an object.
 ///
 /// Disk operations answer -1 or false and leave errno, except where an error is named.
 class KusArchiveStaging
@@ -79,6 +79,6 @@ private:
     bool m_isRoot = false;
     bool m_kept = false;
     bool m_done = false;
-    std::unique_ptr<KusArchiveWalk> m_walk;
+    std::unique_ptr<KusArchiveDescent> m_walk;
     std::vector<Directory> m_directories; // sorted by `applyDirectories`
 };

@@ -1,9 +1,14 @@
 #include "KusArchiveWalk.h"
 
+#include <basic/error/HbeDiskError.h>
+
+#include <QtCore/QFile>
+
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstring>
+#include <limits>
+#include <memory>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -12,158 +17,208 @@
 
 namespace
 {
-constexpr std::size_t OPEN_LEVELS = 32;
-
+constexpr std::size_t MAX_OPEN_LEVELS = 32;
+constexpr int NAME_RESERVE = 4096;
 constexpr int DIRECTORY_FLAGS = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-#ifdef O_PATH
-constexpr int SEARCH_FLAGS = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-#else
-constexpr int SEARCH_FLAGS = DIRECTORY_FLAGS;
-#endif
+// Without waiting: a pipe could have taken the place of the file.
+constexpr int FILE_FLAGS = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-/// Whether the path is `directory` or below it.
-bool isWithin(std::string_view path, std::string_view directory)
+struct DirectoryCloser {
+    void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+bool isDots(const char* name)
 {
-    return path.substr(0, directory.size()) == directory &&
-           (path.size() == directory.size() || directory.empty() || path[directory.size()] == '/');
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
 }
 } // namespace
 
-int KusArchiveWalk::open(std::string_view path)
+void KusArchiveWalk::Descriptor::close()
 {
-    if (path == m_path)
-        return getFailedParent();
-    if (isKnownMissing(path)) {
-        errno = ENOENT;
-        return -1;
-    }
-    std::size_t kept = m_levels.size();
-    while (kept > 0 &&
-           (m_levels[kept - 1].descriptor < 0 ||
-            !isWithin(path, std::string_view(m_path).substr(0, m_levels[kept - 1].end))))
-        --kept;
-    closeFrom(kept);
+    if (m_number >= 0)
+        ::close(std::exchange(m_number, -1));
+}
 
-    char name[NAME_MAX + 1];
-    while (m_path.size() < path.size()) {
-        const std::size_t start = m_path.empty() ? 0 : m_path.size() + 1;
-        const std::size_t end = std::min(path.find('/', start), path.size());
-        int descriptor = -1;
-        if (end - start > NAME_MAX) {
-            errno = ENAMETOOLONG;
-        } else {
-            std::memcpy(name, path.data() + start, end - start);
-            name[end - start] = '\0';
-            descriptor = openElement(getFailedParent(), name);
+KusArchiveWalk::KusArchiveWalk(Descriptor directory, const QByteArray& name,
+                               const QString& shownBase)
+    : m_shownBase(shownBase)
+{
+    m_name.reserve(NAME_RESERVE);
+    m_directory.reserve(NAME_RESERVE);
+    m_name.append(name);
+    struct stat facts = {};
+    if (::fstat(directory.get(), &facts) != 0)
+        fail(errno);
+    push(std::move(directory), facts);
+}
+
+KusArchiveWalk::~KusArchiveWalk() = default;
+
+bool KusArchiveWalk::next()
+{
+    while (!m_levels.empty()) {
+        Level& level = m_levels.back();
+        if (level.next == level.order.size()) {
+            leave();
+            continue;
         }
-        if (descriptor < 0) {
-            m_failedIsMissing = errno == ENOENT;
-            m_failedPath = path.substr(0, end);
-            return -1;
-        }
-        if (m_levels.size() > OPEN_LEVELS) {
-            ::close(m_levels.back().descriptor);
-            m_levels.back().descriptor = -1;
-        }
-        m_levels.push_back({end, descriptor});
-        m_path = path.substr(0, end);
+        m_entry = level.names.data() + level.order[level.next++];
+        m_name.resize(level.nameSize);
+        m_name.append('/').append(fileName());
+        return true;
     }
-    return getFailedParent();
+    return false;
 }
 
-void KusArchiveWalk::closeFrom(std::size_t level)
+QByteArray KusArchiveWalk::getFileName() const
 {
-    for (std::size_t i = level; i < m_levels.size(); ++i) {
-        if (m_levels[i].descriptor >= 0)
-            ::close(m_levels[i].descriptor);
+    return QByteArray(fileName());
+}
+
+QString KusArchiveWalk::getShownPath() const
+{
+    return m_shownBase + QFile::decodeName(m_name);
+}
+
+KusArchiveWalk::Kind KusArchiveWalk::getKind() const
+{
+    int type = static_cast<unsigned char>(*m_entry);
+    if (type == DT_UNKNOWN) {
+        struct stat facts = {};
+        lookUp(facts);
+        type = IFTODT(facts.st_mode);
     }
-    m_levels.resize(level);
-    m_path.resize(level == 0 ? 0 : m_levels.back().end);
-}
-
-int KusArchiveWalk::openElement(int parent, const char* name) const
-{
-    if (m_use == Use::SEARCH)
-        return ::openat(parent, name, SEARCH_FLAGS);
-    const int descriptor = ::openat(parent, name, DIRECTORY_FLAGS);
-    if (descriptor >= 0 || errno != ENOENT || m_use != Use::CREATE)
-        return descriptor;
-    return ::mkdirat(parent, name, S_IRWXU) == 0 ? ::openat(parent, name, DIRECTORY_FLAGS) : -1;
-}
-
-bool KusArchiveWalk::isKnownMissing(std::string_view path) const
-{
-    return m_failedIsMissing && m_use == Use::SEARCH && isWithin(path, m_failedPath);
-}
-
-bool KusArchiveWalk::list(int directory, const Visit& visit)
-{
-    const int own = ::openat(directory, ".", DIRECTORY_FLAGS);
-    DIR* stream = own < 0 ? nullptr : ::fdopendir(own);
-    if (!stream) {
-        if (own >= 0)
-            ::close(own);
-        return false;
+    switch (type) {
+    case DT_REG:
+        return Kind::REGULAR;
+    case DT_DIR:
+        return Kind::DIRECTORY;
+    case DT_LNK:
+        return Kind::LINK;
+    case DT_FIFO:
+        return Kind::PIPE;
+    case DT_SOCK:
+        return Kind::SOCKET;
+    default:
+        return Kind::DEVICE;
     }
-    const struct Closer {
-        DIR* stream;
-        ~Closer() { ::closedir(stream); }
-    } closer{stream};
+}
+
+void KusArchiveWalk::lookUp(struct stat& facts) const
+{
+    if (::fstatat(m_levels.back().directory.get(), fileName(), &facts, AT_SYMLINK_NOFOLLOW) != 0)
+        fail(errno);
+}
+
+bool KusArchiveWalk::isReadable(const struct stat& facts) const
+{
+    const mode_t needed = facts.st_uid == ::geteuid() ? S_IRUSR : S_IRGRP | S_IROTH;
+    return (facts.st_mode & needed) == needed ||
+           ::faccessat(m_levels.back().directory.get(), fileName(), R_OK, AT_EACCESS) == 0;
+}
+
+KusArchiveWalk::Descriptor KusArchiveWalk::openFile(struct stat& facts) const
+{
+    Descriptor file(::openat(m_levels.back().directory.get(), fileName(), FILE_FLAGS));
+    if (!file.isOpen() || ::fstat(file.get(), &facts) != 0)
+        fail(errno);
+    if (!S_ISREG(facts.st_mode))
+        failAsChanged(getShownPath());
+    return file;
+}
+
+void KusArchiveWalk::enter(struct stat& facts)
+{
+    Descriptor directory(::openat(m_levels.back().directory.get(), fileName(), DIRECTORY_FLAGS));
+    if (!directory.isOpen() || ::fstat(directory.get(), &facts) != 0)
+        fail(errno);
+    push(std::move(directory), facts);
+}
+
+int KusArchiveWalk::getEntryCount() const
+{
+    return static_cast<int>(m_levels.back().order.size());
+}
+
+const char* KusArchiveWalk::getEntryName(int index) const
+{
+    const Level& level = m_levels.back();
+    return level.names.data() + level.order[static_cast<std::size_t>(index)] + 1;
+}
+
+void KusArchiveWalk::failAt(const QString& path, int error)
+{
+    if (error < 0 || error == ENOENT || error == ELOOP || error == ENOTDIR)
+        failAsChanged(path);
+    throw HbeDiskError(tr("Cannot read '%1'.").arg(path) + '\n' + qt_error_string(error));
+}
+
+void KusArchiveWalk::failAsChanged(const QString& path)
+{
+    throw HbeDiskError(tr("'%1' changed while it was archived.").arg(path));
+}
+
+void KusArchiveWalk::push(Descriptor directory, const struct stat& facts)
+{
+    Level level;
+    level.directory = std::move(directory);
+    level.device = facts.st_dev;
+    level.inode = facts.st_ino;
+    level.nameSize = m_name.size();
+    list(level);
+    m_directory.resize(0);
+    m_directory.append(m_name);
+    m_levels.push_back(std::move(level));
+    if (m_levels.size() > MAX_OPEN_LEVELS)
+        m_levels[m_levels.size() - 1 - MAX_OPEN_LEVELS].directory.close();
+}
+
+void KusArchiveWalk::list(Level& level) const
+{
+    // The stream owns a descriptor of its own, for it closes it.
+    Descriptor copy(::fcntl(level.directory.get(), F_DUPFD_CLOEXEC, 0));
+    const std::unique_ptr<DIR, DirectoryCloser> entries(copy.isOpen() ? ::fdopendir(copy.get())
+                                                                      : nullptr);
+    if (!entries)
+        fail(errno);
+    copy.release();
     for (;;) {
         errno = 0;
-        const dirent* entry = ::readdir(stream);
-        if (!entry)
-            return errno == 0;
-        const char* name = entry->d_name;
-        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
+        const dirent* const entry = ::readdir(entries.get());
+        if (entry == nullptr)
+            break;
+        if (isDots(entry->d_name))
             continue;
-        bool isDirectory = entry->d_type == DT_DIR;
-        struct stat facts = {};
-        if (entry->d_type == DT_UNKNOWN &&
-            ::fstatat(directory, name, &facts, AT_SYMLINK_NOFOLLOW) == 0)
-            isDirectory = S_ISDIR(facts.st_mode);
-        visit(name, isDirectory);
+        if (level.names.size() > std::numeric_limits<quint32>::max())
+            fail(EOVERFLOW);
+        level.order.push_back(static_cast<quint32>(level.names.size()));
+        level.names.push_back(static_cast<char>(entry->d_type));
+        level.names.insert(level.names.end(), entry->d_name,
+                           entry->d_name + std::strlen(entry->d_name) + 1);
     }
+    if (errno != 0)
+        fail(errno);
+    const char* const names = level.names.data();
+    std::sort(level.order.begin(), level.order.end(), [names](quint32 a, quint32 b) {
+        return std::strcmp(names + a + 1, names + b + 1) < 0;
+    });
 }
 
-void KusArchiveWalk::traverse(const Enter& enter, const Leave& leave)
+void KusArchiveWalk::leave()
 {
-    struct Step {
-        std::string path;
-        bool entered;
-    };
-    std::vector<Step> steps{{std::string(), false}};
-    std::vector<std::string> names;
-    while (!steps.empty()) {
-        if (steps.back().entered) {
-            leave(steps.back().path);
-            steps.pop_back();
-            continue;
+    if (m_levels.size() > 1) {
+        const Level& level = m_levels.back();
+        Level& parent = m_levels[m_levels.size() - 2];
+        m_directory.resize(parent.nameSize);
+        if (!parent.directory.isOpen()) {
+            m_name.resize(parent.nameSize); // what a message names
+            parent.directory = Descriptor(::openat(level.directory.get(), "..", DIRECTORY_FLAGS));
+            struct stat facts = {};
+            if (!parent.directory.isOpen() || ::fstat(parent.directory.get(), &facts) != 0)
+                fail(errno);
+            if (facts.st_dev != parent.device || facts.st_ino != parent.inode)
+                failAsChanged(getShownPath());
         }
-        steps.back().entered = true;
-        names.clear();
-        const std::string path = steps.back().path;
-        enter(path, names);
-        for (const std::string& name : names)
-            steps.push_back({join(path, name), false});
     }
-}
-
-std::string KusArchiveWalk::join(std::string_view directory, std::string_view name)
-{
-    std::string path(directory);
-    if (!path.empty())
-        path += '/';
-    return path.append(name);
-}
-
-std::string_view KusArchiveWalk::getParent(std::string_view path)
-{
-    const std::size_t slash = path.rfind('/');
-    return path.substr(0, slash == std::string_view::npos ? 0 : slash);
-}
-
-std::string_view KusArchiveWalk::getFileName(std::string_view path)
-{
-    return path.substr(path.rfind('/') + 1);
+    m_levels.pop_back();
 }

@@ -151,16 +151,3 @@ quint64 KusMemberPath::getFoldedHash(const QByteArray& name)
     });
     return hash.value;
 }
-
-QString KusMemberPath::toText(const QByteArray& name)
-{
-    constexpr int LONGEST = 1000;
-    QString text = QString::fromUtf8(name.left(LONGEST));
-    if (name.size() > LONGEST)
-        text += QChar(0x2026);
-    for (QChar& c : text) {
-        if (c.category() == QChar::Other_Control)
-            c = QChar::ReplacementCharacter;
-    }
-    return text;
-}

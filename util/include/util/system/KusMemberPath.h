@@ -25,7 +25,4 @@ KELVANE_UTIL_EXPORT QString getShownText(const QByteArray& name);
 /// Equal for two names that a disk may take for one: compared without regard to case and to how
 /// accented letters are composed. 64 bits of a hash over the elements.
 KELVANE_UTIL_EXPORT quint64 getFoldedHash(const QByteArray& name);
-
-/// The name for a message: a hostile one must not write to the terminal, or fill it.
-KELVANE_UTIL_EXPORT QString toText(const QByteArray& name);
 } // namespace KusMemberPath
