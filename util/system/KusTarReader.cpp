@@ -127,6 +127,8 @@ bool KusTarReader::Private::readBlock()
     if (offset == 0)
         refusal.refuseStream(tr("Decompressed, it is shorter than one header."));
     hasForeignEnd = !isNul(bytes);
+    if (hasForeignEnd && readsOtherTools)
+        refusal.refuseCutHeader(position);
     return false;
 }
 

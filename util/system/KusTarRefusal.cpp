@@ -81,6 +81,13 @@ void KusTarRefusal::refuseCut(const QByteArray& name, qint64 offset) const
     refuseData(name, tr("The archive ends at byte %1, within its data.").arg(offset));
 }
 
+void KusTarRefusal::refuseCutHeader(qint64 offset) const
+{
+    raise(tr("Corrupted archive file '%1' (it ends at byte %2, within a header).")
+              .arg(m_path, QString::number(offset)),
+          QString());
+}
+
 void KusTarRefusal::refuseLimit(qint64 limit, const QByteArray& name, qint64 offset,
                                 qint64 size) const
 {

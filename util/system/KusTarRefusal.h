@@ -31,6 +31,7 @@ public:
     /// A member whose data are not what they must be.
     [[noreturn]] void refuseData(const QByteArray& name, const QString& fault) const;
     [[noreturn]] void refuseCut(const QByteArray& name, qint64 offset) const;
+    [[noreturn]] void refuseCutHeader(qint64 offset) const;
     /// More bytes than are allowed, or than the archive announces.
     [[noreturn]] void refuseLimit(qint64 limit, const QByteArray& name, qint64 offset,
                                   qint64 size) const;
