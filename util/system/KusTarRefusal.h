@@ -37,6 +37,8 @@ public:
                                   qint64 size) const;
     [[noreturn]] void refuseAnnounced(qint64 announced, const QByteArray& name, qint64 offset,
                                       qint64 size) const;
+    /// More bytes than are allowed, in what follows the last member.
+    [[noreturn]] void refuseEndLimit(qint64 limit, qint64 offset) const;
     /// Extended information; the fault may be empty.
     [[noreturn]] void refuseDecoding(const QByteArray& name, const QString& fault) const;
     [[noreturn]] void refuseLoneExtension(const QByteArray& name, qint64 offset) const;
@@ -47,6 +49,7 @@ public:
 private:
     [[noreturn]] void refuseBeyond(const QString& message, const QByteArray& name, qint64 offset,
                                    qint64 size) const;
+    QString describeLimit(qint64 limit) const;
 
     const QString m_path;
 };
