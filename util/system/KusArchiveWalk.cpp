@@ -66,6 +66,7 @@ bool KusArchiveWalk::next()
         m_entry = level.names.data() + level.order[level.next++];
         m_name.resize(level.nameSize);
         m_name.append('/').append(fileName());
+        m_kind = findKind();
         return true;
     }
     return false;
@@ -81,10 +82,10 @@ QString KusArchiveWalk::getShownPath() const
     return m_shownBase + QFile::decodeName(m_name);
 }
 
-KusArchiveWalk::Kind KusArchiveWalk::getKind() const
+KusArchiveWalk::Kind KusArchiveWalk::findKind() const
 {
     int type = static_cast<unsigned char>(*m_entry);
-    if (type == DT_UNKNOWN) {
+    if (type == DT_UNKNOWN) { // some file systems do not tell in their lists
         struct stat facts = {};
         lookUp(facts);
         type = IFTODT(facts.st_mode);
