@@ -79,7 +79,9 @@ void addFolded(Hash& hash, const char* begin, const char* end)
         addAscii(hash, begin, end);
         return;
     }
+    // By way of capitals, for Qt folds letter by letter, and some disks take "ß" for "ss".
     const QString folded = text.normalized(QString::NormalizationForm_D)
+                               .toUpper()
                                .toCaseFolded()
                                .normalized(QString::NormalizationForm_C);
     const QByteArray foldedBytes = folded.toUtf8();
