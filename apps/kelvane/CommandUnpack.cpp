@@ -74,8 +74,8 @@ ToolCommand createUnpackCommand()
     command.summary = Tool::tr("Unpacks an archive into an existing directory.");
     command.details = Tool::tr(
         "Archives of other tools are read, too: tar compressed with Zstandard or gzip. Nothing is "
-        "written outside of DIR, whatever the archive says; links in it become files. When "
-        "something is wrong, or Ctrl-C ends it, DIR is as it was before.\n"
+        "written outside of DIR, whatever the archive says. When something is wrong, or Ctrl-C "
+        "ends it, DIR is as it was before.\n"
         "A file that exists already ends the run, unless an option says what becomes of it. "
         "Patterns of --only are those of 'kelvane pack --exclude'.");
     command.example = QStringLiteral("kelvane unpack survey.tar.zst elsewhere\n"

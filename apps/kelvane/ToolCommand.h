@@ -38,7 +38,7 @@ struct ToolCommand {
     int minArguments = 0;
     int maxArguments = 0;
     bool draws = false;    ///< it needs fonts, so a QGuiApplication
-    bool usesUnits = true; ///< it needs the user's own units, which take a while to read
+    bool usesUnits = true; ///< it needs the units, the user's own among them
 
     /// Does the work; the command line has its options and as many arguments as it may.
     int (*run)(const QCommandLineParser& line) = nullptr;

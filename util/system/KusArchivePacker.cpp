@@ -29,6 +29,8 @@ namespace
 {
 using Kind = KusArchiveWalk::Kind;
 
+constexpr int LONGEST_NAME = 1 << 19; // a reader may refuse extended headers of twice the size
+
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(KusArchivePacker)
 };
@@ -64,7 +66,7 @@ KusArchivePacker::KusArchivePacker(const QString& archivePath, const QString& so
     , m_sourcePath(sourcePath)
     , m_info(info)
     , m_progress(progress)
-    , m_older(archivePath)
+    , m_own(archivePath)
 {
 }
 
@@ -73,10 +75,10 @@ KusArchivePacker::~KusArchivePacker() = default;
 void KusArchivePacker::run(const QVariantMap& header)
 {
     m_progress.setPhase(tr("Archiving"));
-    if (!m_older.getFault().isEmpty()) {
+    if (!m_own.getFault().isEmpty()) {
         throw HbeDiskError(tr("Cannot remove existing '%1'\nbefore archiving '%2'.")
                                .arg(m_archivePath, m_sourcePath) +
-                           '\n' + m_older.getFault());
+                           '\n' + m_own.getFault());
     }
     m_excluded = KusMemberPatterns(m_info.excluded);
     m_included = KusMemberPatterns(m_info.included);
@@ -101,7 +103,7 @@ void KusArchivePacker::inspectSource()
     const QString fault = findNameFault(m_sourceName);
     if (!fault.isEmpty())
         refuseName(getShownSource(), fault);
-    if (!m_isDirectory && m_older.is(m_sourceName, facts))
+    if (!m_isDirectory && m_own.holds(m_sourceName, facts))
         throw HbeUserError(tr("'%1' cannot be archived into itself.").arg(getShownSource()));
     openSource(m_isDirectory);
     if (!m_isDirectory)
@@ -211,7 +213,7 @@ void KusArchivePacker::scanFile(const KusArchiveWalk& walk)
     }
     struct stat facts = {};
     walk.lookUp(facts);
-    if (m_older.is(walk.getFileName(), facts))
+    if (m_own.holds(walk.getFileName(), facts))
         return;
     if (!walk.isReadable(facts))
         walk.fail(EACCES);
@@ -227,6 +229,8 @@ QString KusArchivePacker::findNameFault(const QByteArray& name) const
     const char* const local = name.constData() + (isTop ? 0 : m_sourceName.size() + 1);
     if (std::strcmp(local, KusTarReader::INFORMATION_NAME) == 0)
         return tr("The archive's own information has this name.");
+    if (name.size() > LONGEST_NAME)
+        return tr("Its name has more than %1 bytes.").arg(LONGEST_NAME);
     return KusMemberPath::findFault(name);
 }
 
@@ -272,6 +276,7 @@ void KusArchivePacker::write(const QVariantMap& header)
 
     ArchiveZstdWriter writer(m_archivePath);
     writer.open("wb", m_info.level, m_info.threadCount);
+    m_own.setNewFile(writer.getTemporaryPath());
     try {
         KusArchiveOutput output(writer, m_archivePath, m_progress);
         if (m_isDirectory) {
@@ -307,6 +312,10 @@ void KusArchivePacker::writeInformation(KusArchiveOutput& output,
 void KusArchivePacker::addMember(KusArchiveOutput& output, const KusTarFile& file,
                                  const QByteArray& above)
 {
+    if (m_progress.showsMembers()) {
+        const QByteArray name = above.isEmpty() ? file.name : above + '/' + file.name;
+        m_progress.setMember(QFile::decodeName(name));
+    }
     output.addHeader(file, above);
     m_progress.countMember(file.size);
 }
@@ -316,8 +325,6 @@ void KusArchivePacker::writeSingleFile(KusArchiveOutput& output)
     struct stat facts = {};
     if (::fstat(m_source.get(), &facts) != 0 || !S_ISREG(facts.st_mode))
         KusArchiveWalk::failAsChanged(getShownSource());
-    if (m_progress.showsMembers())
-        m_progress.setMember(QFile::decodeName(m_sourceName));
     addMember(output, KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
     const int error = output.addData(m_source.get(), facts.st_size);
     if (error != 0)
@@ -361,12 +368,8 @@ void KusArchivePacker::writeDirectory(KusArchiveOutput& output)
 void KusArchivePacker::writePending(KusArchiveOutput& output, const QByteArray& name,
                                     std::vector<Pending>& pending)
 {
-    for (const Pending& directory : pending) {
-        const QByteArray above = name.left(directory.directorySize);
-        if (m_progress.showsMembers())
-            m_progress.setMember(QFile::decodeName(above + '/' + directory.file.name));
-        addMember(output, directory.file, above);
-    }
+    for (const Pending& directory : pending)
+        addMember(output, directory.file, name.left(directory.directorySize));
     pending.clear();
 }
 
@@ -378,11 +381,9 @@ void KusArchivePacker::writeFile(KusArchiveOutput& output, const KusArchiveWalk&
     struct stat facts = {};
     const KusArchiveWalk::Descriptor file = walk.openFile(facts);
     const QByteArray name = walk.getFileName();
-    if (m_older.is(name, facts))
+    if (m_own.holds(name, facts))
         return;
     writePending(output, walk.getName(), pending);
-    if (m_progress.showsMembers())
-        m_progress.setMember(QFile::decodeName(walk.getName()));
     addMember(output, KusTarFile::fromSystem(name, facts), walk.getDirectory());
     const int error = output.addData(file.get(), facts.st_size);
     if (error != 0)

@@ -64,7 +64,7 @@ private:
     QString m_sourcePath;
     KusArchive::ArchiveInfo m_info;
     KusArchiveProgress& m_progress;
-    KusArchiveReplacement m_older;
+    KusArchiveReplacement m_own;
 
     KusMemberPatterns m_excluded;
     KusMemberPatterns m_included;

@@ -42,6 +42,7 @@ void KusArchiveWalk::Descriptor::close()
 KusArchiveWalk::KusArchiveWalk(Descriptor directory, const QByteArray& name,
                                const QString& shownBase)
     : m_shownBase(shownBase)
+    , m_user(::geteuid())
 {
     m_name.reserve(NAME_RESERVE);
     m_directory.reserve(NAME_RESERVE);
@@ -65,6 +66,7 @@ bool KusArchiveWalk::next()
         m_entry = level.names.data() + level.order[level.next++];
         m_name.resize(level.nameSize);
         m_name.append('/').append(fileName());
+        m_kind = findKind();
         return true;
     }
     return false;
@@ -80,10 +82,10 @@ QString KusArchiveWalk::getShownPath() const
     return m_shownBase + QFile::decodeName(m_name);
 }
 
-KusArchiveWalk::Kind KusArchiveWalk::getKind() const
+KusArchiveWalk::Kind KusArchiveWalk::findKind() const
 {
     int type = static_cast<unsigned char>(*m_entry);
-    if (type == DT_UNKNOWN) {
+    if (type == DT_UNKNOWN) { // some file systems do not tell in their lists
         struct stat facts = {};
         lookUp(facts);
         type = IFTODT(facts.st_mode);
@@ -112,7 +114,7 @@ void KusArchiveWalk::lookUp(struct stat& facts) const
 
 bool KusArchiveWalk::isReadable(const struct stat& facts) const
 {
-    const mode_t needed = facts.st_uid == ::geteuid() ? S_IRUSR : S_IRGRP | S_IROTH;
+    const mode_t needed = facts.st_uid == m_user ? S_IRUSR : S_IRGRP | S_IROTH;
     return (facts.st_mode & needed) == needed ||
            ::faccessat(m_levels.back().directory.get(), fileName(), R_OK, AT_EACCESS) == 0;
 }

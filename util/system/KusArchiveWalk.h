@@ -74,7 +74,7 @@ public:
     QByteArray getFileName() const;
     QString getShownPath() const;
     int getDepth() const { return static_cast<int>(m_levels.size()) - 1; }
-    Kind getKind() const;
+    Kind getKind() const { return m_kind; }
 
     void lookUp(struct stat& facts) const;
     /// Whether we may read the present file; looks at its permissions only where they suffice.
@@ -108,11 +108,14 @@ private:
     void push(Descriptor directory, const struct stat& facts);
     void list(Level& level) const;
     void leave();
+    Kind findKind() const;
     const char* fileName() const { return m_entry + 1; }
 
     QString m_shownBase;
+    uid_t m_user;
     QByteArray m_name;
     QByteArray m_directory;
     std::vector<Level> m_levels;
-    const char* m_entry = nullptr; // in the names of the last level
+    const char* m_entry = nullptr; // in the names of its level
+    Kind m_kind = Kind::DIRECTORY;
 };
