@@ -7,10 +7,14 @@ namespace
 // Multiples of a tar block, so that none of them stands across an end.
 constexpr qint64 TAR_BLOCK = 512;
 constexpr qint64 RING_SIZE = 6 << 20;
-// Room for which the thread wakes, and most that the caller keeps: small parts would have the two
-// wait for each other all the time.
-constexpr qint64 LEAST_ROOM = 1 << 20;
-constexpr qint64 MOST_TAKEN = 512 << 10;
+// What the two threads hand over at once: with smaller parts, waking each other is what they do
+// most.
+constexpr qint64 PART = 512 << 10;
+
+qint64 endOfPart(qint64 place)
+{
+    return place - place % PART + PART;
+}
 } // namespace
 
 KusArchiveAhead::KusArchiveAhead(KusArchiveDecoder& decoder)
@@ -34,14 +38,16 @@ KusArchiveAhead::~KusArchiveAhead()
 void KusArchiveAhead::work()
 {
     try {
-        while (waitForRoom()) {
-            const qint64 place = m_decoded % RING_SIZE;
-            const qint64 room = std::min(LEAST_ROOM - m_decoded % LEAST_ROOM, RING_SIZE - place);
-            const int count = m_decoder.decode(m_ring.get() + place, static_cast<int>(room));
+        bool ended = false;
+        while (!ended && waitForRoom()) {
+            const qint64 room = endOfPart(m_decoded) - m_decoded;
+            const int count =
+                m_decoder.decode(m_ring.get() + m_decoded % RING_SIZE, static_cast<int>(room));
             m_decoded += count;
-            publish(count == 0);
-            if (count == 0)
-                return;
+            ended = count == 0;
+            // The begin at once, for whoever wants no more than that.
+            if (ended || count == room || m_decoded < PART)
+                publish(ended);
         }
     } catch (...) {
         m_error = std::current_exception();
@@ -49,11 +55,11 @@ void KusArchiveAhead::work()
     }
 }
 
-// The room is that of a whole part of the ring, which is then filled without a further look.
+// The room is that of a whole part.
 bool KusArchiveAhead::waitForRoom()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    const qint64 end = m_decoded - m_decoded % LEAST_ROOM + LEAST_ROOM;
+    const qint64 end = endOfPart(m_decoded);
     m_changed.wait(lock, [&] { return m_stopped || end - m_released <= RING_SIZE; });
     return !m_stopped;
 }
@@ -74,8 +80,7 @@ void KusArchiveAhead::take()
     m_released = m_given;
     m_changed.notify_all();
     m_changed.wait(lock, [this] { return m_ended || m_published > m_given; });
-    const qint64 end = m_given - m_given % MOST_TAKEN + MOST_TAKEN;
-    m_taken = std::min(m_published, end);
+    m_taken = std::min(m_published, endOfPart(m_given));
     if (m_taken == m_given && m_error)
         std::rethrow_exception(m_error);
 }
