@@ -106,7 +106,35 @@ public:
         return bytes;
     }
 
+    /// A Zstandard frame that holds the bytes as they are, without a checksum.
+    static QByteArray toFrame(const QByteArray& bytes)
+    {
+        constexpr int LARGEST = 1 << 17;
+        QByteArray frame("\x28\xb5\x2f\xfd\x00\x38", 6); // a window of LARGEST
+        int begin = 0;
+        do {
+            const QByteArray block = bytes.mid(begin, LARGEST);
+            begin += LARGEST;
+            const bool isLast = begin >= bytes.size();
+            frame += blockHeader(block.size(), 0, isLast) + block;
+        } while (begin < bytes.size());
+        return frame;
+    }
+    /// So many mebibytes of NUL as a frame.
+    static QByteArray zeroFrame(int mebibytes)
+    {
+        QByteArray frame("\x28\xb5\x2f\xfd\x00\x38", 6);
+        for (int i = 8 * mebibytes; i-- > 0;)
+            frame += blockHeader(1 << 17, 1, i == 0) + '\0';
+        return frame;
+    }
+
 private:
+    static QByteArray blockHeader(int size, int type, bool isLast)
+    {
+        const int bits = size << 3 | type << 1 | (isLast ? 1 : 0);
+        return {QByteArray(1, char(bits)) + char(bits >> 8) + char(bits >> 16)};
+    }
     void write(Field field, const QByteArray& value)
     {
         char* place = m_bytes.data() + m_header + field.offset;

@@ -4,6 +4,7 @@
 #include "FileBytes.h"
 #include "PythonRun.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 
 #include <filesystem>
@@ -49,6 +50,12 @@ QByteArray runShell(const QString& line, bool mayFail = false)
     EXPECT_TRUE(mayFail || shell.exitCode() == 0) << line.toStdString() << printed.constData();
     return printed;
 }
+
+#define REQUIRE_TOOLS()                                                                            \
+    for (const char* tool : {"tar", "bsdtar", "zstd"}) {                                           \
+        if (QStandardPaths::findExecutable(tool).isEmpty())                                        \
+            GTEST_SKIP() << tool << " is not installed";                                           \
+    }
 
 /// How long the names of a tree are: what each format can hold.
 enum class Names { SHORT, SPLIT, LONG };
@@ -111,7 +118,7 @@ protected:
     }
 
     /// What the run says; "done" when it does.
-    QString unpack(const QString& archivePath, const QString& target, bool readOtherTools = true)
+    QString unpack(const QString& archivePath, const QString& target, bool readOtherTools)
     {
         KusArchive::ExtractInfo info;
         info.readOtherTools = readOtherTools;
@@ -128,28 +135,33 @@ protected:
 
 const char* const PYTHON_WRITER = "import sys, tarfile\n"
                                   "with tarfile.open(sys.argv[1], 'w:gz',"
-                                  " format=int(sys.argv[2])) as tar:\n"
+                                  " format=getattr(tarfile, sys.argv[2])) as tar:\n"
                                   "    tar.add(sys.argv[3], 'tree')\n";
 } // namespace
 
 TEST_F(KusArchiveInteropIntegrationTest, UnpacksWhatOtherToolsPack)
 {
-    if (QStandardPaths::findExecutable("bsdtar").isEmpty())
-        GTEST_SKIP() << "bsdtar is not installed";
+    REQUIRE_TOOLS();
     REQUIRE_PYTHON();
     const struct {
-        const char* tool;
-        const char* format;
+        QString command;
         Names names;
+        bool readOtherTools = true;
     } writers[] = {
-        {"tar", "v7", Names::SHORT},       {"tar", "oldgnu", Names::LONG},
-        {"tar", "gnu", Names::LONG},       {"tar", "ustar", Names::SPLIT},
-        {"tar", "pax", Names::LONG},       {"bsdtar", "ustar", Names::SPLIT},
-        {"bsdtar", "pax", Names::LONG},    {"bsdtar", "gnutar", Names::LONG},
-        {"python", "ustar", Names::SPLIT}, {"python", "gnu", Names::LONG},
-        {"python", "pax", Names::LONG},
+        {"tar --format=v7", Names::SHORT},
+        {"tar --format=oldgnu", Names::LONG},
+        {"tar --format=gnu", Names::LONG},
+        {"tar --format=ustar", Names::SPLIT},
+        {"tar --format=pax", Names::LONG},
+        {"tar --format=ustar -b1", Names::SPLIT, false}, // no padding, and so it is read strictly
+        {"tar --format=pax -b1", Names::LONG, false},
+        {"bsdtar --format=ustar", Names::SPLIT},
+        {"bsdtar --format=pax", Names::LONG},
+        {"bsdtar --format=gnutar", Names::LONG},
+        {"python USTAR", Names::SPLIT},
+        {"python GNU", Names::LONG},
+        {"python PAX", Names::LONG},
     };
-    const QStringList pythonFormats{"ustar", "gnu", "pax"};
     for (const Names names : {Names::SHORT, Names::SPLIT, Names::LONG}) {
         makeTree(names);
         setDirectoryTimes();
@@ -157,19 +169,16 @@ TEST_F(KusArchiveInteropIntegrationTest, UnpacksWhatOtherToolsPack)
         for (const auto& writer : writers) {
             if (writer.names != names)
                 continue;
-            for (const QString ending : {"tar.zst", "tar.gz"}) {
-                SCOPED_TRACE(
-                    QString("%1 %2 %3").arg(writer.tool, writer.format, ending).toStdString());
-                const QString path = at("a." + ending);
-                if (writer.tool == QString("python")) {
-                    const int format = pythonFormats.indexOf(writer.format);
-                    runPython(PYTHON_WRITER, {path, QString::number(format), at("tree")});
-                } else {
-                    runShell(QString("%1 --format %2 %3 -C %4 -cf %5 tree")
-                                 .arg(writer.tool, writer.format,
-                                      ending == "tar.gz" ? "-z" : "--zstd", m_dir.path(), path));
-                }
-                EXPECT_EQ(unpack(path, "out"), "done");
+            for (const char* compression : {"--zstd", "-z"}) {
+                SCOPED_TRACE(writer.command.toStdString() + compression);
+                const QString path = at("archive"); // of whatever kind: its bytes tell
+                if (writer.command.startsWith("python"))
+                    runPython(PYTHON_WRITER,
+                              {path, writer.command.section(' ', 1) + "_FORMAT", at("tree")});
+                else
+                    runShell(QString("%1 %2 -C %3 -cf %4 tree")
+                                 .arg(writer.command, compression, m_dir.path(), path));
+                EXPECT_EQ(unpack(path, "out", writer.readOtherTools), "done");
                 EXPECT_EQ(describe(at("out/tree").toStdString()), packed);
                 fs::remove_all(at("out").toStdString());
             }
@@ -182,46 +191,61 @@ TEST_F(KusArchiveInteropIntegrationTest, RealArchivesUnpackAsTheirToolsUnpackThe
     const QString data = qEnvironmentVariable("KELVANE_TEST_DATA") + "/edge-archive/";
     if (!QFileInfo::exists(data))
         GTEST_SKIP() << "no test data (KELVANE_TEST_DATA)";
+    REQUIRE_TOOLS();
     const struct {
         const char* file;
         const char* fate;
+        const char* judge = "tar"; // which applies global headers; their writers do not
     } rows[] = {
         {"go-tar/file-and-dir.tar", "done"},
         {"go-tar/gnu-utf8.tar", "done"},
         {"go-tar/gnu.tar", "done"},
-        {"go-tar/hardlink.tar", "done"},
-        {"go-tar/hdr-only.tar", "done"},
-        {"go-tar/pax-global-records.tar", "done"},
-        {"go-tar/pax-path-hdr.tar", "done"},
+        {"go-tar/hardlink.tar", "Cannot extract 'hard.txt' from archive file 'A': it is a hard "
+                                "link; links are never written (at byte 1024)."},
+        {"go-tar/hdr-only.tar", "Cannot extract 'fifo' from archive file 'A': it is a pipe; pipes "
+                                "are never written (at byte 512)."},
+        {"go-tar/pax-global-records.tar", "done", "bsdtar"},
+        {"go-tar/pax-path-hdr.tar", "Corrupted archive file 'A' (it ends at byte 1024, before the "
+                                    "member of extended information 'PAX1/PAX1/long-path-name')."},
         {"go-tar/pax-records.tar", "done"},
-        {"go-tar/pax.tar", "done"},
+        {"go-tar/pax.tar", "Cannot extract 'a/b' from archive file 'A': it is a symbolic link; "
+                           "links are never written (at byte 3072)."},
         {"go-tar/star.tar", "done"},
         {"go-tar/trailing-slash.tar", "done"},
         {"go-tar/ustar-file-reg.tar", "done"},
         {"go-tar/ustar.tar", "done"},
         {"go-tar/v7.tar", "done"},
-        {"go-tar/writer-big.tar", "done"},
-        {"go-tar/writer.tar", "done"},
+        {"go-tar/writer-big.tar", "Cannot extract 'tmp/16gig.txt' because archive file 'A' is "
+                                  "corrupted.\nThe archive ends at byte 512, within its data."},
+        {"go-tar/writer.tar", "Cannot extract 'link.txt' from archive file 'A': it is a symbolic "
+                              "link; links are never written (at byte 2048)."},
         {"go-tar/xattrs.tar", "done"},
         {"node-tar/tars/body-byte-counts.tar", "done"},
         {"node-tar/tars/dir.tar", "done"},
         {"node-tar/tars/emptypax.tar", "done"},
         {"node-tar/tars/file.tar", "done"},
-        {"node-tar/tars/global-header.tar", "done"},
+        {"node-tar/tars/global-header.tar", "done", "bsdtar"},
         {"node-tar/tars/long-paths.tar", "done"},
         {"node-tar/tars/long-pax.tar", "done"},
-        {"node-tar/tars/next-file-has-long.tar", "done"},
+        {"node-tar/tars/next-file-has-long.tar",
+         "Cannot extract 'longlink' from archive file 'A': it is a symbolic link; links are never "
+         "written (at byte 3072)."},
         {"node-tar/tars/trailing-slash-corner-case.tar", "done"},
         {"node-tar/tars/utf8.tar", "done"},
-        {"libarchive/test_compat_gtar_1.tar", "done"},
+        {"libarchive/test_compat_gtar_1.tar",
+         "Cannot extract 'abcdefghij..' from archive file 'A': it is a symbolic link; links are "
+         "never written (at byte 3584)."},
         {"libarchive/test_compat_gzip_1.tgz", "done"},
         {"libarchive/test_compat_tar_directory_1.tar", "done"},
         {"libarchive/test_compat_zstd_1.tar.zst", "done"},
-        {"libarchive/test_empty.zst", "done"},
-        {"libarchive/test_expand.zst", "done"},
+        {"libarchive/test_empty.zst",
+         "'A' is not a valid archive file.\nDecompressed, it is shorter than one header."},
+        {"libarchive/test_expand.zst",
+         "'A' is not a valid archive file.\nDecompressed, it is shorter than one header."},
         {"libarchive/test_extract.tar.gz", "done"},
         {"libarchive/test_extract.tar.zst", "done"},
     };
+    const QRegularExpression manyLetters("(abcdefghij){2,}");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.file);
         QString path = data + row.file;
@@ -229,10 +253,11 @@ TEST_F(KusArchiveInteropIntegrationTest, RealArchivesUnpackAsTheirToolsUnpackThe
             path = at("a.tar.zst");
             runShell(QString("zstd -q -f %1 -o %2").arg(data + row.file, path));
         }
-        const QString fate = unpack(path, "ours");
+        const QString fate = unpack(path, "ours", true).replace(manyLetters, "abcdefghij..");
         EXPECT_EQ(fate, row.fate);
         ASSERT_TRUE(QDir(m_dir.path()).mkpath("theirs"));
-        runShell(QString("tar -C %1 --no-same-owner -xf %2").arg(at("theirs"), path), true);
+        runShell(QString("%1 -C %2 --no-same-owner -xf %3").arg(row.judge, at("theirs"), path),
+                 true);
         EXPECT_EQ(describe(at("ours").toStdString(), false),
                   fate == "done" ? describe(at("theirs").toStdString(), false) : QStringList());
         fs::remove_all(at("ours").toStdString());
