@@ -2,6 +2,7 @@
 
 #include "KusArchiveNames.h"
 #include "KusArchiveProgress.h"
+#include "KusArchiveWatchedInput.h"
 
 #include <util/system/KusArchiveReader.h>
 #include <util/system/KusMemberPath.h>
@@ -10,38 +11,11 @@
 #include <basic/error/HbeUserError.h>
 
 #include <string_view>
-#include <utility>
 
 namespace
 {
 constexpr int PIECE = 1 << 20;
 constexpr int MOST_FAULTS = 1000; // whoever reads them has seen enough
-
-/// The archive's stream; every piece of it moves the progress, and looks for a cancel.
-class WatchedInput : public KusArchiveInput
-{
-public:
-    WatchedInput(KusArchiveReader& archive, KusArchiveProgress& progress)
-        : m_archive(archive)
-        , m_progress(progress)
-    {
-    }
-
-protected:
-    HbdSpan<const char> _next(int most) override
-    {
-        m_progress.check();
-        const HbdSpan<const char> bytes = m_archive.next(most);
-        const qint64 readSize = m_archive.getReadSize();
-        m_progress.advance(readSize - std::exchange(m_readSize, readSize));
-        return bytes;
-    }
-
-private:
-    KusArchiveReader& m_archive;
-    KusArchiveProgress& m_progress;
-    qint64 m_readSize = 0;
-};
 } // namespace
 
 /// One verification.
@@ -64,7 +38,7 @@ struct KusArchiveVerifier::Run {
     void noteMember(const QString& fault);
 
     KusArchiveReader archive;
-    WatchedInput input;
+    KusArchiveWatchedInput input;
     KusTarReader tar;
     bool caseSensitive;
     KusArchiveProgress& progress;
