@@ -48,6 +48,8 @@ QStringList list(const QString& root)
         line += isDirectory ? "/" : S_ISREG(facts.st_mode) ? "" : "?";
         if ((facts.st_mode & 07777) != (isDirectory ? 0755 : 0644))
             line += QString(" %1").arg(facts.st_mode & 07777, 0, 8);
+        if (isDirectory) // so that it can be removed
+            fs::permissions(entry.path(), fs::perms::owner_all, fs::perm_options::add);
         if (S_ISREG(facts.st_mode)) {
             std::ifstream file(entry.path());
             line += '=' + QString::fromStdString({std::istreambuf_iterator<char>(file),
@@ -544,11 +546,12 @@ std::vector<Row> structure()
             noArchive("Decompressed, it does not begin with the header of a tar archive.")),
         Row("set-user-id", tar().file("a", "evil").with(TarBuilder::MODE, "0006755").end(),
             extracts("a 755=evil")),
-        Row("mode without a right", tar().file("a", "evil").with(TarBuilder::MODE, "0").end(),
-            extracts("a 0=evil")),
-        Row("directory without a right",
-            tar().directory("d/").with(TarBuilder::MODE, "0").file("d/a", "evil").end(),
-            extracts("d/ 0 d/a=evil")),
+        Row("mode without a right to write",
+            tar().file("a", "evil").with(TarBuilder::MODE, "0000400").end(),
+            extracts("a 400=evil")),
+        Row("directory without a right to write",
+            tar().directory("d/").with(TarBuilder::MODE, "500").file("d/a", "evil").end(),
+            extracts("d/ 500 d/a=evil")),
         Row("mode of letters", tar().file("a", "evil").with(TarBuilder::MODE, "rw-r--").end(),
             extracts("a=evil")),
         Row("time in the year 2242",
