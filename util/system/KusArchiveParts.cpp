@@ -3,7 +3,6 @@
 #include "KusArchivePacker.h"
 #include "KusArchiveVerifier.h"
 
-#include <util/system/KusArchiveReader.h>
 #include <util/system/KusTarReader.h>
 // extraction
 KusArchiveExtractor::KusArchiveExtractor(const QString& a, const QString& t,
@@ -36,18 +35,6 @@ KusArchiveVerifier::KusArchiveVerifier(const QString& a, const KusArchive::Extra
 KusArchive::Verification KusArchiveVerifier::run()
 {
     Q_UNUSED(m_progress) return {};
-}
-// streams
-struct KusArchiveReader::Private {
-};
-KusArchiveReader::KusArchiveReader(const QString& a, Mode)
-    : m_path(a)
-{
-}
-KusArchiveReader::~KusArchiveReader() = default;
-HbdSpan<const char> KusArchiveReader::_next(int)
-{
-    return {};
 }
 // tar
 struct KusTarReader::Private {

@@ -30,8 +30,10 @@ QByteArray resolvedTarget(const QString& path)
     return QByteArray();
 }
 
-// Beside the target, so that the rename stays within one file system.
-int createBeside(const QByteArray& target, mode_t mode, QByteArray& name)
+// A name of its own beside the target, so that the rename stays within one file system. `make`
+// makes the file of a name, or answers -1 with errno.
+template <class Make>
+int createBeside(const QByteArray& target, QByteArray& name, Make make)
 {
     static std::atomic<unsigned> counter{0};
     // Room for the suffix even when the target's name is as long as a name may be.
@@ -40,13 +42,42 @@ int createBeside(const QByteArray& target, mode_t mode, QByteArray& name)
     for (int attempt = 0; attempt < 1000; ++attempt) {
         name = stem + '.' + QByteArray::number(qint64(getpid())) + '_' +
                QByteArray::number(counter.fetch_add(1)) + ".part";
-        const int descriptor =
-            ::open(name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (descriptor >= 0 || errno != EEXIST) {
-            return descriptor;
+        const int result = make(name.constData());
+        if (result >= 0 || errno != EEXIST) {
+            return result;
         }
     }
     return -1;
+}
+
+// The way to a file without a name.
+QByteArray processPath(int descriptor)
+{
+    return "/proc/self/fd/" + QByteArray::number(descriptor);
+}
+
+int linkTo(int descriptor, const char* name)
+{
+    return ::linkat(AT_FDCWD, processPath(descriptor).constData(), AT_FDCWD, name,
+                    AT_SYMLINK_FOLLOW);
+}
+
+// -1 where there are no such files, or no way to name one later.
+int createUnnamed(const QByteArray& target, mode_t mode)
+{
+#ifdef O_TMPFILE
+    const QByteArray directory = target.left(target.lastIndexOf('/') + 1);
+    const int descriptor = ::open(directory.constData(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode);
+    if (descriptor >= 0 && ::access(processPath(descriptor).constData(), F_OK) != 0) {
+        ::close(descriptor);
+        return -1;
+    }
+    return descriptor;
+#else
+    Q_UNUSED(target)
+    Q_UNUSED(mode)
+    return -1;
+#endif
 }
 } // namespace
 
@@ -71,7 +102,7 @@ KusSafeFile::~KusSafeFile()
     discard();
 }
 
-bool KusSafeFile::open()
+bool KusSafeFile::open(Naming naming)
 {
     discard();
     m_target = resolvedTarget(m_path);
@@ -91,9 +122,7 @@ bool KusSafeFile::open()
         return fail();
     }
 
-    m_descriptor = createBeside(m_target, exists ? 0600 : 0666, m_temporary);
-    if (m_descriptor < 0) {
-        m_temporary.clear();
+    if (!create(naming, exists ? 0600 : 0666)) {
         return fail();
     }
     if (exists) {
@@ -107,6 +136,22 @@ bool KusSafeFile::open()
         }
     }
     return true;
+}
+
+bool KusSafeFile::create(Naming naming, unsigned mode)
+{
+    if (naming == Naming::AT_COMMIT) {
+        m_descriptor = createUnnamed(m_target, mode);
+    }
+    if (m_descriptor < 0) {
+        m_descriptor = createBeside(m_target, m_temporary, [mode](const char* name) {
+            return ::open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        });
+    }
+    if (m_descriptor < 0) {
+        m_temporary.clear();
+    }
+    return m_descriptor >= 0;
 }
 
 bool KusSafeFile::write(const char* data, qint64 size)
@@ -147,13 +192,38 @@ bool KusSafeFile::flush()
 
 bool KusSafeFile::close()
 {
+    if (m_descriptor >= 0 && m_temporary.isEmpty() && !giveName()) {
+        return false;
+    }
     const int descriptor = std::exchange(m_descriptor, -1);
     return descriptor < 0 || ::close(descriptor) == 0 || fail();
 }
 
+// A file cannot be linked over another one, so the name is one for the rename.
+bool KusSafeFile::giveName()
+{
+    const int result = createBeside(
+        m_target, m_temporary, [this](const char* name) { return linkTo(m_descriptor, name); });
+    if (result < 0) {
+        m_temporary.clear();
+        return fail();
+    }
+    return true;
+}
+
 bool KusSafeFile::commit()
 {
-    if (m_temporary.isEmpty() || (!m_flushed && !flush()) || !close()) {
+    const bool isOpen = m_descriptor >= 0 || !m_temporary.isEmpty();
+    if (!isOpen || (!m_flushed && !flush())) {
+        discard();
+        return false;
+    }
+    // Where there is no older file, the new one takes its name at once.
+    if (m_temporary.isEmpty() && linkTo(m_descriptor, m_target.constData()) == 0) {
+        ::close(std::exchange(m_descriptor, -1));
+        return true;
+    }
+    if (!close()) {
         discard();
         return false;
     }

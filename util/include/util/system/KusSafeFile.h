@@ -10,7 +10,8 @@
 /// reader finds either the old content or the new, never a part.
 ///
 /// The content goes into a new file beside the target, is flushed to the disk, and is renamed over
-/// the target by `commit`. A symbolic link is followed: its target is replaced, the link stays. A
+/// the target by `commit`. That file may do without a name until then, so that not even a kill
+/// leaves it behind. A symbolic link is followed: its target is replaced, the link stays. A
 /// file that exists keeps its permissions (and its owner, where the system lets us); a new one gets
 /// those that the umask leaves. Without `commit` nothing changes.
 ///
@@ -23,6 +24,10 @@
 class KELVANE_UTIL_EXPORT KusSafeFile
 {
 public:
+    /// When the new file gets a name. AT_COMMIT is where the file system has files without one;
+    /// else it is AT_OPEN.
+    enum class Naming { AT_OPEN, AT_COMMIT };
+
     explicit KusSafeFile(const QString& path);
     KusSafeFile(KusSafeFile&& other) noexcept;
     KusSafeFile& operator=(KusSafeFile&&) = delete;
@@ -31,7 +36,7 @@ public:
 
     /// Creates the file beside the target. Fails when the directory is missing or may not be
     /// written, and when the target is a directory or a file that may not be written.
-    bool open();
+    bool open(Naming naming = Naming::AT_OPEN);
     bool write(const char* data, qint64 size);
     bool write(const QByteArray& bytes) { return write(bytes.constData(), bytes.size()); }
     /// Asks the system to start writing to the disk, without waiting.
@@ -51,17 +56,19 @@ public:
     void markFlushed() { m_flushed = true; }
 
     /// The file beside the target while it is open, for whoever writes files by path: it may be
-    /// opened and written there, and closed before the commit.
+    /// opened and written there, and closed before the commit. Empty while it has no name.
     QString getTemporaryPath() const { return QFile::decodeName(m_temporary); }
 
     const QString& getErrorString() const { return m_error; }
 
 private:
+    bool create(Naming naming, unsigned mode);
+    bool giveName();
     bool fail();
 
     QString m_path;
     QByteArray m_target;    // with links resolved, in the file system's encoding
-    QByteArray m_temporary; // empty when there is none
+    QByteArray m_temporary; // empty when there is none, or it has no name
     QString m_error;
     int m_descriptor = -1;
     bool m_flushed = false;

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <basic/data/HbdSpan.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QString>
+
+#include <atomic>
+#include <vector>
+
+/// The bytes of a compressed file, for a decoder: read in steps that grow, so that whoever wants
+/// the head of an archive only does not read much more than that.
+///
+/// A file that cannot be opened or read is a HbeDiskError; one that is no regular file, or empty,
+/// is a HbeUserError. One thread reads; any may ask for the sizes, or cancel.
+class KusArchiveFile
+{
+    Q_DECLARE_TR_FUNCTIONS(KusArchiveFile)
+
+public:
+    /// Opens the file. A link is followed; nothing that would wait, as a pipe does, is opened.
+    explicit KusArchiveFile(const QString& path);
+    ~KusArchiveFile();
+    KusArchiveFile(const KusArchiveFile&) = delete;
+    KusArchiveFile& operator=(const KusArchiveFile&) = delete;
+
+    /// What comes next: at least `least` bytes (of at most 16 KiB) but at the end of the file, and
+    /// as many more as there are in memory.
+    HbdSpan<const char> peek(int least);
+    void consume(int count) { m_begin += count; }
+
+    /// Of the next byte in the file.
+    qint64 getOffset() const { return m_readSize - (m_end - m_begin); }
+    qint64 getReadSize() const { return m_readSize; }
+    qint64 getSize() const { return m_size; }
+
+    /// From now on the file is at its end, for a thread that reads and shall stop.
+    void cancel() { m_cancelled = true; }
+
+    /// HbeUserError: "'%1' is not a valid archive file." and why.
+    [[noreturn]] void failNotArchive(const QString& reason) const;
+    /// HbeUserError: "Corrupted archive file '%1' (…)." with the place.
+    [[noreturn]] void failCorrupted(const QString& fault, qint64 offset) const;
+    [[noreturn]] void failCutOff() const;
+
+private:
+    void refill();
+
+    QString m_path;
+    int m_descriptor = -1;
+    qint64 m_size = 0;
+    std::vector<char> m_buffer;
+    int m_begin = 0;
+    int m_end = 0;
+    int m_step;
+    std::atomic<qint64> m_readSize{0};
+    std::atomic<bool> m_cancelled{false};
+};

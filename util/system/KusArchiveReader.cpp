@@ -1,0 +1,93 @@
+#include <util/system/KusArchiveReader.h>
+
+#include "ArchiveGzipDecoder.h"
+#include "ArchiveZstdDecoder.h"
+#include "KusArchiveAhead.h"
+
+#include <util/system/KusArchive.h>
+
+#include <QtCore/QFileInfo>
+
+#include <system_error>
+
+struct KusArchiveReader::Private {
+    Mode mode;
+    Decompressor decompressor = Decompressor::ZSTD;
+    std::unique_ptr<KusArchiveDecoder> decoder;
+    std::unique_ptr<KusArchiveAhead> ahead; // uses the decoder
+    bool isStarted = false;
+
+    KusArchiveDecoder& open(const QString& path);
+    void start();
+};
+
+KusArchiveReader::KusArchiveReader(const QString& archivePath, Mode mode)
+    : m_path(archivePath)
+    , m(std::make_unique<Private>())
+{
+    m->mode = mode;
+}
+
+KusArchiveReader::~KusArchiveReader() = default;
+
+KusArchiveDecoder& KusArchiveReader::Private::open(const QString& path)
+{
+    if (decoder)
+        return *decoder;
+    auto file = std::make_unique<KusArchiveFile>(path);
+    const QString suffix = QFileInfo(path).completeSuffix();
+    bool isGzip = suffix == KusArchive::getGzipExtension();
+    if (!isGzip && suffix != KusArchive::getZstdExtension()) {
+        // The magic bytes are all that the databases of content types know gzip by.
+        isGzip = ArchiveGzipDecoder::accepts(*file);
+        if (!isGzip && !ArchiveZstdDecoder::accepts(*file))
+            file->failNotArchive(tr("It is compressed with neither Zstandard nor gzip."));
+    }
+    decompressor = isGzip ? Decompressor::GZIP : Decompressor::ZSTD;
+    if (isGzip)
+        decoder = std::make_unique<ArchiveGzipDecoder>(std::move(file));
+    else
+        decoder = std::make_unique<ArchiveZstdDecoder>(std::move(file));
+    return *decoder;
+}
+
+void KusArchiveReader::Private::start()
+{
+    isStarted = true;
+    if (mode == Mode::DIRECT)
+        return;
+    try {
+        ahead = std::make_unique<KusArchiveAhead>(*decoder);
+    } catch (const std::system_error&) {
+        mode = Mode::DIRECT; // without a thread it only takes longer
+    }
+}
+
+KusArchiveReader::Decompressor KusArchiveReader::getDecompressor()
+{
+    m->open(m_path);
+    return m->decompressor;
+}
+
+qint64 KusArchiveReader::getFileSize()
+{
+    return m->open(m_path).getFile().getSize();
+}
+
+qint64 KusArchiveReader::getReadSize() const
+{
+    return m->decoder ? m->decoder->getFile().getReadSize() : 0;
+}
+
+bool KusArchiveReader::hasChecksum() const
+{
+    return m->decoder && m->decoder->hasChecksum();
+}
+
+HbdSpan<const char> KusArchiveReader::_next(int most)
+{
+    KusArchiveDecoder& decoder = m->open(m_path);
+    if (!m->isStarted)
+        m->start();
+    return m->ahead ? m->ahead->next(most) : decoder.next(most);
+}
