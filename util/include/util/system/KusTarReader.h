@@ -64,8 +64,11 @@ public:
     qint64 getSize() const;
     bool isDirectory() const;
     const KusTarRecord& getRecord() const;
-    /// Whether the checksums of its header and of the records before it are right.
+    /// Whether the checksums of its header and of the records before it are right; before the first
+    /// member, that of the information.
     bool hasRightChecksum() const;
+    /// Where its header stands in the stream, in bytes.
+    qint64 getOffset() const;
 
     /// The next bytes of its data, at least one and at most `most`; none at their end. Data that
     /// are cut off are a HbeUserError.
@@ -79,6 +82,8 @@ public:
     qint64 getTotalSize() const;
     /// At the end: whether the two blocks of NUL stood there.
     bool hasClosingBlocks() const;
+    /// After `readToEnd`: whether anything but NUL stood behind the end.
+    bool hasForeignEnd() const;
 
 private:
     struct Private;

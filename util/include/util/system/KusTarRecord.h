@@ -100,7 +100,8 @@ public:
     static bool decodePaxRecord(const QByteArray& data, QString& path);
     static bool decodePaxRecord(const QByteArray& data, QByteArray& path);
 
-    /// The size of so many bytes in whole blocks, in bytes; 0 for 0 or less.
+    /// The size of so many bytes in whole blocks, in bytes; 0 for 0 or less. What would not fit
+    /// into the number is its largest multiple of a block.
     static qint64 getPaddedSize(qint64 size);
 
 private:

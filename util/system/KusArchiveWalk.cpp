@@ -1,0 +1,224 @@
+#include "KusArchiveWalk.h"
+
+#include <basic/error/HbeDiskError.h>
+
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+constexpr std::size_t MAX_OPEN_LEVELS = 32;
+constexpr int NAME_RESERVE = 4096;
+constexpr int DIRECTORY_FLAGS = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+// Without waiting: a pipe could have taken the place of the file.
+constexpr int FILE_FLAGS = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+struct DirectoryCloser {
+    void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+bool isDots(const char* name)
+{
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+} // namespace
+
+void KusArchiveWalk::Descriptor::close()
+{
+    if (m_number >= 0)
+        ::close(std::exchange(m_number, -1));
+}
+
+KusArchiveWalk::KusArchiveWalk(Descriptor directory, const QByteArray& name,
+                               const QString& shownBase)
+    : m_shownBase(shownBase)
+{
+    m_name.reserve(NAME_RESERVE);
+    m_directory.reserve(NAME_RESERVE);
+    m_name.append(name);
+    struct stat facts = {};
+    if (::fstat(directory.get(), &facts) != 0)
+        fail(errno);
+    push(std::move(directory), facts);
+}
+
+KusArchiveWalk::~KusArchiveWalk() = default;
+
+bool KusArchiveWalk::next()
+{
+    while (!m_levels.empty()) {
+        Level& level = m_levels.back();
+        if (level.next == level.order.size()) {
+            leave();
+            continue;
+        }
+        m_entry = level.names.data() + level.order[level.next++];
+        m_name.resize(level.nameSize);
+        m_name.append('/').append(fileName());
+        return true;
+    }
+    return false;
+}
+
+QByteArray KusArchiveWalk::getFileName() const
+{
+    return QByteArray(fileName());
+}
+
+QString KusArchiveWalk::getShownPath() const
+{
+    return m_shownBase + QFile::decodeName(m_name);
+}
+
+KusArchiveWalk::Kind KusArchiveWalk::getKind() const
+{
+    int type = static_cast<unsigned char>(*m_entry);
+    if (type == DT_UNKNOWN) {
+        struct stat facts = {};
+        lookUp(facts);
+        type = IFTODT(facts.st_mode);
+    }
+    switch (type) {
+    case DT_REG:
+        return Kind::REGULAR;
+    case DT_DIR:
+        return Kind::DIRECTORY;
+    case DT_LNK:
+        return Kind::LINK;
+    case DT_FIFO:
+        return Kind::PIPE;
+    case DT_SOCK:
+        return Kind::SOCKET;
+    default:
+        return Kind::DEVICE;
+    }
+}
+
+void KusArchiveWalk::lookUp(struct stat& facts) const
+{
+    if (::fstatat(m_levels.back().directory.get(), fileName(), &facts, AT_SYMLINK_NOFOLLOW) != 0)
+        fail(errno);
+}
+
+bool KusArchiveWalk::isReadable(const struct stat& facts) const
+{
+    const mode_t needed = facts.st_uid == ::geteuid() ? S_IRUSR : S_IRGRP | S_IROTH;
+    return (facts.st_mode & needed) == needed ||
+           ::faccessat(m_levels.back().directory.get(), fileName(), R_OK, AT_EACCESS) == 0;
+}
+
+KusArchiveWalk::Descriptor KusArchiveWalk::openFile(struct stat& facts) const
+{
+    Descriptor file(::openat(m_levels.back().directory.get(), fileName(), FILE_FLAGS));
+    if (!file.isOpen() || ::fstat(file.get(), &facts) != 0)
+        fail(errno);
+    if (!S_ISREG(facts.st_mode))
+        failAsChanged(getShownPath());
+    return file;
+}
+
+void KusArchiveWalk::enter(struct stat& facts)
+{
+    Descriptor directory(::openat(m_levels.back().directory.get(), fileName(), DIRECTORY_FLAGS));
+    if (!directory.isOpen() || ::fstat(directory.get(), &facts) != 0)
+        fail(errno);
+    push(std::move(directory), facts);
+}
+
+int KusArchiveWalk::getEntryCount() const
+{
+    return static_cast<int>(m_levels.back().order.size());
+}
+
+const char* KusArchiveWalk::getEntryName(int index) const
+{
+    const Level& level = m_levels.back();
+    return level.names.data() + level.order[static_cast<std::size_t>(index)] + 1;
+}
+
+void KusArchiveWalk::failAt(const QString& path, int error)
+{
+    if (error < 0 || error == ENOENT || error == ELOOP || error == ENOTDIR)
+        failAsChanged(path);
+    throw HbeDiskError(tr("Cannot read '%1'.").arg(path) + '\n' + qt_error_string(error));
+}
+
+void KusArchiveWalk::failAsChanged(const QString& path)
+{
+    throw HbeDiskError(tr("'%1' changed while it was archived.").arg(path));
+}
+
+void KusArchiveWalk::push(Descriptor directory, const struct stat& facts)
+{
+    Level level;
+    level.directory = std::move(directory);
+    level.device = facts.st_dev;
+    level.inode = facts.st_ino;
+    level.nameSize = m_name.size();
+    list(level);
+    m_directory.resize(0);
+    m_directory.append(m_name);
+    m_levels.push_back(std::move(level));
+    if (m_levels.size() > MAX_OPEN_LEVELS)
+        m_levels[m_levels.size() - 1 - MAX_OPEN_LEVELS].directory.close();
+}
+
+void KusArchiveWalk::list(Level& level) const
+{
+    // The stream owns a descriptor of its own, for it closes it.
+    Descriptor copy(::fcntl(level.directory.get(), F_DUPFD_CLOEXEC, 0));
+    const std::unique_ptr<DIR, DirectoryCloser> entries(copy.isOpen() ? ::fdopendir(copy.get())
+                                                                      : nullptr);
+    if (!entries)
+        fail(errno);
+    copy.release();
+    for (;;) {
+        errno = 0;
+        const dirent* const entry = ::readdir(entries.get());
+        if (entry == nullptr)
+            break;
+        if (isDots(entry->d_name))
+            continue;
+        if (level.names.size() > std::numeric_limits<quint32>::max())
+            fail(EOVERFLOW);
+        level.order.push_back(static_cast<quint32>(level.names.size()));
+        level.names.push_back(static_cast<char>(entry->d_type));
+        level.names.insert(level.names.end(), entry->d_name,
+                           entry->d_name + std::strlen(entry->d_name) + 1);
+    }
+    if (errno != 0)
+        fail(errno);
+    const char* const names = level.names.data();
+    std::sort(level.order.begin(), level.order.end(), [names](quint32 a, quint32 b) {
+        return std::strcmp(names + a + 1, names + b + 1) < 0;
+    });
+}
+
+void KusArchiveWalk::leave()
+{
+    if (m_levels.size() > 1) {
+        const Level& level = m_levels.back();
+        Level& parent = m_levels[m_levels.size() - 2];
+        m_directory.resize(parent.nameSize);
+        if (!parent.directory.isOpen()) {
+            m_name.resize(parent.nameSize); // what a message names
+            parent.directory = Descriptor(::openat(level.directory.get(), "..", DIRECTORY_FLAGS));
+            struct stat facts = {};
+            if (!parent.directory.isOpen() || ::fstat(parent.directory.get(), &facts) != 0)
+                fail(errno);
+            if (facts.st_dev != parent.device || facts.st_ino != parent.inode)
+                failAsChanged(getShownPath());
+        }
+    }
+    m_levels.pop_back();
+}
