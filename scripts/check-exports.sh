@@ -7,7 +7,7 @@
 set -euo pipefail
 
 ours='^((vtable|VTT|typeinfo|typeinfo name|guard variable|construction vtable) for |(non-virtual|virtual|covariant return) thunk to )?'
-ours+='(([Hh][bg]|[Kk]u|Grdecl|Ecl|ecl_)[A-Za-z0-9_]*(<.*>)?|operator(==|!=|<=?|>=?|<<|>>|[-+*/|&^])|qHash|qt_metacall)(::|\(|\[|<|$|-in-)'
+ours+='(([Hh][bg]|[Kk]u|Grdecl|Ecl|ecl_|Archive(Zstd|Gzip))[A-Za-z0-9_]*(<.*>)?|operator(==|!=|<=?|>=?|<<|>>|[-+*/|&^])|qHash|qt_metacall)(::|\(|\[|<|$|-in-)'
 failed=0
 for library in "$@"; do
     strangers=$(nm -DC --defined-only "$library" | grep -E '^[0-9a-f]+ [TDBRSG] ' |

@@ -141,9 +141,19 @@ else
     map=()
 fi
 
+step "Pack: the project in one file, and out of it on another path"
+run kelvane pack project project.tar.zst
+run kelvane archive list project.tar.zst
+run kelvane archive info project.tar.zst
+run kelvane archive verify project.tar.zst
+run mkdir -p elsewhere
+run kelvane unpack project.tar.zst elsewhere --overwrite
+run kelvane check elsewhere/project
+
 step "The results are in $output"
 echo "  project/          the project: one file a dataset"
 echo "  export.csv        the export; export-comma.csv with decimal commas"
+echo "  project.tar.zst   the project in one file; elsewhere/ holds it unpacked"
 echo "  info.json         what the project holds"
 [ ! -f rich.csv ] || echo "  rich.csv          the samples that pass rules; masked.csv the same by a mask"
 [ ! -f world.csv ] || echo "  world.csv         the export in longitudes and latitudes, in other units"

@@ -37,7 +37,8 @@ struct ToolCommand {
     QVector<ToolOption> options;
     int minArguments = 0;
     int maxArguments = 0;
-    bool draws = false; ///< it needs fonts, so a QGuiApplication
+    bool draws = false;    ///< it needs fonts, so a QGuiApplication
+    bool usesUnits = true; ///< it needs the units, the user's own among them
 
     /// Does the work; the command line has its options and as many arguments as it may.
     int (*run)(const QCommandLineParser& line) = nullptr;

@@ -8,6 +8,7 @@
 #include <QtCore/QVector>
 
 #include <algorithm>
+#include <limits>
 
 namespace
 {
@@ -152,6 +153,25 @@ int ToolCommandLine::readCount(const QCommandLineParser& line, const QString& op
         throw ToolUsageError(
             Tool::tr("--%1 is a number above 0, not '%2'").arg(option, line.value(option)));
     return count;
+}
+
+qint64 ToolCommandLine::readSize(const QCommandLineParser& line, const QString& option,
+                                 qint64 defaultSize)
+{
+    if (!line.isSet(option))
+        return defaultSize;
+    QString digits = line.value(option);
+    int power = 0;
+    if (!digits.isEmpty()) {
+        power = 1 + QStringLiteral("KMGT").indexOf(digits.back().toUpper());
+        digits.chop(power > 0 ? 1 : 0);
+    }
+    const qint64 unit = qint64(1) << (10 * power);
+    const qint64 count = HbbGlobal::convertString(digits, qint64(-1));
+    if (count < 1 || count > std::numeric_limits<qint64>::max() / unit)
+        throw ToolUsageError(Tool::tr("--%1 is a size such as 4096, 500M or 2G, not '%2'")
+                                 .arg(option, line.value(option)));
+    return count * unit;
 }
 
 void ToolCommandLine::checkExclusive(const QCommandLineParser& line, const QStringList& options,

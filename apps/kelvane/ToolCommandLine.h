@@ -22,6 +22,10 @@ int readWord(const QCommandLineParser& line, const QString& option, const QStrin
 /// The value of an option that takes a number above 0.
 int readCount(const QCommandLineParser& line, const QString& option, int defaultCount);
 
+/// The value of an option that takes a number of bytes above 0: "4096", "500M", "2G"; the letters
+/// are powers of 1024.
+qint64 readSize(const QCommandLineParser& line, const QString& option, qint64 defaultSize);
+
 /// A usage error, with the hint, where two of the options are given.
 void checkExclusive(const QCommandLineParser& line, const QStringList& options,
                     const QString& hint);

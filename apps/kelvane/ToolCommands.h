@@ -13,3 +13,6 @@ ToolCommand createMapCommand();
 ToolCommand createCsCommand();
 ToolCommand createConvertCommand();
 ToolCommand createUnitsCommand();
+ToolCommand createPackCommand();
+ToolCommand createUnpackCommand();
+ToolCommand createArchiveCommand();

@@ -41,13 +41,14 @@ void ToolInterrupt::check()
         throw HbcCancelled();
 }
 
-void ToolInterrupt::run(HbcAProgress& job, ToolProgress& progress)
+void ToolInterrupt::run(HbcAProgress& job, ToolProgress& progress, bool showsMessages)
 {
     job.start();
     while (!job.wait(POLL_MILLISECONDS)) {
         if (requested != 0)
             job.requestCancel();
-        progress.show(job.getCounter(), job.getTotal());
+        progress.show(job.getCounter(), job.getTotal(),
+                      showsMessages ? job.getMessage() : QString());
     }
     job.rethrowError();
 }

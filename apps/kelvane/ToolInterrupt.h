@@ -15,7 +15,7 @@ int getSignal();
 /// Raises HbcCancelled when there is one.
 void check();
 
-/// Runs a job in its own thread to its end and shows its progress; a signal cancels it. What ends
-/// the job is thrown.
-void run(HbcAProgress& job, ToolProgress& progress);
+/// Runs a job in its own thread to its end and shows its progress, with its messages where these
+/// say more than the bar does; a signal cancels it. What ends the job is thrown.
+void run(HbcAProgress& job, ToolProgress& progress, bool showsMessages = false);
 } // namespace ToolInterrupt

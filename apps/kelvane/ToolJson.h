@@ -4,6 +4,8 @@
 #include <QtCore/QString>
 #include <QtCore/QVariant>
 
+#include <utility>
+
 /// Writes one JSON document, indented, its keys in the order that they are given. Reals are the
 /// shortest text that reads back the same; what JSON has no number for (undefined, infinite) is
 /// null.
@@ -29,6 +31,9 @@ public:
 
     /// The text, or null for an empty one.
     void textOrNull(const QString& text);
+
+    /// What was written since the last call, of a document that goes out in pieces.
+    QByteArray take() { return std::exchange(m_text, QByteArray()); }
 
     /// The document, with a line feed at its end.
     QByteArray toByteArray() const { return m_text + '\n'; }

@@ -13,8 +13,11 @@ public:
     ToolProgress(const ToolProgress&) = delete;
     ToolProgress& operator=(const ToolProgress&) = delete;
 
-    /// May be called as often as one likes. A total of 0 or less: the length is not known.
-    void show(qint64 done, qint64 total);
+    bool isTerminal() const { return m_isTerminal; }
+
+    /// May be called as often as one likes. A total of 0 or less: the length is not known. What is
+    /// at work stands behind the bar, as far as the terminal is wide.
+    void show(qint64 done, qint64 total, const QString& atWork = QString());
 
 private:
     QString m_title;

@@ -12,7 +12,10 @@
 #include <QtCore/QTextCodec>
 #include <QtGui/QGuiApplication>
 
+#include <cstdlib>
+#include <fcntl.h>
 #include <memory>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -21,10 +24,11 @@ constexpr int US_ASCII = 3; // the number of the encoding in IANA's list
 
 std::vector<ToolCommand> createCommands()
 {
-    return {createImportCommand(),  createInfoCommand(),  createSetCommand(),
-            createSelectCommand(),  createTableCommand(), createExportCommand(),
-            createCheckCommand(),   createMapCommand(),   createCsCommand(),
-            createConvertCommand(), createUnitsCommand()};
+    return {createImportCommand(),  createInfoCommand(),   createSetCommand(),
+            createSelectCommand(),  createTableCommand(),  createExportCommand(),
+            createCheckCommand(),   createMapCommand(),    createCsCommand(),
+            createConvertCommand(), createUnitsCommand(),  createPackCommand(),
+            createUnpackCommand(),  createArchiveCommand()};
 }
 
 QString generalHelp(const std::vector<ToolCommand>& commands)
@@ -49,6 +53,17 @@ void keepQtQuiet(QtMsgType type, const QMessageLogContext&, const QString& messa
         ToolOutput::printError(message);
 }
 
+/// A file of ours must not get the number of a stream that the caller has closed, or our messages
+/// would go into it. What stands in for the stream fails as a closed one does.
+void fillStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0 &&
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) != stream)
+            std::abort();
+    }
+}
+
 /// The application that a command needs: drawing takes fonts, and no display.
 std::unique_ptr<QCoreApplication> createApplication(int& argc, char** argv, bool draws)
 {
@@ -67,8 +82,8 @@ int runCommand(const ToolCommand& command, const QStringList& arguments)
         ToolOutput::print(command.getHelp());
         return ExitDone;
     }
-    // Every command reads or writes units: a variable may have one of the user's own.
-    KuuUnitCatalog::init();
+    if (command.usesUnits)
+        KuuUnitCatalog::init(); // a variable may have a unit of the user's own
     return command.run(line);
 }
 
@@ -131,6 +146,7 @@ int guard(const std::vector<ToolCommand>& commands, const QStringList& arguments
 
 int main(int argc, char** argv)
 {
+    fillStandardStreams();
     qInstallMessageHandler(&keepQtQuiet);
     const std::vector<ToolCommand> commands = createCommands();
     bool draws = false;

@@ -68,6 +68,11 @@ std::unique_ptr<KudADataset> KudDatasetDirectory::read(const KuuId& id) const
     return dataset;
 }
 
+QString KudDatasetDirectory::readCoordSystem(const KuuId& id) const
+{
+    return KuxXmlMementoFile::peekText(directory(), id, QStringLiteral("coordSystem"));
+}
+
 void KudDatasetDirectory::save(const KudADataset& dataset, const KuuId& id) const
 {
     const bool existed = exists();

@@ -188,6 +188,11 @@ void ArchiveZstdWriter::discard()
     m->isFailed = false;
 }
 
+QString ArchiveZstdWriter::getTemporaryPath() const
+{
+    return m->file.getTemporaryPath();
+}
+
 qint64 ArchiveZstdWriter::getWrittenSize() const
 {
     return m->written;

@@ -57,6 +57,7 @@ QString KusArchive::getGzipExtension()
 void KusArchive::_run()
 {
     KusArchiveProgress progress(*this);
+    m_counts = Counts();
     switch (m_operation) {
     case Operation::NONE:
         throw HbeProgrammingError(tr("KusArchive run without operation defined."));

@@ -29,6 +29,8 @@ namespace
 {
 using Kind = KusArchiveWalk::Kind;
 
+constexpr int LONGEST_NAME = 1 << 19; // a reader may refuse extended headers of twice the size
+
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(KusArchivePacker)
 };
@@ -64,7 +66,7 @@ KusArchivePacker::KusArchivePacker(const QString& archivePath, const QString& so
     , m_sourcePath(sourcePath)
     , m_info(info)
     , m_progress(progress)
-    , m_older(archivePath)
+    , m_own(archivePath)
 {
 }
 
@@ -73,10 +75,10 @@ KusArchivePacker::~KusArchivePacker() = default;
 void KusArchivePacker::run(const QVariantMap& header)
 {
     m_progress.setPhase(tr("Archiving"));
-    if (!m_older.getFault().isEmpty()) {
+    if (!m_own.getFault().isEmpty()) {
         throw HbeDiskError(tr("Cannot remove existing '%1'\nbefore archiving '%2'.")
                                .arg(m_archivePath, m_sourcePath) +
-                           '\n' + m_older.getFault());
+                           '\n' + m_own.getFault());
     }
     m_excluded = KusMemberPatterns(m_info.excluded);
     m_included = KusMemberPatterns(m_info.included);
@@ -101,7 +103,7 @@ void KusArchivePacker::inspectSource()
     const QString fault = findNameFault(m_sourceName);
     if (!fault.isEmpty())
         refuseName(getShownSource(), fault);
-    if (!m_isDirectory && m_older.is(m_sourceName, facts))
+    if (!m_isDirectory && m_own.holds(m_sourceName, facts))
         throw HbeUserError(tr("'%1' cannot be archived into itself.").arg(getShownSource()));
     openSource(m_isDirectory);
     if (!m_isDirectory)
@@ -211,7 +213,7 @@ void KusArchivePacker::scanFile(const KusArchiveWalk& walk)
     }
     struct stat facts = {};
     walk.lookUp(facts);
-    if (m_older.is(walk.getFileName(), facts))
+    if (m_own.holds(walk.getFileName(), facts))
         return;
     if (!walk.isReadable(facts))
         walk.fail(EACCES);
@@ -227,6 +229,8 @@ QString KusArchivePacker::findNameFault(const QByteArray& name) const
     const char* const local = name.constData() + (isTop ? 0 : m_sourceName.size() + 1);
     if (std::strcmp(local, KusTarReader::INFORMATION_NAME) == 0)
         return tr("The archive's own information has this name.");
+    if (name.size() > LONGEST_NAME)
+        return tr("Its name has more than %1 bytes.").arg(LONGEST_NAME);
     return KusMemberPath::findFault(name);
 }
 
@@ -272,6 +276,7 @@ void KusArchivePacker::write(const QVariantMap& header)
 
     ArchiveZstdWriter writer(m_archivePath);
     writer.open("wb", m_info.level, m_info.threadCount);
+    m_own.setNewFile(writer.getTemporaryPath());
     try {
         KusArchiveOutput output(writer, m_archivePath, m_progress);
         if (m_isDirectory) {
@@ -304,6 +309,13 @@ void KusArchivePacker::writeInformation(KusArchiveOutput& output,
     output.addData(information);
 }
 
+void KusArchivePacker::addMember(KusArchiveOutput& output, const KusTarFile& file,
+                                 const QByteArray& above)
+{
+    output.addHeader(file, above);
+    m_progress.countMember(file.size);
+}
+
 void KusArchivePacker::writeSingleFile(KusArchiveOutput& output)
 {
     struct stat facts = {};
@@ -311,11 +323,12 @@ void KusArchivePacker::writeSingleFile(KusArchiveOutput& output)
         KusArchiveWalk::failAsChanged(getShownSource());
     if (m_progress.showsMembers())
         m_progress.setMember(QFile::decodeName(m_sourceName));
-    output.addHeader(KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
+    addMember(output, KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
     const int error = output.addData(m_source.get(), facts.st_size);
     if (error != 0)
         KusArchiveWalk::failAt(getShownSource(), error);
     m_writtenSize = facts.st_size;
+    m_progress.countMember(facts.st_size);
 }
 
 void KusArchivePacker::writeDirectory(KusArchiveOutput& output)
@@ -324,7 +337,7 @@ void KusArchivePacker::writeDirectory(KusArchiveOutput& output)
     KusArchiveWalk::Descriptor directory = reopenDirectory();
     if (::fstat(directory.get(), &facts) != 0)
         KusArchiveWalk::failAsChanged(getShownSource());
-    output.addHeader(KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
+    addMember(output, KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
 
     std::vector<Pending> pending;
     KusArchiveWalk walk(std::move(directory), m_sourceName, m_shownBase);
@@ -358,7 +371,7 @@ void KusArchivePacker::writePending(KusArchiveOutput& output, const QByteArray& 
         const QByteArray above = name.left(directory.directorySize);
         if (m_progress.showsMembers())
             m_progress.setMember(QFile::decodeName(above + '/' + directory.file.name));
-        output.addHeader(directory.file, above);
+        addMember(output, directory.file, above);
     }
     pending.clear();
 }
@@ -371,14 +384,15 @@ void KusArchivePacker::writeFile(KusArchiveOutput& output, const KusArchiveWalk&
     struct stat facts = {};
     const KusArchiveWalk::Descriptor file = walk.openFile(facts);
     const QByteArray name = walk.getFileName();
-    if (m_older.is(name, facts))
+    if (m_own.holds(name, facts))
         return;
     writePending(output, walk.getName(), pending);
     if (m_progress.showsMembers())
         m_progress.setMember(QFile::decodeName(walk.getName()));
-    output.addHeader(KusTarFile::fromSystem(name, facts), walk.getDirectory());
+    addMember(output, KusTarFile::fromSystem(name, facts), walk.getDirectory());
     const int error = output.addData(file.get(), facts.st_size);
     if (error != 0)
         walk.fail(error);
     m_writtenSize += facts.st_size;
+    m_progress.countMember(facts.st_size);
 }

@@ -12,6 +12,7 @@
 
 class KusArchiveOutput;
 class KusArchiveProgress;
+struct KusTarFile;
 
 /// Writes one archive: the packing half of KusArchive, which says what it does.
 ///
@@ -51,6 +52,7 @@ private:
 
     void write(const QVariantMap& header);
     void writeInformation(KusArchiveOutput& output, const QByteArray& information) const;
+    void addMember(KusArchiveOutput& output, const KusTarFile& file, const QByteArray& above);
     void writeSingleFile(KusArchiveOutput& output);
     void writeDirectory(KusArchiveOutput& output);
     void writePending(KusArchiveOutput& output, const QByteArray& name,
@@ -62,7 +64,7 @@ private:
     QString m_sourcePath;
     KusArchive::ArchiveInfo m_info;
     KusArchiveProgress& m_progress;
-    KusArchiveReplacement m_older;
+    KusArchiveReplacement m_own;
 
     KusMemberPatterns m_excluded;
     KusMemberPatterns m_included;

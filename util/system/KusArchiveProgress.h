@@ -27,6 +27,12 @@ public:
         if (m_task.hasVisibleProgressPaths())
             m_task.setMessage(m_phase + QLatin1String(": ") + name);
     }
+    /// A member is packed, unpacked or read; the size is that of a file, 0 of a directory.
+    void countMember(qint64 size)
+    {
+        ++m_task.m_counts.members;
+        m_task.m_counts.fileSize += size;
+    }
     bool showsMembers() const { return m_task.hasVisibleProgressPaths(); }
     bool ask(const QString& title, const QString& text, const QString& proposal) const
     {

@@ -7,7 +7,8 @@
 
 struct stat;
 
-/// The older archive that is going to be replaced, if there is one.
+/// The files of the archive's own that the source may hold: the older archive that is going to be
+/// replaced, and the new one on its way.
 class KusArchiveReplacement
 {
 public:
@@ -16,14 +17,20 @@ public:
 
     /// Why it cannot be replaced; empty when it can, or when there is none.
     const QString& getFault() const { return m_fault; }
-    /// Whether this entry is that file. Another name of the same file is not.
-    bool is(const QByteArray& fileName, const struct stat& facts) const;
+    /// The new file; nothing when the path is empty.
+    void setNewFile(const QString& path);
+    /// Whether the entry is one of these files. Another name of the same file is not.
+    bool holds(const QByteArray& fileName, const struct stat& facts) const;
 
 private:
-    int findError(const QByteArray& path, const struct stat& facts) const;
+    struct File {
+        QByteArray name; // empty: none
+        dev_t device = 0;
+        ino_t inode = 0;
+    };
+    static File identify(const QByteArray& path, const struct stat& facts);
 
-    QByteArray m_name; // empty: none
-    dev_t m_device = 0;
-    ino_t m_inode = 0;
+    File m_older;
+    File m_new;
     QString m_fault;
 };

@@ -18,6 +18,8 @@ public:
     KusArchive::Verification run();
 
 private:
+    struct Run;
+
     QString m_archivePath;
     KusArchive::ExtractInfo m_info;
     KusArchiveProgress& m_progress;

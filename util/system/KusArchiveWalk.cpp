@@ -42,6 +42,7 @@ void KusArchiveWalk::Descriptor::close()
 KusArchiveWalk::KusArchiveWalk(Descriptor directory, const QByteArray& name,
                                const QString& shownBase)
     : m_shownBase(shownBase)
+    , m_user(::geteuid())
 {
     m_name.reserve(NAME_RESERVE);
     m_directory.reserve(NAME_RESERVE);
@@ -112,7 +113,7 @@ void KusArchiveWalk::lookUp(struct stat& facts) const
 
 bool KusArchiveWalk::isReadable(const struct stat& facts) const
 {
-    const mode_t needed = facts.st_uid == ::geteuid() ? S_IRUSR : S_IRGRP | S_IROTH;
+    const mode_t needed = facts.st_uid == m_user ? S_IRUSR : S_IRGRP | S_IROTH;
     return (facts.st_mode & needed) == needed ||
            ::faccessat(m_levels.back().directory.get(), fileName(), R_OK, AT_EACCESS) == 0;
 }

@@ -111,6 +111,7 @@ private:
     const char* fileName() const { return m_entry + 1; }
 
     QString m_shownBase;
+    uid_t m_user;
     QByteArray m_name;
     QByteArray m_directory;
     std::vector<Level> m_levels;

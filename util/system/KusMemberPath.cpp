@@ -8,6 +8,7 @@
 namespace
 {
 constexpr std::ptrdiff_t LONGEST_ELEMENT = 255; // bytes, on every usual file system
+constexpr int LONGEST_SHOWN = 5000;             // bytes; longer than any path of a file may be
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(KusMemberPath)
@@ -78,7 +79,9 @@ void addFolded(Hash& hash, const char* begin, const char* end)
         addAscii(hash, begin, end);
         return;
     }
+    // By way of capitals, for Qt folds letter by letter, and some disks take "ß" for "ss".
     const QString folded = text.normalized(QString::NormalizationForm_D)
+                               .toUpper()
                                .toCaseFolded()
                                .normalized(QString::NormalizationForm_C);
     const QByteArray foldedBytes = folded.toUtf8();
@@ -122,6 +125,18 @@ QString KusMemberPath::findFault(const QByteArray& name)
     if (isLong)
         return Texts::tr("Its name has an element of more than %1 bytes.").arg(LONGEST_ELEMENT);
     return QString();
+}
+
+QString KusMemberPath::getShownText(const QByteArray& name)
+{
+    QString text = QString::fromUtf8(name.left(LONGEST_SHOWN));
+    if (name.size() > LONGEST_SHOWN)
+        text += QChar(0x2026); // an ellipsis
+    for (QChar& c : text) {
+        if (c.category() == QChar::Other_Control)
+            c = QChar::ReplacementCharacter;
+    }
+    return text;
 }
 
 quint64 KusMemberPath::getFoldedHash(const QByteArray& name)

@@ -1,14 +1,12 @@
 #include <util/system/KusTarReader.h>
 
+#include "KusTarExtension.h"
 #include "KusTarField.h"
-#include "KusTarPax.h"
+#include "KusTarRefusal.h"
 
 #include <util/system/KusArchive.h>
 #include <util/system/KusArchiveInformation.h>
 #include <util/system/KusArchiveInput.h>
-#include <util/system/KusFileUtils.h>
-
-#include <basic/error/HbeUserError.h>
 
 #include <algorithm>
 #include <array>
@@ -30,20 +28,6 @@ constexpr char LONG_LINK_TYPE = 'K';
 
 const QByteArray POSIX_MAGIC("ustar\0", 6);
 
-/// The name for a message: a hostile one must not write to the terminal, or fill it.
-QString shown(const QByteArray& name)
-{
-    constexpr int LONGEST = 1000;
-    QString text = QString::fromUtf8(name.left(LONGEST));
-    if (name.size() > LONGEST)
-        text += QChar(0x2026);
-    for (QChar& c : text) {
-        if (c.category() == QChar::Other_Control)
-            c = QChar::ReplacementCharacter;
-    }
-    return text;
-}
-
 QByteArray lastElement(const QByteArray& name)
 {
     return name.mid(name.lastIndexOf('/') + 1);
@@ -58,7 +42,7 @@ bool isNul(HbdSpan<const char> bytes)
 struct KusTarReader::Private {
     Private(KusArchiveInput& stream, const QString& archivePath)
         : input(stream)
-        , path(archivePath)
+        , refusal(archivePath)
     {
     }
 
@@ -71,26 +55,25 @@ struct KusTarReader::Private {
     bool takeRecord();
     bool takeStrictly();
     bool takeOfOtherTools();
+    void readExtensionOfOtherTools();
+    void refuseBadSize() const;
     void takeZeroBlock();
     void countInvalid();
     void beginMember();
     void finish();
 
+    [[noreturn]] void refuseNoHeader() const;
+    [[noreturn]] void refuseMember(const QString& fault) const
+    {
+        refusal.refuseMember(recordName(), offset, fault);
+    }
+
     QByteArray headerName() const;
     QByteArray recordName() const;
     const QByteArray& readExtension();
-    void readPath();
-    void readPax();
-    void readLongName();
-
-    QString describeType() const;
-    [[noreturn]] void refuseBlock() const;
-    [[noreturn]] void refuse(const QString& fault) const;
-    [[noreturn]] void refuseDecoding(const QByteArray& what, const QString& fault) const;
-    [[noreturn]] void refuseCut(const QByteArray& what) const;
 
     KusArchiveInput& input;
-    const QString path;
+    const KusTarRefusal refusal;
     bool readsOtherTools = false;
     qint64 limit = std::numeric_limits<qint64>::max();
     qint64 position = 0; // in the stream
@@ -108,12 +91,8 @@ struct KusTarReader::Private {
     bool hasForeignEnd = false;
 
     // What the records before a member say of it.
-    bool isExtended = false;
-    bool hasRightExtensions = true;
-    QByteArray extendedName;
-    qint64 extendedSize = -1;
-    bool isSparse = false;
-    QByteArray extension;
+    KusTarExtension extension;
+    QByteArray extensionData;
 
     QByteArray name;
     qint64 size = 0;
@@ -146,8 +125,7 @@ bool KusTarReader::Private::readBlock()
         return true;
     }
     if (offset == 0)
-        throw HbeUserError(tr("'%1' is not a valid archive file.").arg(path) + QLatin1Char('\n') +
-                           tr("Decompressed, it is shorter than one header."));
+        refusal.refuseStream(tr("Decompressed, it is shorter than one header."));
     hasForeignEnd = !isNul(bytes);
     return false;
 }
@@ -157,7 +135,7 @@ void KusTarReader::Private::readFully(char* data, qint64 count, const QByteArray
     const qint64 done = input.read(data, count);
     position += done;
     if (done < count)
-        refuseCut(what);
+        refusal.refuseCut(what, position);
 }
 
 void KusTarReader::Private::skip(qint64 count, const QByteArray& what)
@@ -165,19 +143,14 @@ void KusTarReader::Private::skip(qint64 count, const QByteArray& what)
     const qint64 done = count > 0 ? input.skip(count) : 0;
     position += done;
     if (done < count)
-        refuseCut(what);
+        refusal.refuseCut(what, position);
 }
 
 /// Refuses what goes beyond the limit, before it is read.
 void KusTarReader::Private::claim(qint64 count, const QByteArray& what) const
 {
     if (position > limit || count > limit - position)
-        throw HbeUserError(
-            tr("Archive file '%1' holds more than the %2 that are allowed.")
-                .arg(path, KusFileUtils::getStringSize(limit)) +
-            QLatin1Char('\n') +
-            tr("'%1' at byte %2 goes beyond it with %3.")
-                .arg(shown(what), QString::number(offset), KusFileUtils::getStringSize(count)));
+        refusal.refuseLimit(limit, what, offset, count);
 }
 
 void KusTarReader::Private::passMember()
@@ -193,7 +166,7 @@ void KusTarReader::Private::passMember()
 bool KusTarReader::Private::takeRecord()
 {
     if (position > limit)
-        claim(0, recordName());
+        claim(0, record.isZeroBlock() ? name : recordName());
     if (record.isZeroBlock()) {
         takeZeroBlock();
         return false;
@@ -213,37 +186,68 @@ bool KusTarReader::Private::takeStrictly()
     }
     if (!record.isExtension())
         return true;
-    readPath();
+    if (!extension.takePath(readExtension()))
+        refusal.refuseDecoding(headerName(), QString());
     return false;
 }
 
 bool KusTarReader::Private::takeOfOtherTools()
 {
     const char type = record.typeFlag();
-    const bool isFile = type == KusTarRecord::FILE_TYPE || type == OLD_FILE_TYPE;
-    const bool isMember = isFile || type == KusTarRecord::DIRECTORY_TYPE;
+    const bool isMember = type == KusTarRecord::FILE_TYPE || type == OLD_FILE_TYPE ||
+                          type == KusTarRecord::DIRECTORY_TYPE;
     const bool isOld =
         !KusTarField::read(record.headerData(), KusTarField::MAGIC).startsWith("ustar");
     if (isOld && !(isMember && record.hasRightChecksum()))
-        refuseBlock();
-    if (isMember && isSparse)
-        refuse(tr("it is a sparse file; those are not read"));
-    if (!isMember && type != KusTarRecord::EXTENSION_TYPE && type != SOLARIS_EXTENSION_TYPE &&
-        type != GLOBAL_EXTENSION_TYPE && type != LONG_NAME_TYPE && type != LONG_LINK_TYPE)
-        refuse(describeType());
-    if (record.size() < 0)
-        refuse(tr("its size is no number, or a negative one"));
-    if (isMember && recordName().isEmpty())
-        refuse(tr("it has no name"));
-    if (type == LONG_NAME_TYPE) {
-        readLongName();
-    } else if (type == LONG_LINK_TYPE || type == GLOBAL_EXTENSION_TYPE) {
+        refuseNoHeader();
+    if (!isMember) {
+        readExtensionOfOtherTools();
+        return false;
+    }
+    if (extension.isSparse)
+        refuseMember(tr("it is a sparse file; sparse files are not read"));
+    refuseBadSize();
+    if (recordName().isEmpty())
+        refuseMember(tr("it has no name"));
+    return true;
+}
+
+void KusTarReader::Private::readExtensionOfOtherTools()
+{
+    switch (record.typeFlag()) {
+    case KusTarRecord::EXTENSION_TYPE:
+    case SOLARIS_EXTENSION_TYPE:
+        refuseBadSize();
+        if (!extension.takePax(readExtension()))
+            refusal.refuseDecoding(headerName(), QString());
+        break;
+    case LONG_NAME_TYPE:
+        refuseBadSize();
+        extension.takeLongName(readExtension());
+        break;
+    case LONG_LINK_TYPE:
+    case GLOBAL_EXTENSION_TYPE:
+        refuseBadSize();
         claim(record.size(), headerName());
         skip(KusTarRecord::getPaddedSize(record.size()), headerName());
-    } else if (!isMember) {
-        readPax();
+        break;
+    default:
+        refusal.refuseKind(recordName(), offset, record.typeFlag());
     }
-    return isMember;
+}
+
+void KusTarReader::Private::refuseBadSize() const
+{
+    if (record.size() < 0)
+        refuseMember(tr("its size is no number, or a negative one"));
+}
+
+void KusTarReader::Private::refuseNoHeader() const
+{
+    if (offset == 0)
+        refusal.refuseStream(
+            tr("Decompressed, it does not begin with the header of a tar archive."));
+    refusal.refuseBlock(recordName(), offset);
 }
 
 void KusTarReader::Private::takeZeroBlock()
@@ -258,39 +262,27 @@ void KusTarReader::Private::takeZeroBlock()
 void KusTarReader::Private::countInvalid()
 {
     if (++invalidCount > MAX_INVALID)
-        throw HbeUserError(
-            tr("Corrupted archive file '%1' (more than 2 invalid records).").arg(path));
+        refusal.refuseManyInvalid();
 }
 
 void KusTarReader::Private::beginMember()
 {
     name = recordName();
-    const bool isDirectoryType = !record.isFile();
-    // Old writers had no type for a directory, and what they wrote behind its header has no use. A
-    // real directory has no data, whatever its size field says.
-    isDirectory = isDirectoryType || (readsOtherTools && name.endsWith('/'));
+    // Old writers had no type for a directory. No directory has data, whatever its size field says.
+    isDirectory = !record.isFile() || (readsOtherTools && name.endsWith('/'));
     while (isDirectory && name.size() > 1 && name.endsWith('/'))
         name.chop(1);
-    qint64 stored = extendedSize >= 0 ? extendedSize : record.size();
-    if (isDirectoryType)
-        stored = 0;
-    claim(stored, name);
-    size = isDirectory ? 0 : stored;
+    if (isDirectory)
+        size = 0;
+    else
+        size = extension.size >= 0 ? extension.size : record.size();
+    claim(size, name);
     if (announced >= 0 && size > announced - totalSize)
-        throw HbeUserError(
-            tr("Archive file '%1' holds more than the %2 that it announces.")
-                .arg(path, KusFileUtils::getStringSize(announced)) +
-            QLatin1Char('\n') +
-            tr("'%1' at byte %2 goes beyond it with %3.")
-                .arg(shown(name), QString::number(offset), KusFileUtils::getStringSize(size)));
+        refusal.refuseAnnounced(announced, name, offset, size);
     dataLeft = size;
-    skipLeft = KusTarRecord::getPaddedSize(stored) - size;
-    hasRightChecksum = hasRightExtensions && record.hasRightChecksum();
-    isExtended = false;
-    hasRightExtensions = true;
-    extendedName.clear();
-    extendedSize = -1;
-    isSparse = false;
+    skipLeft = KusTarRecord::getPaddedSize(size) - size;
+    hasRightChecksum = extension.hasRightChecksums && record.hasRightChecksum();
+    extension = KusTarExtension();
     ++memberCount;
     totalSize += size;
 }
@@ -298,11 +290,8 @@ void KusTarReader::Private::beginMember()
 void KusTarReader::Private::finish()
 {
     isEnded = true;
-    if (readsOtherTools && isExtended)
-        throw HbeUserError(
-            tr("Corrupted archive file '%1' (the extended information of '%2' is its end, at byte "
-               "%3).")
-                .arg(path, shown(extendedName), QString::number(offset)));
+    if (readsOtherTools && extension.isPresent)
+        refusal.refuseLoneExtension(extension.name, offset);
 }
 
 // Extended information
@@ -320,7 +309,7 @@ QByteArray KusTarReader::Private::headerName() const
 
 QByteArray KusTarReader::Private::recordName() const
 {
-    return extendedName.isEmpty() ? headerName() : extendedName;
+    return extension.name.isEmpty() ? headerName() : extension.name;
 }
 
 /// The data of the record.
@@ -329,112 +318,14 @@ const QByteArray& KusTarReader::Private::readExtension()
     const QByteArray what = headerName();
     const qint64 count = record.size();
     if (count > MAX_EXTENSION_SIZE)
-        refuseDecoding(what, tr("It has %1; at most %2 are allowed.")
-                                 .arg(KusFileUtils::getStringSize(count),
-                                      KusFileUtils::getStringSize(MAX_EXTENSION_SIZE)));
+        refusal.refuseDecoding(what, KusTarRefusal::describeSize(count, MAX_EXTENSION_SIZE));
     claim(count, what);
-    extension.resize(static_cast<int>(count));
-    readFully(extension.data(), count, what);
+    extensionData.resize(static_cast<int>(count));
+    readFully(extensionData.data(), count, what);
     skip(KusTarRecord::getPaddedSize(count) - count, what);
-    isExtended = true;
-    hasRightExtensions = hasRightExtensions && record.hasRightChecksum();
-    return extension;
-}
-
-void KusTarReader::Private::readPath()
-{
-    if (!KusTarRecord::decodePaxRecord(readExtension(), extendedName))
-        refuseDecoding(headerName(), QString());
-}
-
-void KusTarReader::Private::readPax()
-{
-    QVector<KusTarPax::Entry> entries;
-    if (!KusTarPax::decode(readExtension(), entries))
-        refuseDecoding(headerName(), QString());
-    for (const KusTarPax::Entry& entry : qAsConst(entries)) {
-        if (entry.key == "path") {
-            extendedName = entry.value;
-        } else if (entry.key == "size") {
-            const bool isNumber =
-                !entry.value.isEmpty() && std::all_of(entry.value.begin(), entry.value.end(),
-                                                      [](char c) { return c >= '0' && c <= '9'; });
-            bool fits = false;
-            extendedSize = entry.value.toLongLong(&fits);
-            if (!isNumber || !fits)
-                refuseDecoding(headerName(), tr("The size that it gives is no number."));
-        } else if (entry.key.startsWith("GNU.sparse.")) {
-            isSparse = true;
-        }
-    }
-}
-
-void KusTarReader::Private::readLongName()
-{
-    QByteArray longName = readExtension();
-    while (longName.endsWith('\0'))
-        longName.chop(1);
-    extendedName = longName;
-}
-
-// Refusals
-
-QString KusTarReader::Private::describeType() const
-{
-    switch (record.typeFlag()) {
-    case '1':
-        return tr("it is a hard link; links are never written");
-    case '2':
-        return tr("it is a symbolic link; links are never written");
-    case '3':
-    case '4':
-        return tr("it is a device; those are never written");
-    case '6':
-        return tr("it is a pipe; those are never written");
-    case 'S':
-        return tr("it is a sparse file; those are not read");
-    case 'M':
-        return tr("it continues a file of another volume; those are not read");
-    case 'V':
-        return tr("it is the header of a volume; those are not read");
-    default:
-        return tr("it is of a kind (0x%1) that is not read")
-            .arg(static_cast<unsigned char>(record.typeFlag()), 2, 16, QLatin1Char('0'));
-    }
-}
-
-/// For a block that is no header at all.
-void KusTarReader::Private::refuseBlock() const
-{
-    if (offset == 0)
-        throw HbeUserError(tr("'%1' is not a valid archive file.").arg(path) + QLatin1Char('\n') +
-                           tr("Decompressed, it does not begin with the header of a tar archive."));
-    throw HbeUserError(tr("Corrupted archive file '%1' (what stands at byte %2, '%3', is no "
-                          "header of a tar archive).")
-                           .arg(path, QString::number(offset), shown(recordName())));
-}
-
-void KusTarReader::Private::refuse(const QString& fault) const
-{
-    throw HbeUserError(tr("Cannot extract '%1' from archive file '%2': %3 (at byte %4).")
-                           .arg(shown(recordName()), path, fault, QString::number(offset)));
-}
-
-void KusTarReader::Private::refuseDecoding(const QByteArray& what, const QString& fault) const
-{
-    QString message =
-        tr("Cannot decode extended information '%1' because archive file '%2' is corrupted.")
-            .arg(shown(what), path);
-    if (!fault.isEmpty())
-        message += QLatin1Char('\n') + fault;
-    throw HbeUserError(message);
-}
-
-void KusTarReader::Private::refuseCut(const QByteArray& what) const
-{
-    throw HbeUserError(
-        tr("Cannot extract '%1' because archive file '%2' is corrupted.").arg(shown(what), path) +
-        QLatin1Char('\n') + tr("The archive ends at byte %1, within its data.").arg(position));
+    extension.isPresent = true;
+    extension.hasRightChecksums = extension.hasRightChecksums && record.hasRightChecksum();
+    return extensionData;
 }
 
 // The class
@@ -473,12 +364,8 @@ QVariantMap KusTarReader::readInformation()
     m->hasRightChecksum = record.hasRightChecksum();
     const qint64 count = record.size();
     if (count > KusArchiveInformation::MAX_SIZE)
-        throw HbeUserError(tr("Cannot extract '%1' because archive file '%2' is corrupted.")
-                               .arg(shown(m->name), m->path) +
-                           QLatin1Char('\n') +
-                           tr("It has %1; at most %2 are allowed.")
-                               .arg(KusFileUtils::getStringSize(count),
-                                    KusFileUtils::getStringSize(KusArchiveInformation::MAX_SIZE)));
+        m->refusal.refuseData(m->name,
+                              KusTarRefusal::describeSize(count, KusArchiveInformation::MAX_SIZE));
     m->claim(count, m->name);
     QByteArray data(static_cast<int>(count), Qt::Uninitialized);
     m->readFully(data.data(), count, m->name);
@@ -552,7 +439,7 @@ HbdSpan<const char> KusTarReader::readData(int most)
         return HbdSpan<const char>();
     const HbdSpan<const char> bytes = m->input.next(wanted);
     if (bytes.isEmpty())
-        m->refuseCut(m->name);
+        m->refusal.refuseCut(m->name, m->position);
     m->position += bytes.size();
     m->dataLeft -= bytes.size();
     return bytes;

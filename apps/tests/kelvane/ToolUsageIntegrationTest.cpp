@@ -74,6 +74,22 @@ TEST_F(ToolUsageTest, exitCodesAndHints)
         {{"set", "p", "good", "--unit", "zinc=RATIO:kg"}, 1, "There are: "},
         {{"map", "p", "good", "m.png", "--variable", "gold"}, 1, "There are: x, y, zinc"},
         {{"map", "p", "good", "none/m.png"}, 1, "none/m.png"},
+        {{"pack", "p"}, 2, "Usage: kelvane pack DIR FILE.tar.zst"},
+        {{"pack", "p", "q"}, 2, "The archive's name ends with .tar.zst; 'q' does not."},
+        {{"pack", "p", "q.tar.zst", "--level", "20"}, 2, "--level is at most 19, not 20"},
+        {{"pack", "p", "q.tar.zst", "--threads", "no"}, 2, "--threads is a number above 0"},
+        {{"pack", "p", "q.tar.zst", "--exclude", ""}, 1, "''"},
+        {{"pack", "none", "q.tar.zst"}, 1, "none"},
+        {{"pack", "p", "none/q.tar.zst"}, 1, "none/q.tar.zst"},
+        {{"unpack", "good.csv", "p"}, 1, "'good.csv' is not a valid archive file."},
+        {{"unpack", "none.tar.zst", "p"}, 1, "none.tar.zst"},
+        {{"unpack", "p", "p"}, 1, "'p'"},
+        {{"unpack", "q.tar.zst", "p", "--skip", "--overwrite"}, 2, "exclude each other"},
+        {{"unpack", "q.tar.zst", "p", "--limit", "9000000T"}, 2, "not '9000000T'"},
+        {{"archive", "list"}, 2, "Usage: kelvane archive list|info|verify FILE"},
+        {{"archive", "verfy", "q.tar.zst"}, 2, "did you mean 'verify'?"},
+        {{"archive", "info", "good.csv"}, 1, "'good.csv' is not a valid archive file."},
+        {{"archive", "list", "none.tar.zst"}, 1, "none.tar.zst"},
         {{"cs"}, 2, "Usage: kelvane cs search"},
         {{"cs", "shw"}, 2, "did you mean 'show'?"},
         {{"cs", "search"}, 2, "--area, is missing"},
@@ -98,7 +114,7 @@ TEST_F(ToolUsageTest, helpShowsExamplesThatTheCommandUnderstands)
     EXPECT_TRUE(run({"--version"}).out.startsWith("kelvane "));
     const QByteArray help = run({"--help"}).out;
     for (const char* command : {"import", "info", "set", "select", "table", "export", "check",
-                                "map", "cs", "convert", "units"}) {
+                                "map", "cs", "convert", "units", "pack", "unpack", "archive"}) {
         const ToolRun result = run({command, "--help"});
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "");

@@ -35,6 +35,10 @@ public:
     /// The dataset that was saved, with its identity.
     std::unique_ptr<KudADataset> read(const KuuId& id) const;
 
+    /// The coordinate system of a dataset, as KuuCoordSystem::serialize writes it; empty where
+    /// there is none. Nothing else of the file is read.
+    QString readCoordSystem(const KuuId& id) const;
+
     /// Saves the dataset, under the identity `id` instead of its own where that is valid. Creates
     /// the directory; it does not stay behind when the dataset cannot be saved.
     void save(const KudADataset& dataset, const KuuId& id = KuuId()) const;

@@ -46,6 +46,10 @@ public:
     /// Ends without the file.
     void discard();
 
+    /// The new file's name until it has its own, for whoever must not take it for another; empty
+    /// where it has none.
+    QString getTemporaryPath() const;
+
     /// What the disk took so far, compressed.
     qint64 getWrittenSize() const;
     QString getErrorString() const;

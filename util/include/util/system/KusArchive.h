@@ -78,6 +78,12 @@ public:
     using Question =
         std::function<bool(const QString& title, const QString& text, const QString& proposal)>;
 
+    /// What a run packed, unpacked or read, without the information.
+    struct Counts {
+        qint64 members = 0;
+        qint64 fileSize = 0; ///< the sum of the sizes of the files, in bytes
+    };
+
     /// What a verification found.
     struct Verification {
         qint64 memberCount = 0;
@@ -106,6 +112,8 @@ public:
 
     void setQuestion(Question question) { m_question = std::move(question); }
 
+    /// Of the last run, once it is over; members that were skipped do not count.
+    const Counts& getCounts() const { return m_counts; }
     /// Of the last verification.
     const Verification& getVerification() const { return m_verification; }
 
@@ -126,6 +134,7 @@ private:
     ExtractInfo m_extractInfo;
     QVariantMap m_header;
     Question m_question;
+    Counts m_counts;
     Verification m_verification;
     bool m_visiblePaths = false;
 };

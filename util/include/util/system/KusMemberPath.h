@@ -18,6 +18,10 @@ KELVANE_UTIL_EXPORT QList<QByteArray> split(const QByteArray& name);
 /// backslashes), NUL, and elements of more than 255 bytes.
 KELVANE_UTIL_EXPORT QString findFault(const QByteArray& name);
 
+/// The name as a text for messages, in which a hostile one can neither steer the terminal nor fill
+/// it: control characters are replaced, and very long names are cut.
+KELVANE_UTIL_EXPORT QString getShownText(const QByteArray& name);
+
 /// Equal for two names that a disk may take for one: compared without regard to case and to how
 /// accented letters are composed. 64 bits of a hash over the elements.
 KELVANE_UTIL_EXPORT quint64 getFoldedHash(const QByteArray& name);

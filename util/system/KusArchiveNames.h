@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QtCore/QtGlobal>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Notes the names of members and finds those that differ from an earlier one only in a way that a
+/// disk may not tell apart. A name costs 11 to 21 bytes, whatever its length: hashes stand for the
+/// names, so that one in some 10^13 comparisons of different names takes them for colliding.
+class KusArchiveNames
+{
+public:
+    /// Notes the name and the directories above it; true when one of them collides.
+    bool add(std::string_view path);
+
+private:
+    bool addSingle(std::string_view path);
+    quint64& findSlot(quint64 folded);
+    void grow();
+
+    std::vector<quint64> m_slots; // 48 bits of the folded hash, 16 of the exact one; 0: free
+    std::size_t m_used = 0;
+    std::string m_directory; // of the last name: noted
+};
