@@ -80,7 +80,7 @@ int run(const QCommandLineParser& line)
                           .arg(ToolText::makeVisible(path),
                                ToolArchive::getCountText(counts.members, counts.fileSize)));
     QString compressed = Tool::tr("compressed to %1").arg(ToolArchive::getSizeText(size));
-    if (counts.fileSize > 0)
+    if (size < counts.fileSize)
         compressed += Tool::tr(", %1 %").arg(
             100. * static_cast<double>(size) / static_cast<double>(counts.fileSize), 0, 'f', 1);
     ToolOutput::print(compressed + QLatin1Char('\n'));

@@ -328,7 +328,6 @@ void KusArchivePacker::writeSingleFile(KusArchiveOutput& output)
     if (error != 0)
         KusArchiveWalk::failAt(getShownSource(), error);
     m_writtenSize = facts.st_size;
-    m_progress.countMember(facts.st_size);
 }
 
 void KusArchivePacker::writeDirectory(KusArchiveOutput& output)
@@ -394,5 +393,4 @@ void KusArchivePacker::writeFile(KusArchiveOutput& output, const KusArchiveWalk&
     if (error != 0)
         walk.fail(error);
     m_writtenSize += facts.st_size;
-    m_progress.countMember(facts.st_size);
 }
