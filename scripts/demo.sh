@@ -146,8 +146,9 @@ run kelvane pack project project.tar.zst
 run kelvane archive list project.tar.zst
 run kelvane archive info project.tar.zst
 run kelvane archive verify project.tar.zst
-run mkdir -p elsewhere
-run kelvane unpack project.tar.zst elsewhere --overwrite
+rm -rf elsewhere
+run mkdir elsewhere
+run kelvane unpack project.tar.zst elsewhere
 run kelvane check elsewhere/project
 
 step "The results are in $output"

@@ -33,9 +33,9 @@ struct Frugality {
     int mostThreads;
 };
 constexpr Frugality FRUGALITIES[] = {
-    {2, 0, 0, 0, 5},
+    {2, 0, 0, 0, 6},
     {4, 20, 17, 17, 4},
-    {12, 20, 18, 18, 3},
+    {12, 20, 18, 18, 4},
     {ArchiveZstdWriter::MAX_LEVEL, 20, 19, 18, 2},
 };
 // Twice as much gains less than 0.1 % at the lowest level, and halves the threads.

@@ -12,7 +12,9 @@
 
 namespace
 {
+// What stays open of the way: its first levels, and of the deep ones every so many.
 constexpr std::size_t OPEN_LEVELS = 32;
+constexpr std::size_t OPEN_STEP = 64;
 
 constexpr int DIRECTORY_FLAGS = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 #ifdef O_PATH
@@ -61,7 +63,7 @@ int KusArchiveDescent::open(std::string_view path)
             m_failedPath = path.substr(0, end);
             return -1;
         }
-        if (m_levels.size() > OPEN_LEVELS) {
+        if (m_levels.size() > OPEN_LEVELS && m_levels.size() % OPEN_STEP != 0) {
             ::close(m_levels.back().descriptor);
             m_levels.back().descriptor = -1;
         }

@@ -3,6 +3,7 @@
 #include "KusArchiveCommit.h"
 #include "KusArchiveProgress.h"
 #include "KusArchiveStaging.h"
+#include "KusArchiveWatchedInput.h"
 
 #include <util/system/KusArchiveReader.h>
 #include <util/system/KusFileUtils.h>
@@ -66,7 +67,9 @@ void KusArchiveExtractor::run()
     checkTarget();
     m_freeSpace = KusFileUtils::getDirectoryFreeSpace(QFileInfo(m_targetPath));
     m_archive = std::make_unique<KusArchiveReader>(m_archivePath, KusArchiveReader::Mode::AHEAD);
-    m_tar = std::make_unique<KusTarReader>(*m_archive, m_archivePath);
+    m_input = std::make_unique<KusArchiveWatchedInput>(*m_archive, m_progress);
+    m_tar = std::make_unique<KusTarReader>(*m_input, m_archivePath);
+    m_progress.start(m_archive->getFileSize());
     m_tar->setReadOtherTools(m_info.readOtherTools);
     checkInformation(m_tar->readInformation());
     checkSpace(m_tar->getAnnouncedSize());
@@ -75,7 +78,6 @@ void KusArchiveExtractor::run()
     m_tar->setSizeLimit(isBounded ? std::min(m_info.sizeLimit, m_freeSpace) : m_info.sizeLimit);
 
     m_progress.setPhase(tr("Extracting"));
-    m_progress.start(m_archive->getFileSize());
     m_staging = std::make_unique<KusArchiveStaging>(m_targetPath);
     const auto check = [this] { m_progress.check(); };
     try {
@@ -137,11 +139,10 @@ void KusArchiveExtractor::readMembers()
 {
     m_places =
         std::make_unique<KusArchiveDescent>(m_staging->getTarget(), KusArchiveDescent::Use::SEARCH);
-    for (; m_tar->nextMember(); look())
+    while (m_tar->nextMember())
         unpackMember();
     // The checksum comes last, and nothing is put in place before it is right.
     m_tar->readToEnd();
-    look();
     checkPatterns();
     m_places.reset();
     m_names = KusArchiveNames();
@@ -153,7 +154,7 @@ void KusArchiveExtractor::unpackMember()
         return;
     if (m_progress.showsMembers())
         m_progress.setMember(KusMemberPath::getShownText(m_path));
-    if (!m_info.caseSensitive && m_names.add(toView(m_path)))
+    if (!m_info.caseSensitive && m_names.add(toView(m_path)) == KusArchiveNames::Meeting::COLLISION)
         refuse(tr("Its name differs only in case from that of an earlier member."));
     if (m_tar->isDirectory())
         unpackDirectory();
@@ -299,8 +300,6 @@ void KusArchiveExtractor::writeFile(int file)
             else if (errno != EINTR)
                 failToCreate(false);
         }
-        if (left > 0)
-            look();
     }
     const struct timespec times[2] = {{0, UTIME_OMIT}, {m_tar->getRecord().modifSeconds(), 0}};
     if (::futimens(file, times) != 0)
@@ -314,15 +313,6 @@ void KusArchiveExtractor::checkPatterns() const
         throw HbeUserError(tr("No member of archive file '%1' matches '%2'.")
                                .arg(m_archivePath, unused.join(QLatin1String("', '"))));
     }
-}
-
-/// Counts what was read of the archive file, and looks for a cancel.
-void KusArchiveExtractor::look()
-{
-    m_progress.check();
-    const qint64 size = m_archive->getReadSize();
-    if (size > m_countedSize)
-        m_progress.advance(size - std::exchange(m_countedSize, size));
 }
 
 void KusArchiveExtractor::refuse(const QString& fault) const

@@ -12,6 +12,7 @@
 class KusArchiveProgress;
 class KusArchiveReader;
 class KusArchiveStaging;
+class KusArchiveWatchedInput;
 class KusArchiveDescent;
 class KusTarReader;
 
@@ -43,7 +44,6 @@ private:
     void checkPatterns() const;
     void checkPlace(bool isDirectory, bool& exists);
     bool mayReplace() const;
-    void look();
 
     [[noreturn]] void refuse(const QString& fault) const;
     [[noreturn]] void refuseKind(bool isDirectory) const;
@@ -58,8 +58,8 @@ private:
     KusMemberPatterns m_patterns;
     qint64 m_freeSpace = -1; // -1: not known
     qint64 m_writtenSize = 0;
-    qint64 m_countedSize = 0; // of the archive file
     std::unique_ptr<KusArchiveReader> m_archive;
+    std::unique_ptr<KusArchiveWatchedInput> m_input;
     std::unique_ptr<KusTarReader> m_tar;
     std::unique_ptr<KusArchiveStaging> m_staging;
     std::unique_ptr<KusArchiveDescent> m_places; // what the target has

@@ -13,7 +13,7 @@ constexpr quint64 EXACT_MASK = 0xffff;
 constexpr std::size_t FIRST_SLOTS = 1024;
 } // namespace
 
-bool KusArchiveNames::add(std::string_view path)
+KusArchiveNames::Meeting KusArchiveNames::add(std::string_view path)
 {
     const std::size_t slash = path.rfind('/');
     const std::string_view directory = path.substr(0, slash == path.npos ? 0 : slash);
@@ -27,15 +27,15 @@ bool KusArchiveNames::add(std::string_view path)
         }
         for (std::size_t end = known; end < directory.size(); ++end) {
             end = std::min(directory.find('/', end), directory.size());
-            if (addSingle(directory.substr(0, end)))
-                return true;
+            if (addSingle(directory.substr(0, end)) == Meeting::COLLISION)
+                return Meeting::COLLISION;
         }
         m_directory = directory;
     }
     return addSingle(path);
 }
 
-bool KusArchiveNames::addSingle(std::string_view path)
+KusArchiveNames::Meeting KusArchiveNames::addSingle(std::string_view path)
 {
     if (m_used + m_used / 3 >= m_slots.size())
         grow();
@@ -45,10 +45,10 @@ bool KusArchiveNames::addSingle(std::string_view path)
     const quint64 exact = (std::hash<std::string_view>()(path) & EXACT_MASK) | 1;
     quint64& slot = findSlot(folded);
     if (slot != 0)
-        return (slot & EXACT_MASK) != exact;
+        return (slot & EXACT_MASK) == exact ? Meeting::SAME : Meeting::COLLISION;
     slot = (folded & ~EXACT_MASK) | exact;
     ++m_used;
-    return false;
+    return Meeting::NONE;
 }
 
 quint64& KusArchiveNames::findSlot(quint64 folded)

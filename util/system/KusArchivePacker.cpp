@@ -312,6 +312,10 @@ void KusArchivePacker::writeInformation(KusArchiveOutput& output,
 void KusArchivePacker::addMember(KusArchiveOutput& output, const KusTarFile& file,
                                  const QByteArray& above)
 {
+    if (m_progress.showsMembers()) {
+        const QByteArray name = above.isEmpty() ? file.name : above + '/' + file.name;
+        m_progress.setMember(QFile::decodeName(name));
+    }
     output.addHeader(file, above);
     m_progress.countMember(file.size);
 }
@@ -321,8 +325,6 @@ void KusArchivePacker::writeSingleFile(KusArchiveOutput& output)
     struct stat facts = {};
     if (::fstat(m_source.get(), &facts) != 0 || !S_ISREG(facts.st_mode))
         KusArchiveWalk::failAsChanged(getShownSource());
-    if (m_progress.showsMembers())
-        m_progress.setMember(QFile::decodeName(m_sourceName));
     addMember(output, KusTarFile::fromSystem(m_sourceName, facts), QByteArray());
     const int error = output.addData(m_source.get(), facts.st_size);
     if (error != 0)
@@ -366,12 +368,8 @@ void KusArchivePacker::writeDirectory(KusArchiveOutput& output)
 void KusArchivePacker::writePending(KusArchiveOutput& output, const QByteArray& name,
                                     std::vector<Pending>& pending)
 {
-    for (const Pending& directory : pending) {
-        const QByteArray above = name.left(directory.directorySize);
-        if (m_progress.showsMembers())
-            m_progress.setMember(QFile::decodeName(above + '/' + directory.file.name));
-        addMember(output, directory.file, above);
-    }
+    for (const Pending& directory : pending)
+        addMember(output, directory.file, name.left(directory.directorySize));
     pending.clear();
 }
 
@@ -386,8 +384,6 @@ void KusArchivePacker::writeFile(KusArchiveOutput& output, const KusArchiveWalk&
     if (m_own.holds(name, facts))
         return;
     writePending(output, walk.getName(), pending);
-    if (m_progress.showsMembers())
-        m_progress.setMember(QFile::decodeName(walk.getName()));
     addMember(output, KusTarFile::fromSystem(name, facts), walk.getDirectory());
     const int error = output.addData(file.get(), facts.st_size);
     if (error != 0)

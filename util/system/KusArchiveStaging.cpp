@@ -58,12 +58,12 @@ KusArchiveStaging::KusArchiveStaging(const QString& targetPath)
                            '\n' + reason);
     }
     m_umask = ~facts.st_mode & 0777;
-    m_walk = std::make_unique<KusArchiveDescent>(m_members, KusArchiveDescent::Use::CREATE);
+    m_descent = std::make_unique<KusArchiveDescent>(m_members, KusArchiveDescent::Use::CREATE);
 }
 
 KusArchiveStaging::~KusArchiveStaging()
 {
-    m_walk.reset();
+    m_descent.reset();
     if (!m_kept && !remove())
         HbbDebug::printWarning(tr("Cannot remove '%1'.").arg(getPathText()));
     if (!m_done) {
@@ -94,7 +94,7 @@ QString KusArchiveStaging::getPathText() const
 
 int KusArchiveStaging::createFile(std::string_view path, int permissionBits)
 {
-    const int directory = m_walk->open(KusArchiveDescent::getParent(path));
+    const int directory = m_descent->open(KusArchiveDescent::getParent(path));
     if (directory < 0)
         return -1;
     // A view into a longer text need not end here.
@@ -109,14 +109,14 @@ int KusArchiveStaging::createFile(std::string_view path, int permissionBits)
 
 bool KusArchiveStaging::removeFile(std::string_view path)
 {
-    const int directory = m_walk->open(KusArchiveDescent::getParent(path));
+    const int directory = m_descent->open(KusArchiveDescent::getParent(path));
     const std::string name(KusArchiveDescent::getFileName(path));
     return directory >= 0 && ::unlinkat(directory, name.c_str(), 0) == 0;
 }
 
 bool KusArchiveStaging::makeDirectory(std::string_view path)
 {
-    return m_walk->open(path) >= 0;
+    return m_descent->open(path) >= 0;
 }
 
 void KusArchiveStaging::setDirectory(std::string_view path, int permissionBits, qint64 modifSeconds)
@@ -152,8 +152,8 @@ mode_t KusArchiveStaging::getPermissions(std::string_view path) const
 void KusArchiveStaging::applyDirectories(const std::function<void()>& checkCancelled)
 {
     sortDirectories();
-    m_walk.reset(); // its way would lead to directories that are closed by now
-    KusArchiveDescent walk(m_members, KusArchiveDescent::Use::READ);
+    m_descent.reset(); // its way would lead to directories that are closed by now
+    KusArchiveDescent descent(m_members, KusArchiveDescent::Use::READ);
     KusArchiveDescent places(m_target, KusArchiveDescent::Use::SEARCH);
     const auto require = [&](bool done, const std::string& path) {
         if (!done) {
@@ -164,7 +164,7 @@ void KusArchiveStaging::applyDirectories(const std::function<void()>& checkCance
     KusArchiveDescent::traverse(
         [&](const std::string& path, std::vector<std::string>& names) {
             checkCancelled();
-            const int directory = walk.open(path);
+            const int directory = descent.open(path);
             require(directory >= 0, path);
             const bool listed =
                 KusArchiveDescent::list(directory, [&](auto name, bool isDirectory) {
@@ -176,7 +176,7 @@ void KusArchiveStaging::applyDirectories(const std::function<void()>& checkCance
         [&](const std::string& path) {
             if (path.empty())
                 return;
-            const int directory = walk.open(path);
+            const int directory = descent.open(path);
             require(directory >= 0, path);
             const bool movesAlone = places.open(KusArchiveDescent::getParent(path)) >= 0;
             require(applyDirectory(directory, path, movesAlone), path);
@@ -204,11 +204,11 @@ bool KusArchiveStaging::remove()
     if (m_directory < 0)
         return m_target < 0 || ::unlinkat(m_target, m_name.constData(), AT_REMOVEDIR) == 0 ||
                errno == ENOENT;
-    KusArchiveDescent walk(m_directory, KusArchiveDescent::Use::READ);
+    KusArchiveDescent descent(m_directory, KusArchiveDescent::Use::READ);
     // What cannot be removed shows at the end, when its directory cannot.
     KusArchiveDescent::traverse(
         [&](const std::string& path, std::vector<std::string>& names) {
-            const int directory = walk.open(path);
+            const int directory = descent.open(path);
             KusArchiveDescent::list(directory, [&](const char* name, bool isDirectory) {
                 if (!isDirectory) {
                     ::unlinkat(directory, name, 0);
@@ -219,7 +219,7 @@ bool KusArchiveStaging::remove()
             });
         },
         [&](const std::string& path) {
-            const int parent = walk.open(KusArchiveDescent::getParent(path));
+            const int parent = descent.open(KusArchiveDescent::getParent(path));
             const std::string name(KusArchiveDescent::getFileName(path));
             if (!path.empty() && parent >= 0)
                 ::unlinkat(parent, name.c_str(), AT_REMOVEDIR);

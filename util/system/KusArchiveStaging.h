@@ -79,6 +79,6 @@ private:
     bool m_isRoot = false;
     bool m_kept = false;
     bool m_done = false;
-    std::unique_ptr<KusArchiveDescent> m_walk;
+    std::unique_ptr<KusArchiveDescent> m_descent;
     std::vector<Directory> m_directories; // sorted by `applyDirectories`
 };

@@ -1,6 +1,8 @@
 #include "KusArchiveVerifier.h"
 
+#include "KusArchiveNames.h"
 #include "KusArchiveProgress.h"
+#include "KusArchiveWatchedInput.h"
 
 #include <util/system/KusArchiveReader.h>
 #include <util/system/KusMemberPath.h>
@@ -8,70 +10,12 @@
 
 #include <basic/error/HbeUserError.h>
 
-#include <functional>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 
 namespace
 {
 constexpr int PIECE = 1 << 20;
 constexpr int MOST_FAULTS = 1000; // whoever reads them has seen enough
-
-/// The archive's stream; every piece of it moves the progress, and looks for a cancel.
-class WatchedInput : public KusArchiveInput
-{
-public:
-    WatchedInput(KusArchiveReader& archive, KusArchiveProgress& progress)
-        : m_archive(archive)
-        , m_progress(progress)
-    {
-    }
-
-protected:
-    HbdSpan<const char> _next(int most) override
-    {
-        m_progress.check();
-        const HbdSpan<const char> bytes = m_archive.next(most);
-        const qint64 readSize = m_archive.getReadSize();
-        m_progress.advance(readSize - std::exchange(m_readSize, readSize));
-        return bytes;
-    }
-
-private:
-    KusArchiveReader& m_archive;
-    KusArchiveProgress& m_progress;
-    qint64 m_readSize = 0;
-};
-
-/// The names so far, as hashes.
-class Names
-{
-public:
-    enum class Meeting { NONE, SAME, FOLDED };
-
-    /// Whether the name meets one before it. A directory may stand in an archive twice.
-    Meeting add(const QByteArray& name, bool isDirectory)
-    {
-        const QByteArray whole = KusMemberPath::split(name).join('/');
-        const std::size_t hash = std::hash<std::string_view>()(
-            std::string_view(whole.constData(), std::size_t(whole.size())));
-        const Entry entry{hash, isDirectory};
-        const auto [found, isNew] = m_names.emplace(KusMemberPath::getFoldedHash(name), entry);
-        if (isNew)
-            return Meeting::NONE;
-        if (found->second.hash != hash)
-            return Meeting::FOLDED;
-        return isDirectory && found->second.isDirectory ? Meeting::NONE : Meeting::SAME;
-    }
-
-private:
-    struct Entry {
-        std::size_t hash;
-        bool isDirectory;
-    };
-    std::unordered_map<quint64, Entry> m_names;
-};
 } // namespace
 
 /// One verification.
@@ -94,11 +38,11 @@ struct KusArchiveVerifier::Run {
     void noteMember(const QString& fault);
 
     KusArchiveReader archive;
-    WatchedInput input;
+    KusArchiveWatchedInput input;
     KusTarReader tar;
     bool caseSensitive;
     KusArchiveProgress& progress;
-    Names names;
+    KusArchiveNames names;
     KusArchive::Verification found;
 };
 
@@ -107,13 +51,14 @@ void KusArchiveVerifier::Run::read()
     progress.start(archive.getFileSize());
     tar.readInformation();
     if (!tar.hasRightChecksum())
-        noteMember(tr("the checksum of its header is wrong."));
+        noteMember(tr("The checksum of its header is wrong."));
     while (tar.nextMember()) {
         if (progress.showsMembers())
             progress.setMember(KusMemberPath::getShownText(tar.getName()));
         verifyMember();
-        while (!tar.readData(PIECE).isEmpty()) {
-        }
+        while (!tar.readData(PIECE).isEmpty())
+            continue;
+        progress.countMember(tar.getSize());
         found.memberCount = tar.getMemberCount();
         found.fileSize = tar.getTotalSize();
     }
@@ -123,21 +68,22 @@ void KusArchiveVerifier::Run::read()
 void KusArchiveVerifier::Run::verifyMember()
 {
     if (!tar.hasRightChecksum())
-        noteMember(tr("the checksum of its header is wrong."));
+        noteMember(tr("The checksum of its header is wrong."));
     const QString fault = KusMemberPath::findFault(tar.getName());
     if (!fault.isEmpty())
         noteMember(fault);
-    switch (names.add(tar.getName(), tar.isDirectory())) {
-    case Names::Meeting::NONE:
-        break;
-    case Names::Meeting::SAME:
-        noteMember(tr("there is an earlier member of its name."));
-        break;
-    case Names::Meeting::FOLDED:
-        if (!caseSensitive)
-            noteMember(tr("its name differs only in case from that of an earlier member."));
-        break;
+    const QByteArray path = KusMemberPath::split(tar.getName()).join('/');
+    if (path.isEmpty()) {
+        if (!tar.isDirectory())
+            noteMember(tr("It is a file with the name of a directory."));
+        return;
     }
+    const KusArchiveNames::Meeting meeting =
+        names.add(std::string_view(path.constData(), std::size_t(path.size())));
+    if (meeting == KusArchiveNames::Meeting::SAME && !tar.isDirectory())
+        noteMember(tr("An earlier member has its name."));
+    else if (meeting == KusArchiveNames::Meeting::COLLISION && !caseSensitive)
+        noteMember(tr("Its name differs only in case from that of an earlier member."));
 }
 
 void KusArchiveVerifier::Run::verifyEnd()

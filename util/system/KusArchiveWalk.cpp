@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <limits>
-#include <memory>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -19,6 +17,8 @@ namespace
 {
 constexpr std::size_t MAX_OPEN_LEVELS = 32;
 constexpr int NAME_RESERVE = 4096;
+constexpr std::size_t FIRST_BLOCK = 1 << 10; // bytes
+constexpr std::size_t LAST_BLOCK = 64 << 10;
 constexpr int DIRECTORY_FLAGS = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 // Without waiting: a pipe could have taken the place of the file.
 constexpr int FILE_FLAGS = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
@@ -59,13 +59,14 @@ bool KusArchiveWalk::next()
 {
     while (!m_levels.empty()) {
         Level& level = m_levels.back();
-        if (level.next == level.order.size()) {
+        if (level.next == level.entries.size()) {
             leave();
             continue;
         }
-        m_entry = level.names.data() + level.order[level.next++];
+        m_entry = level.entries[level.next++];
         m_name.resize(level.nameSize);
         m_name.append('/').append(fileName());
+        m_kind = findKind();
         return true;
     }
     return false;
@@ -81,10 +82,10 @@ QString KusArchiveWalk::getShownPath() const
     return m_shownBase + QFile::decodeName(m_name);
 }
 
-KusArchiveWalk::Kind KusArchiveWalk::getKind() const
+KusArchiveWalk::Kind KusArchiveWalk::findKind() const
 {
     int type = static_cast<unsigned char>(*m_entry);
-    if (type == DT_UNKNOWN) {
+    if (type == DT_UNKNOWN) { // some file systems do not tell in their lists
         struct stat facts = {};
         lookUp(facts);
         type = IFTODT(facts.st_mode);
@@ -136,17 +137,6 @@ void KusArchiveWalk::enter(struct stat& facts)
     push(std::move(directory), facts);
 }
 
-int KusArchiveWalk::getEntryCount() const
-{
-    return static_cast<int>(m_levels.back().order.size());
-}
-
-const char* KusArchiveWalk::getEntryName(int index) const
-{
-    const Level& level = m_levels.back();
-    return level.names.data() + level.order[static_cast<std::size_t>(index)] + 1;
-}
-
 void KusArchiveWalk::failAt(const QString& path, int error)
 {
     if (error < 0 || error == ENOENT || error == ELOOP || error == ENOTDIR)
@@ -174,6 +164,21 @@ void KusArchiveWalk::push(Descriptor directory, const struct stat& facts)
         m_levels[m_levels.size() - 1 - MAX_OPEN_LEVELS].directory.close();
 }
 
+void KusArchiveWalk::Level::add(unsigned char type, const char* name)
+{
+    const std::size_t nameEnd = std::strlen(name) + 1;
+    if (blockUsed + 1 + nameEnd > blockSize) {
+        blockSize = std::max(std::clamp(2 * blockSize, FIRST_BLOCK, LAST_BLOCK), 1 + nameEnd);
+        blocks.emplace_back(new char[blockSize]);
+        blockUsed = 0;
+    }
+    char* const place = blocks.back().get() + blockUsed;
+    *place = static_cast<char>(type);
+    std::memcpy(place + 1, name, nameEnd);
+    entries.push_back(place);
+    blockUsed += 1 + nameEnd;
+}
+
 void KusArchiveWalk::list(Level& level) const
 {
     // The stream owns a descriptor of its own, for it closes it.
@@ -188,21 +193,13 @@ void KusArchiveWalk::list(Level& level) const
         const dirent* const entry = ::readdir(entries.get());
         if (entry == nullptr)
             break;
-        if (isDots(entry->d_name))
-            continue;
-        if (level.names.size() > std::numeric_limits<quint32>::max())
-            fail(EOVERFLOW);
-        level.order.push_back(static_cast<quint32>(level.names.size()));
-        level.names.push_back(static_cast<char>(entry->d_type));
-        level.names.insert(level.names.end(), entry->d_name,
-                           entry->d_name + std::strlen(entry->d_name) + 1);
+        if (!isDots(entry->d_name))
+            level.add(entry->d_type, entry->d_name);
     }
     if (errno != 0)
         fail(errno);
-    const char* const names = level.names.data();
-    std::sort(level.order.begin(), level.order.end(), [names](quint32 a, quint32 b) {
-        return std::strcmp(names + a + 1, names + b + 1) < 0;
-    });
+    std::sort(level.entries.begin(), level.entries.end(),
+              [](const char* a, const char* b) { return std::strcmp(a + 1, b + 1) < 0; });
 }
 
 void KusArchiveWalk::leave()

@@ -4,6 +4,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QString>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -74,7 +75,7 @@ public:
     QByteArray getFileName() const;
     QString getShownPath() const;
     int getDepth() const { return static_cast<int>(m_levels.size()) - 1; }
-    Kind getKind() const;
+    Kind getKind() const { return m_kind; }
 
     void lookUp(struct stat& facts) const;
     /// Whether we may read the present file; looks at its permissions only where they suffice.
@@ -85,8 +86,11 @@ public:
     void enter(struct stat& facts);
 
     /// The names of the entries of the directory that was entered last.
-    int getEntryCount() const;
-    const char* getEntryName(int index) const;
+    int getEntryCount() const { return static_cast<int>(m_levels.back().entries.size()); }
+    const char* getEntryName(int index) const
+    {
+        return m_levels.back().entries[static_cast<std::size_t>(index)] + 1;
+    }
 
     /// Throws what an error of the system means for the present entry, or for one that is named;
     /// -1: there is less of it than there was.
@@ -99,15 +103,22 @@ private:
         Descriptor directory; // closed while the walk is far below
         dev_t device = 0;
         ino_t inode = 0;
-        int nameSize = 0;           // of the directory, in bytes
-        std::vector<char> names;    // of each entry: its type, its name, NUL
-        std::vector<quint32> order; // where each begins
+        int nameSize = 0; // of the directory, in bytes
+        // Of each entry: its type, its name, NUL. In blocks, for a wide directory takes megabytes,
+        // which one array would take twice as it grows.
+        std::vector<std::unique_ptr<char[]>> blocks;
+        std::vector<const char*> entries;
+        std::size_t blockSize = 0; // of the last block
+        std::size_t blockUsed = 0;
         std::size_t next = 0;
+
+        void add(unsigned char type, const char* name);
     };
 
     void push(Descriptor directory, const struct stat& facts);
     void list(Level& level) const;
     void leave();
+    Kind findKind() const;
     const char* fileName() const { return m_entry + 1; }
 
     QString m_shownBase;
@@ -115,5 +126,6 @@ private:
     QByteArray m_name;
     QByteArray m_directory;
     std::vector<Level> m_levels;
-    const char* m_entry = nullptr; // in the names of the last level
+    const char* m_entry = nullptr; // in the blocks of its level
+    Kind m_kind = Kind::DIRECTORY;
 };

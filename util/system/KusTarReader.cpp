@@ -50,6 +50,7 @@ struct KusTarReader::Private {
     void readFully(char* data, qint64 count, const QByteArray& what);
     void skip(qint64 count, const QByteArray& what);
     void claim(qint64 count, const QByteArray& what) const;
+    void claimEnd() const;
     void passMember();
 
     bool takeRecord();
@@ -127,6 +128,8 @@ bool KusTarReader::Private::readBlock()
     if (offset == 0)
         refusal.refuseStream(tr("Decompressed, it is shorter than one header."));
     hasForeignEnd = !isNul(bytes);
+    if (hasForeignEnd && readsOtherTools)
+        refusal.refuseCutHeader(position);
     return false;
 }
 
@@ -153,6 +156,12 @@ void KusTarReader::Private::claim(qint64 count, const QByteArray& what) const
         refusal.refuseLimit(limit, what, offset, count);
 }
 
+void KusTarReader::Private::claimEnd() const
+{
+    if (position > limit)
+        refusal.refuseEndLimit(limit, offset);
+}
+
 void KusTarReader::Private::passMember()
 {
     skip(dataLeft + skipLeft, name);
@@ -165,12 +174,13 @@ void KusTarReader::Private::passMember()
 /// Whether the record begins a member.
 bool KusTarReader::Private::takeRecord()
 {
-    if (position > limit)
-        claim(0, record.isZeroBlock() ? name : recordName());
     if (record.isZeroBlock()) {
+        claimEnd();
         takeZeroBlock();
         return false;
     }
+    if (position > limit)
+        claim(0, recordName());
     zeroBlocks = 0;
     if (!(readsOtherTools ? takeOfOtherTools() : takeStrictly()))
         return false;
@@ -452,7 +462,7 @@ void KusTarReader::readToEnd()
          bytes = m->input.next(END_PIECE)) {
         m->offset = m->position;
         m->position += bytes.size();
-        m->claim(0, m->name);
+        m->claimEnd();
         m->hasForeignEnd = m->hasForeignEnd || !isNul(bytes);
     }
 }

@@ -81,12 +81,29 @@ void KusTarRefusal::refuseCut(const QByteArray& name, qint64 offset) const
     refuseData(name, tr("The archive ends at byte %1, within its data.").arg(offset));
 }
 
+void KusTarRefusal::refuseCutHeader(qint64 offset) const
+{
+    raise(tr("Corrupted archive file '%1' (it ends at byte %2, within a header).")
+              .arg(m_path, QString::number(offset)),
+          QString());
+}
+
 void KusTarRefusal::refuseLimit(qint64 limit, const QByteArray& name, qint64 offset,
                                 qint64 size) const
 {
-    refuseBeyond(tr("Archive file '%1' holds more than the %2 that are allowed.")
-                     .arg(m_path, KusFileUtils::getStringSize(limit)),
-                 name, offset, size);
+    refuseBeyond(describeLimit(limit), name, offset, size);
+}
+
+void KusTarRefusal::refuseEndLimit(qint64 limit, qint64 offset) const
+{
+    raise(describeLimit(limit),
+          tr("What follows its last member goes beyond it at byte %1.").arg(offset));
+}
+
+QString KusTarRefusal::describeLimit(qint64 limit) const
+{
+    return tr("Archive file '%1' holds more than the %2 that are allowed.")
+        .arg(m_path, KusFileUtils::getStringSize(limit));
 }
 
 void KusTarRefusal::refuseAnnounced(qint64 announced, const QByteArray& name, qint64 offset,

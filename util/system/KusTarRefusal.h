@@ -31,11 +31,14 @@ public:
     /// A member whose data are not what they must be.
     [[noreturn]] void refuseData(const QByteArray& name, const QString& fault) const;
     [[noreturn]] void refuseCut(const QByteArray& name, qint64 offset) const;
+    [[noreturn]] void refuseCutHeader(qint64 offset) const;
     /// More bytes than are allowed, or than the archive announces.
     [[noreturn]] void refuseLimit(qint64 limit, const QByteArray& name, qint64 offset,
                                   qint64 size) const;
     [[noreturn]] void refuseAnnounced(qint64 announced, const QByteArray& name, qint64 offset,
                                       qint64 size) const;
+    /// More bytes than are allowed, in what follows the last member.
+    [[noreturn]] void refuseEndLimit(qint64 limit, qint64 offset) const;
     /// Extended information; the fault may be empty.
     [[noreturn]] void refuseDecoding(const QByteArray& name, const QString& fault) const;
     [[noreturn]] void refuseLoneExtension(const QByteArray& name, qint64 offset) const;
@@ -46,6 +49,7 @@ public:
 private:
     [[noreturn]] void refuseBeyond(const QString& message, const QByteArray& name, qint64 offset,
                                    qint64 size) const;
+    QString describeLimit(qint64 limit) const;
 
     const QString m_path;
 };

@@ -128,7 +128,8 @@ TEST_F(KusArchiveExtractorTest, BringsBackWhatOtherToolsPacked)
               "    write('source/sizes/%d' % size, os.urandom(size), 0o600 + size % 64, size)\n"
               "write('source/locked/below/script.sh', b'run', 0o555, 1234567890)\n"
               "write('source/\\u00e9\\u4e2d/.hidden', b'hidden', 0o000, 1)\n"
-              "write('source/' + 'deep/' * 60 + 'n' * 255, b'deep', 0o644, 4102444800)\n"
+              "write('source/' + 'd/' * 150 + ('e' * 250 + '/') * 13 + 'n' * 255, b'deep', 0o644, "
+              "4102444800)\n"
               "os.makedirs('source/empty')\n"
               "for i, (path, _, _) in enumerate(os.walk('source', topdown=False)):\n"
               "    os.chmod(path, 0o555 if 'locked' in path else 0o700 | i % 64)\n"
@@ -151,4 +152,238 @@ TEST_F(KusArchiveExtractorTest, BringsBackWhatOtherToolsPacked)
                       qPrintable("chmod -R u+rwx " + at("target") + " && rm -r " + at("target/*"))),
                   0);
     }
+}
+
+TEST_F(KusArchiveExtractorTest, MergesIntoWhatIsThereAsTheCallerWants)
+{
+    const QString archive = pack({"survey/a.txt", "survey/a.txt=second", "survey/b.txt",
+                                  "survey/sub/", "survey/sub/c.txt", "./survey//new/d.txt"});
+    const QString exists = QString("File '%1' already exists.").arg(targetText("survey/a.txt"));
+    const QByteArray first = "SURVEY/A.TXT";
+    const struct {
+        const char* name;
+        ExistingFile policy;
+        bool answer;
+        QString error;
+        QByteArray former; // "survey/a.txt" of the target; empty: there is none
+        QByteArray expected;
+        int questions;
+    } rows[] = {
+        {"asked, skipping", ExistingFile::ASK, true, "", "old", "old", 2},
+        {"asked, giving up", ExistingFile::ASK, false, exists, "old", "old", 1},
+        {"skipping", ExistingFile::SKIP, false, "", "old", "old", 0},
+        {"replacing", ExistingFile::REPLACE, false, "", "old", "second", 0},
+        {"the second of the archive, asked", ExistingFile::ASK, true, "", "", first, 1},
+        {"the second of the archive, refused", ExistingFile::ASK, false, exists, "", "no file", 1},
+        {"the second of the archive, skipped", ExistingFile::SKIP, false, "", "", first, 0},
+        {"the second of the archive, taken", ExistingFile::REPLACE, false, "", "", "second", 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        ASSERT_TRUE(QDir(at("target")).removeRecursively());
+        writeBytes(targetText("survey/kept.txt"), "kept");
+        writeBytes(targetText("survey/sub/kept.txt"), "kept");
+        if (!row.former.isEmpty())
+            writeBytes(targetText("survey/a.txt"), row.former);
+        ASSERT_EQ(std::system(qPrintable("chmod 0731 " + targetText("survey/sub") +
+                                         " && touch -d 2001-02-03 " + targetText("survey/sub"))),
+                  0);
+        const QStringList before = describe(at("target"));
+        int questions = 0;
+        question = [&](const QString& title, const QString& text, const QString& proposal) {
+            EXPECT_EQ(title, "File already exists");
+            EXPECT_EQ(text, exists);
+            EXPECT_EQ(proposal, "Do you want to skip it and continue extracting?");
+            ++questions;
+            return row.answer;
+        };
+        info.existingFile = row.policy;
+        EXPECT_EQ(unpack(archive), row.error);
+        EXPECT_EQ(questions, row.questions);
+        EXPECT_EQ(readBytes(targetText("survey/a.txt")), row.expected);
+        const QStringList after = describe(at("target"));
+        if (!row.error.isEmpty()) {
+            EXPECT_EQ(after, before);
+            continue;
+        }
+        EXPECT_EQ(readBytes(targetText("survey/new/d.txt")), "./SURVEY//NEW/D.TXT");
+        for (const QString& line : before) // but for the target, which has a new time
+            EXPECT_TRUE(after.contains(line) || line.startsWith('.') || line.contains("/a.txt"))
+                << line.toStdString();
+        EXPECT_EQ(after.size(), before.size() + 4 + (row.former.isEmpty() ? 1 : 0));
+    }
+}
+
+TEST_F(KusArchiveExtractorTest, GoesThroughNoLinkOfTheTargetAndReplacesNone)
+{
+    const struct {
+        QString link, to, member;
+    } rows[] = {
+        {"survey", "../outside", "survey/"},         {"survey", "../outside", "survey/new/x"},
+        {"a/b", "../../outside", "a/b/new/x"},       {"a/b", "../../outside", "a/b/kept"},
+        {"a/b", "../../outside/kept", "a/b"},        {"a/b", "nowhere", "a/b"},
+        {"a/b", "../../outside", "a/./b//new/d/e/"},
+    };
+    writeBytes(at("outside/kept"), "kept");
+    info.existingFile = ExistingFile::REPLACE;
+    for (const auto& row : rows) {
+        SCOPED_TRACE((row.link + " for " + row.member).toStdString());
+        ASSERT_TRUE(QDir(at("target")).removeRecursively());
+        ASSERT_TRUE(QFileInfo(targetText(row.link)).absoluteDir().mkpath("."));
+        std::filesystem::create_symlink(row.to.toStdString(), targetText(row.link).toStdString());
+        const QStringList before = describe(at("."));
+        const QString archive = pack({"a/first", row.member});
+        EXPECT_THAT(unpack(archive).toStdString(),
+                    testing::HasSubstr(("\n'" + targetText(row.link) +
+                                        "' is a symbolic link: nothing is extracted through it or "
+                                        "in its place.")
+                                           .toStdString()));
+        ASSERT_TRUE(QFile::remove(archive));
+        EXPECT_EQ(describe(at(".")).mid(1), before.mid(1));
+    }
+}
+
+TEST_F(KusArchiveExtractorTest, LeavesTheTargetAsItWasWhateverIsWrong)
+{
+    const auto withInformation = [](qint64 size) {
+        return "qm_archive_info=uncompressed-size = " + QByteArray::number(size).toBase64() + '\n';
+    };
+    const QString a = targetText("survey/a"), d = targetText("survey/d");
+    const QString caseText = "Its name differs only in case from that of an earlier member.";
+    const struct {
+        const char* name;
+        QStringList members;
+        QString error; // a part of it
+        std::function<void(KusArchive::ExtractInfo&)> prepare = nullptr;
+    } rows[] = {
+        {"a file where a directory is",
+         {"survey/x", "survey/d"},
+         "Cannot create file '" + d + "'."},
+        {"a directory where a file is",
+         {"survey/x", "survey/a/"},
+         "Cannot create directory '" + a + "'."},
+        {"a file on the way", {"survey/x", "survey/a/y"}, "Cannot create directory '" + a + "'."},
+        {"a member is a file and a directory",
+         {"n/x", "n/x/y"},
+         "Cannot create file '" + targetText("n/x/y") + "'."},
+        {"a member is a directory and a file",
+         {"n/x/y", "n/x"},
+         "Cannot create file '" + targetText("n/x") + "'."},
+        {"case of files",
+         {"n/Ab.txt", "n/aB.txt"},
+         "Cannot extract 'n/aB.txt' from archive file '" + at("a.tar.gz") + "':\n" + caseText},
+        {"case of directories", {"n/\u00c4/x", "n/a\u0308/y"}, caseText},
+        {"a pattern without use",
+         {"n/x", "n/y"},
+         "No member of archive file '" + at("a.tar.gz") + "' matches 'z*'.",
+         [](auto& i) {
+             i.included = QStringList{"x", "z*"};
+         }},
+        {"another project",
+         {withInformation(9), "n/x"},
+         "has '9' for 'uncompressed-size', not '8'.",
+         [](auto& i) { i.header.insert(KusArchive::HeaderFieldSize, 8); }},
+        {"no room",
+         {withInformation(qint64(1) << 60), "n/x"},
+         "(uncompressed size = 1.00 EiB).\nMissing 1"},
+        {"wrong content", {"n/x", "n/y", "damaged"}, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        ASSERT_TRUE(QDir(at("target")).removeRecursively());
+        writeBytes(a, "old");
+        ASSERT_TRUE(QDir().mkpath(d));
+        const QStringList before = describe(at("target"));
+        info = {};
+        info.readOtherTools = true;
+        info.existingFile = ExistingFile::REPLACE;
+        if (row.prepare)
+            row.prepare(info);
+        const QString archive = pack(row.members);
+        if (row.members.last() == "damaged") { // the checksum, which comes last
+            QByteArray bytes = readBytes(archive);
+            bytes[bytes.size() - 6] = char(bytes[bytes.size() - 6] ^ 1);
+            writeBytes(archive, bytes);
+        }
+        const QString error = unpack(archive);
+        EXPECT_THAT(error.toStdString(), testing::HasSubstr(row.error.toStdString()));
+        EXPECT_FALSE(error.isEmpty());
+        EXPECT_EQ(describe(at("target")), before);
+    }
+    EXPECT_EQ(messages.last(), "Cleaning");
+}
+
+TEST_F(KusArchiveExtractorTest, MovesEverythingBackWhenOneMemberFindsNoPlace)
+{
+    for (const char* name : {"a.txt", "sub/b.txt", "sub/closed/c.txt"})
+        writeBytes(targetText(name), "old");
+    runPython("import os, sys\nos.chdir(sys.argv[1])\n"
+              "for path, _, files in os.walk('.'):\n"
+              "    for name in files + ['']: os.utime(os.path.join(path, name), (5, 1000000))\n",
+              {at("target")});
+    const QString archive = pack({"a.txt", "new.txt", "locked/", "locked/x", "sub/b.txt",
+                                  "sub/new/x", "sub/closed/c.txt", "sub/closed/new/x"});
+    info.existingFile = ExistingFile::REPLACE;
+    const WithoutRoot user(at("target"));
+    ASSERT_EQ(::chmod(qPrintable(targetText("sub/closed")), 0555), 0);
+    const QStringList before = describe(at("target"));
+    EXPECT_THAT(unpack(archive).toStdString(), testing::HasSubstr("Permission denied"));
+    EXPECT_EQ(describe(at("target")), before);
+
+    ASSERT_EQ(::chmod(qPrintable(targetText("sub/closed")), 0755), 0);
+    EXPECT_EQ(unpack(archive), "");
+    EXPECT_EQ(readBytes(targetText("sub/closed/c.txt")), "SUB/CLOSED/C.TXT");
+    EXPECT_EQ(readBytes(targetText("sub/closed/new/x")), "SUB/CLOSED/NEW/X");
+    EXPECT_EQ(describe(at("target")).size(), before.size() + 7);
+}
+
+TEST_F(KusArchiveExtractorTest, ACancelIsSeenAtTheNextMemberAndLeavesNothing)
+{
+    const QString archive = pack({"n/a", "n/b", "n/c", "n/d"});
+    writeBytes(targetText("kept"), "kept");
+    const QStringList before = describe(at("target"));
+    KusArchive task(archive);
+    task.setExtractOperation(at("target"), info);
+    task.setVisibleProgressPaths(true);
+    QObject::connect(&task, &KusArchive::messageChanged, [&](const QString& message) {
+        messages.append(message);
+        if (message == "Extracting: n/b") {
+            EXPECT_GT(describe(at("target")).size(), before.size());
+            task.requestCancel();
+        }
+    });
+    EXPECT_FALSE(task.runInCurrentThread());
+    EXPECT_EQ(task.getOutcome(), HbcAProgress::Outcome::CANCELLED);
+    EXPECT_EQ(messages,
+              (QStringList{"Extracting", "Extracting: n/a", "Extracting: n/b", "Cleaning"}));
+    EXPECT_EQ(describe(at("target")), before);
+}
+
+TEST_F(KusArchiveExtractorTest, TakesOnlyWhatPatternsNameAndNamesOfOtherCaseWhenTold)
+{
+    const QString archive = pack({"s/", "s/a.txt", "s/A.TXT", "s/b.bin", "s/dir/x/y", "t/a.txt"});
+    info.included = QStringList{"/s/*.txt", "dir", "[Ax].TXT"};
+    EXPECT_THAT(unpack(archive).toStdString(), testing::HasSubstr("'s/A.TXT'"));
+    info.caseSensitive = true;
+    EXPECT_EQ(unpack(archive), "");
+    QStringList names;
+    for (const QString& line : describe(at("target")))
+        names.append(line.section(' ', 0, 0));
+    EXPECT_EQ(names,
+              (QStringList{".", "s", "s/A.TXT", "s/a.txt", "s/dir", "s/dir/x", "s/dir/x/y"}));
+}
+
+TEST_F(KusArchiveExtractorTest, RefusesATargetThatCannotTakeIt)
+{
+    const QString archive = pack({"x"});
+    const QString target = at("target");
+    ASSERT_TRUE(QDir(target).removeRecursively());
+    EXPECT_EQ(unpack(archive), "'" + target + "' is not a valid directory.");
+    writeBytes(target);
+    EXPECT_EQ(unpack(archive), "'" + target + "' is not a valid directory.");
+    ASSERT_TRUE(QFile::remove(target) && QDir().mkpath(target));
+    const WithoutRoot user(target);
+    ASSERT_EQ(::chmod(qPrintable(target), 0555), 0);
+    EXPECT_EQ(unpack(archive).section('\n', 0, 0),
+              "You do not have the right to write into '" + target + "'.");
 }

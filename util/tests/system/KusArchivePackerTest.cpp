@@ -73,6 +73,12 @@ protected:
             task.rethrowError();
         EXPECT_EQ(task.getCounter(), task.getTotal());
     }
+    template <class Error>
+    QString errorOfPacking(const QString& archive, const QString& source,
+                           const KusArchive::ArchiveInfo& info = {}) const
+    {
+        return errorOf<Error>([&] { pack(archive, source, info); });
+    }
     /// The names as they stand in the archive, without the information.
     QList<QByteArray> names(const QString& archive) const
     {
@@ -130,15 +136,6 @@ protected:
 
     QTemporaryDir m_folder;
 };
-
-template <class Error>
-QString packError(KusArchive& task)
-{
-    return errorOf<Error>([&] {
-        if (!task.runInCurrentThread())
-            task.rethrowError();
-    });
-}
 } // namespace
 
 TEST_F(KusArchivePackerTest, OtherToolsUnpackTheSameTree)
@@ -231,7 +228,7 @@ TEST_F(KusArchivePackerTest, PatternsChooseWhatIsPacked)
         KusArchive::ArchiveInfo info;
         info.excluded = row.excluded;
         info.included = row.included;
-        const QString error = errorOf<HbeUserError>([&] { pack("a.tar.zst", "s", info); });
+        const QString error = errorOfPacking<HbeUserError>("a.tar.zst", "s", info);
         EXPECT_EQ(error, row.error.isEmpty() ? "no error" : row.error.arg(path("s")));
         if (row.error.isEmpty()) {
             EXPECT_EQ(names("a.tar.zst"), row.names.split(' '));
@@ -270,17 +267,14 @@ TEST_F(KusArchivePackerTest, RefusesWhatAnArchiveCannotHold)
         {"link/a", "link/a", "link/a", "'%1' cannot be archived into itself."},
     };
     for (const auto& row : rows) {
-        KusArchive task(path(row.archive));
-        task.setArchiveOperation(path(row.source), {});
-        EXPECT_EQ(packError<HbeUserError>(task), row.error.arg(path(row.place)));
+        EXPECT_EQ(errorOfPacking<HbeUserError>(row.archive, row.source),
+                  row.error.arg(path(row.place)));
         EXPECT_FALSE(QFile::exists(path("n.zst")));
     }
     EXPECT_EQ(readBytes(path("info/qm_archive_info")), "mine");
     pack("inner.tar.zst", "inner");
 
-    KusArchive onDirectory(path("dir.tar.zst"));
-    onDirectory.setArchiveOperation(path("missing"), {});
-    EXPECT_EQ(packError<HbeDiskError>(onDirectory),
+    EXPECT_EQ(errorOfPacking<HbeDiskError>("dir.tar.zst", "missing"),
               QStringLiteral("Cannot remove existing '%1'\nbefore archiving '%2'.\nIs a directory")
                   .arg(path("dir.tar.zst"), path("missing")));
 }
@@ -315,9 +309,8 @@ TEST_F(KusArchivePackerTest, SaysWhatItMayNotReadOrReplace)
          QStringLiteral("Cannot open for writing '%1/fixed/b.zst'") + denied},
     };
     for (const auto& row : rows) {
-        KusArchive task(path(row.archive));
-        task.setArchiveOperation(path(row.source), {});
-        EXPECT_EQ(packError<HbeDiskError>(task), row.error.arg(m_folder.path()));
+        EXPECT_EQ(errorOfPacking<HbeDiskError>(row.archive, row.source),
+                  row.error.arg(m_folder.path()));
     }
     ASSERT_EQ(::seteuid(0), 0);
 }
@@ -333,15 +326,12 @@ TEST_F(KusArchivePackerTest, AFailureLeavesTheOlderArchive)
     // A disk that takes no more, as far as a process can tell.
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit most = {1 << 20, RLIM_INFINITY};
-    KusArchive full(path("out/a.tar.zst"));
-    full.setArchiveOperation(path("s"), {});
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &most), 0);
-    const QString error = packError<HbeDiskError>(full);
+    const QString error = errorOfPacking<HbeDiskError>("out/a.tar.zst", "s");
     const rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &none), 0);
     EXPECT_EQ(error,
               QStringLiteral("Cannot write into '%1'.\nFile too large").arg(path("out/a.tar.zst")));
-    EXPECT_EQ(full.getMessage(), "Cleaning");
 
     // The large file is long enough for something to happen while it is read.
     const struct {
@@ -371,6 +361,7 @@ TEST_F(KusArchivePackerTest, AFailureLeavesTheOlderArchive)
         EXPECT_EQ(isCancelled, row.error.isEmpty()) << row.name;
         EXPECT_TRUE(isCancelled || task.getErrorText() == row.error.arg(path("s")))
             << task.getErrorText().toStdString();
+        EXPECT_EQ(task.getMessage(), "Cleaning");
         EXPECT_TRUE(!isCancelled || task.getCounter() < task.getTotal());
         EXPECT_EQ(
             QDir(path("out")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
@@ -403,7 +394,7 @@ TEST_F(KusArchivePackerTest, AnyDepthTakesFewDescriptors)
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &former), 0);
     const rlimit few = {rlim_t(::dup(0) + 48), former.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
-    const QString error = errorOf<HbeDiskError>([&] { pack("a.tar.zst", "s"); });
+    const QString error = errorOfPacking<HbeDiskError>("a.tar.zst", "s");
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &former), 0);
     ASSERT_EQ(error, "no error");
     const QList<QByteArray> found = names("a.tar.zst");
