@@ -56,10 +56,15 @@ int runWithLimits(int argc, char** argv, const std::vector<RatioLimit>& limits)
         const double* peer = keeper.secondsOf(limit.peer);
         if (!subject || !peer)
             continue;
-        const double ratio = *subject / *peer;
-        std::printf("ratio %-40s %8.2f   limit %8.2f   %s\n", limit.subject.c_str(), ratio,
-                    limit.limit, ratio <= limit.limit ? "ok" : "MISSED");
-        missed += ratio > limit.limit;
+        missed += !reportRatio(limit.subject, *subject / *peer, limit.limit);
     }
     return missed ? 1 : 0;
+}
+
+bool reportRatio(const std::string& subject, double ratio, double limit)
+{
+    const bool isKept = ratio <= limit;
+    std::printf("ratio %-40s %8.2f   limit %8.2f   %s\n", subject.c_str(), ratio, limit,
+                isKept ? "ok" : "MISSED");
+    return isKept;
 }

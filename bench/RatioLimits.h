@@ -15,3 +15,6 @@ struct RatioLimit {
 /// several repetitions count with the fastest), then prints each ratio beside its limit. Answers 1
 /// when a limit is missed, else 0; limits whose benchmarks were filtered out are left out.
 int runWithLimits(int argc, char** argv, const std::vector<RatioLimit>& limits);
+
+/// Prints a ratio that was measured otherwise like those; answers whether it is within its limit.
+bool reportRatio(const std::string& subject, double ratio, double limit);

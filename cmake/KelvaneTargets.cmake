@@ -120,6 +120,7 @@ endfunction()
 # links the arguments and the library of its module; a module of util and basic both is util's.
 function(kelvane_add_benchmarks)
     add_custom_target(benchmarks)
+    add_dependencies(benchmarks kelvane) # some run it
     file(GLOB sources CONFIGURE_DEPENDS */*Bench.cpp)
     foreach(source IN LISTS sources)
         get_filename_component(bench ${source} NAME_WE)
@@ -132,7 +133,8 @@ function(kelvane_add_benchmarks)
         add_executable(${bench} ${source})
         target_link_libraries(${bench} PRIVATE Kelvane::${library} ${ARGN})
         target_compile_definitions(${bench} PRIVATE
-            KELVANE_PYTHON="${KELVANE_PYTHON}" KELVANE_PYTHON_PACKAGES="${CMAKE_SOURCE_DIR}/python")
+            KELVANE_PYTHON="${KELVANE_PYTHON}" KELVANE_PYTHON_PACKAGES="${CMAKE_SOURCE_DIR}/python"
+            KELVANE_TOOL="$<TARGET_FILE:kelvane>")
         kelvane_compile_options(${bench})
         set_target_properties(${bench} PROPERTIES
             RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
