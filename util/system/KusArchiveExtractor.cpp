@@ -15,8 +15,8 @@
 
 #include <QtCore/QFileInfo>
 
-#include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
