@@ -125,7 +125,8 @@ const Fate UNDECODABLE = refused("Cannot decode extended information './PaxHeade
 const char* const UPWARDS = "Its name leads upwards with \"..\".";
 const char* const ABSOLUTE = "Its name is absolute.";
 const char* const DRIVE = "Its name begins with a drive.";
-const char* const FOLDED = "Its name differs only in case from that of an earlier member.";
+const char* const FOLDED = "Its name differs only in case, or in how letters are composed, from "
+                           "that of an earlier member.";
 const char* const BAD_SIZE = "its size is no number, or a negative one";
 
 struct Row {
@@ -307,6 +308,8 @@ std::vector<Row> linksAndTypes()
             unsafeLink("linkdir/evil", "linkdir")),
         Row("through a link further down", one("kept/link/evil"),
             unsafeLink("kept/link/evil", "kept/link")),
+        Row("through a link by dots and slashes", tar().directory("kept/./link//new/d/").end(),
+            unsafeLink("kept/./link//new/d", "kept/link")),
         Row("directory over a link", tar().directory("linkdir/").end(),
             unsafeLink("linkdir", "linkdir")),
         Row("over a link to a file", one("linkfile"), unsafeLink("linkfile", "linkfile")),
