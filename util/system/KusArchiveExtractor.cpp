@@ -15,8 +15,8 @@
 
 #include <QtCore/QFileInfo>
 
-#include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -73,9 +73,7 @@ void KusArchiveExtractor::run()
     m_tar->setReadOtherTools(m_info.readOtherTools);
     checkInformation(m_tar->readInformation());
     checkSpace(m_tar->getAnnouncedSize());
-    // Of a part of the members, what the disk must hold is counted as they come.
-    const bool isBounded = m_freeSpace >= 0 && m_patterns.isEmpty();
-    m_tar->setSizeLimit(isBounded ? std::min(m_info.sizeLimit, m_freeSpace) : m_info.sizeLimit);
+    m_tar->setSizeLimit(m_info.sizeLimit);
 
     m_progress.setPhase(tr("Extracting"));
     m_staging = std::make_unique<KusArchiveStaging>(m_targetPath);

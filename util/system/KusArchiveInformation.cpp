@@ -45,7 +45,7 @@ QByteArray KusArchiveInformation::encode(const QVariantMap& information)
                 "system/KusArchiveInformation",
                 Texts::tr("'%1' is no key of an archive's information.").arg(entry.key()));
         data += key + SEPARATOR + encodeValue(entry.value()) + '\n';
-        if (data.size() > MAX_SIZE)
+        if (data.size() > MAX_SIZE || information.size() > MAX_ENTRIES)
             HBE_PROGRAMMING_ERROR("system/KusArchiveInformation",
                                   Texts::tr("The information of an archive is too long."));
     }

@@ -32,7 +32,7 @@ TEST(KusArchiveInformationTest, RefusesKeysThatCouldNotBeRead)
                     }).contains(QStringLiteral("'%1' is no key").arg(key)))
             << key;
     EXPECT_TRUE(errorOf<HbeProgrammingError>([] {
-                    KusArchiveInformation::encode({{"a", QByteArray(13 << 20, 'x')}});
+                    KusArchiveInformation::encode({{"a", QByteArray(3 << 20, 'x')}});
                 }).contains("too long"));
 }
 
