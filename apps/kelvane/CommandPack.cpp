@@ -110,7 +110,8 @@ ToolCommand createPackCommand()
         {LEVEL, QStringLiteral("N"),
          Tool::tr("How hard to compress, 1 (by default, the fastest) to 19.")},
         {THREADS, QStringLiteral("N"),
-         Tool::tr("How many threads compress; as many as there are cores by default.")},
+         Tool::tr("How many threads compress: one for each core by default, four at most, two "
+                  "from level 13 on.")},
     };
     command.minArguments = 2;
     command.maxArguments = 2;

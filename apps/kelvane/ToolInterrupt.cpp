@@ -28,6 +28,9 @@ void ToolInterrupt::install()
     sigemptyset(&action.sa_mask);
     for (const int number : {SIGINT, SIGTERM, SIGHUP})
         sigaction(number, &action, nullptr);
+    // A file that grows beyond what the system allows is then an error of writing it, which is told
+    // and cleaned up after like any other.
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 int ToolInterrupt::getSignal()

@@ -153,7 +153,8 @@ void KusArchiveExtractor::unpackMember()
     if (m_progress.showsMembers())
         m_progress.setMember(KusMemberPath::getShownText(m_path));
     if (!m_info.caseSensitive && m_names.add(toView(m_path)) == KusArchiveNames::Meeting::COLLISION)
-        refuse(tr("Its name differs only in case from that of an earlier member."));
+        refuse(tr("Its name differs only in case, or in how letters are composed, from that of an "
+                  "earlier member."));
     if (m_tar->isDirectory())
         unpackDirectory();
     else

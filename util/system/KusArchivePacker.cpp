@@ -209,7 +209,8 @@ void KusArchivePacker::scanFile(const KusArchiveWalk& walk)
     const QString kind = describe(walk.getKind());
     if (!kind.isEmpty()) {
         throw HbeUserError(
-            tr("'%1' is %2, which an archive cannot hold.").arg(walk.getShownPath(), kind));
+            tr("'%1' is %2, which an archive cannot hold.").arg(walk.getShownPath(), kind) + '\n' +
+            tr("Leave it out, or put a file in its place."));
     }
     struct stat facts = {};
     walk.lookUp(facts);
@@ -261,9 +262,9 @@ void KusArchivePacker::warnOfCase(const KusArchiveWalk& walk)
         const QByteArray second = above + walk.getEntryName(names[i].index);
         if (choose(first, true) == Choice::NONE || choose(second, true) == Choice::NONE)
             continue;
-        HbbDebug::printWarning(
-            tr("'%1' and '%2' differ only in case: unpacking refuses them unless told otherwise.")
-                .arg(QFile::decodeName(first), QFile::decodeName(second)));
+        HbbDebug::printWarning(tr("'%1' and '%2' differ only in case, or in how letters are "
+                                  "composed: unpacking refuses them unless told otherwise.")
+                                   .arg(QFile::decodeName(first), QFile::decodeName(second)));
     }
 }
 

@@ -83,7 +83,8 @@ void KusArchiveVerifier::Run::verifyMember()
     if (meeting == KusArchiveNames::Meeting::SAME && !tar.isDirectory())
         noteMember(tr("An earlier member has its name."));
     else if (meeting == KusArchiveNames::Meeting::COLLISION && !caseSensitive)
-        noteMember(tr("Its name differs only in case from that of an earlier member."));
+        noteMember(tr("Its name differs only in case, or in how letters are composed, from that of "
+                      "an earlier member."));
 }
 
 void KusArchiveVerifier::Run::verifyEnd()

@@ -64,6 +64,8 @@ QString translate(const QString& pattern, const QString& body)
             expression += QStringLiteral("[^/]");
         else if (c == QLatin1Char('['))
             expression += translateSet(body, at);
+        else if (c.isSurrogate()) // half of a letter, which must not be parted from the other
+            expression += c;
         else
             expression += QRegularExpression::escape(QString(c));
     }

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <pty.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -186,6 +187,20 @@ TEST_F(ToolArchiveTest, aCancelledUnpackingLeavesNothing)
     EXPECT_EQ(process.exitCode(), 130);
     EXPECT_EQ(entries("out"), before);
     EXPECT_EQ(read("out/b"), "mine");
+}
+
+TEST_F(ToolArchiveTest, aFileThatMayNotGrowIsAnErrorThatCleansUp)
+{
+    QDir(m_folder.path()).mkdir("out");
+    writeRaw("b", 4 << 20);
+    ok({"pack", "b", "b.tar.zst"});
+    rlimit former{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    const rlimit small{1 << 20, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0); // the tool inherits it
+    fault({"unpack", "b.tar.zst", "out"}, 1, "Cannot create file 'out/b'.\nFile too large");
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &former), 0);
+    EXPECT_EQ(entries("out"), QStringList());
 }
 
 // On a terminal, whose line never wraps, whatever the name of the member.

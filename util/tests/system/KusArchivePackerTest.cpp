@@ -197,8 +197,7 @@ TEST_F(KusArchivePackerTest, TheFirstMemberIsTheInformation)
 
     // A file alone is the only member; an empty directory goes with its information.
     pack("one.tar.zst", "src/a");
-    EXPECT_EQ(runShell("zstd -dcq \"$1\" | tee >(wc -c >&2) | tar t", {path("one.tar.zst")}),
-              "a\n");
+    EXPECT_EQ(runShell("zstd -dcq \"$1\" | tar t", {path("one.tar.zst")}), "a\n");
     make("none/", "", 0755);
     pack("none.tar.zst", "none");
     EXPECT_EQ(runShell("zstd -dcq \"$1\" | wc -c", {path("none.tar.zst")}).trimmed(), "2560");
@@ -248,6 +247,8 @@ TEST_F(KusArchivePackerTest, RefusesWhatAnArchiveCannotHold)
     make("qm_archive_info", "");
     make("drive/..\\a", "");
     make("dir.tar.zst/", "", 0755);
+    const QString unheld = QStringLiteral(", which an archive cannot hold.\n"
+                                          "Leave it out, or put a file in its place.");
     const QString unfit = QStringLiteral("'%1' cannot be archived under its name.\n");
     const struct {
         const char* source;
@@ -255,8 +256,8 @@ TEST_F(KusArchivePackerTest, RefusesWhatAnArchiveCannotHold)
         const char* place;
         QString error;
     } rows[] = {
-        {"link", "n.zst", "link/l", "'%1' is a symbolic link, which an archive cannot hold."},
-        {"pipe", "n.zst", "pipe/a/p", "'%1' is a pipe, which an archive cannot hold."},
+        {"link", "n.zst", "link/l", "'%1' is a symbolic link" + unheld},
+        {"pipe", "n.zst", "pipe/a/p", "'%1' is a pipe" + unheld},
         {"pipe/a/p", "n.zst", "pipe/a/p", "'%1' is neither a file nor a directory."},
         {"info", "n.zst", "info/qm_archive_info",
          unfit + "The archive's own information has this name."},
@@ -411,6 +412,7 @@ TEST_F(KusArchivePackerTest, WarnsOfNamesThatDifferOnlyInCase)
     KusArchive::ArchiveInfo info;
     info.excluded = QStringList("B.tmp");
     pack("a.tar.zst", "s", info);
-    EXPECT_EQ(log.texts, QStringList("'s/r/A.txt' and 's/r/a.txt' differ only in case: "
-                                     "unpacking refuses them unless told otherwise."));
+    EXPECT_EQ(log.texts,
+              QStringList("'s/r/A.txt' and 's/r/a.txt' differ only in case, or in how "
+                          "letters are composed: unpacking refuses them unless told otherwise."));
 }

@@ -49,7 +49,8 @@ TEST(KusArchiveVerifierTest, NotesWhatIsWrong)
          {"'./a' at byte 1024: An earlier member has its name."}},
         {"case, of a directory",
          member("D/a", "") + member("d/b", "") + end,
-         {"'d/b' at byte 512: Its name differs only in case from that of an earlier member."}},
+         {"'d/b' at byte 512: Its name differs only in case, or in how letters are composed, from "
+          "that of an earlier member."}},
         {"less than announced",
          announcing + end,
          {"The files have 0 bytes; the archive announces 3."}},

@@ -38,6 +38,7 @@ TEST(KusMemberPatternsTest, MatchesWholeElements)
         {"/survey/a", "./survey//a", true},
         {"/a", "survey/a", false},
         {"?.txt", "é.txt", true},
+        {"?\U0001f642*", "\U0001f5fa\U0001f642.txt", true},
         {"?.txt", "ab.txt", false},
         {"a?b", "a/b", false},
         {"[a-c]1", "b1", true},

@@ -11,7 +11,6 @@
 #include <basic/error/HbeUserError.h>
 
 #include <QtCore/QCryptographicHash>
-#include <QtCore/QMap>
 #include <QtCore/QTemporaryDir>
 
 namespace
@@ -56,10 +55,6 @@ def show(path):
         data = archive.extractfile(m).read() if m.isreg() else b''
         yield '%s %d %d %s %s\n' % ('d' if m.isdir() else 'f', len(data), int(m.mtime),
                                     hashlib.md5(data).hexdigest(), m.name)
-)";
-
-const char SHOW[] = R"(
-sys.stdout.write(''.join(show(sys.argv[1])))
 )";
 
 // Random archives of each format beside what they hold.
@@ -120,56 +115,6 @@ TEST(KusTarReaderTest, ReadsWhatPythonWrites)
         for (const int piece : {777, 1 << 20})
             EXPECT_EQ(listBytes(readBytes(path), true, piece), expected) << number;
     }
-}
-
-// The archives that hold something else are refused at its place; all others are read as Python
-// reads them, or as their own tool does where the two differ.
-TEST(KusTarReaderTest, ReadsRealArchivesOrSaysWhyNot)
-{
-    const QString folder = qEnvironmentVariable("KELVANE_TEST_DATA") + "/edge-archive/";
-    if (!QFile::exists(folder))
-        GTEST_SKIP() << "the sample archives are not there";
-    REQUIRE_PYTHON();
-    const QString member = "Cannot extract '%1' from archive file 'a.tar.zst': %2 (at byte %3).";
-    const QString hardLink = "it is a hard link; links are never written";
-    const QString symbolicLink = "it is a symbolic link; links are never written";
-    const QString longLink = QString("abcdefghij").repeated(20).prepend("");
-    const QMap<QString, QString> refusals{
-        {"hardlink.tar", member.arg("hard.txt", hardLink, "1024")},
-        {"hdr-only.tar", member.arg("fifo", "it is a pipe; pipes are never written", "512")},
-        {"pax.tar", member.arg("a/b", symbolicLink, "3072")},
-        {"writer.tar", member.arg("link.txt", symbolicLink, "2048")},
-        {"next-file-has-long.tar", member.arg("longlink", symbolicLink, "3072")},
-        {"test_compat_gtar_1.tar", member.arg(longLink, symbolicLink, "3584")},
-        {"pax-path-hdr.tar", "Corrupted archive file 'a.tar.zst' (it ends at byte 1024, before the "
-                             "member of extended information 'PAX1/PAX1/long-path-name')."},
-        {"writer-big.tar", "Cannot extract 'tmp/16gig.txt' because archive file 'a.tar.zst' is "
-                           "corrupted.\nThe archive ends at byte 512, within its data."},
-    };
-    const QString noData = "d41d8cd98f00b204e9800998ecf8427e";
-    const QMap<QString, QString> others{
-        {"global-header.tar", "f 1 1491843500 0cc175b9c0f1b6a831c399e269772661 one-byte.txt\n"},
-        {"pax-global-records.tar", "f 0 0 " + noData + " file1\nf 0 0 " + noData +
-                                       " file2\nf 0 0 " + noData + " file3\nf 0 1400000000 " +
-                                       noData + " file4\n"},
-    };
-    int count = 0;
-    for (const char* part : {"go-tar", "node-tar/tars", "libarchive"}) {
-        const QDir directory(folder + part);
-        for (const QString& name : directory.entryList({"*.tar"})) {
-            const QString path = directory.filePath(name);
-            QString read;
-            const QString error =
-                errorOf<HbeUserError>([&] { read = listBytes(readBytes(path), true); });
-            EXPECT_EQ(error, refusals.value(name, "no error")) << name.toStdString();
-            ++count;
-            if (refusals.contains(name))
-                continue;
-            const QString expected = QString::fromUtf8(runPython(QString(LIST) + SHOW, {path}));
-            EXPECT_EQ(read, others.value(name, expected)) << name.toStdString();
-        }
-    }
-    EXPECT_EQ(count, 29);
 }
 
 TEST(KusTarReaderTest, ReadsTheInformationAndNoFurther)
@@ -236,28 +181,10 @@ TEST(KusTarReaderTest, ReadsStrictly)
     const char many[] = "Corrupted archive file 'a.tar.zst' (more than 2 invalid records).";
     const std::vector<Stream> rows{
         {"a part of a block is the end", a + "part of a block", "a"},
-        {"no block at all", "short",
-         "'a.tar.zst' is not a valid archive file.\nDecompressed, it is shorter than one header."},
-        {"two invalid records", junk + a + zeros + a, "a a"},
-        {"three of them", junk + a + END, many},
-        {"padding", a + END + zeros, many},
         {"nothing is skipped behind an invalid record",
          changed(member("a", a + junk), 257, "gnutar") + END, many},
-        {"a wrong checksum", changed(a, 148, "000000"), "a"},
-        {"a pax path", extension("11 path=bc\n") + a, "bc"},
         {"of a record that is not the next", extension("11 path=bc\n") + junk + a, "bc"},
-        {"the later of two", extension("11 path=bc\n") + extension("11 path=de\n", 'X') + a, "de"},
         {"no path in it", extension("10 size=9\n") + a, "a"},
-        {"no data in it", extension("") + a, "a"},
-        {"no member behind it", a + extension("11 path=bc\n"), "a"},
-        {"pax that is none", extension("13 path=bcd\n") + a,
-         "Cannot decode extended information 'ext' because archive file 'a.tar.zst' is corrupted."},
-        {"pax data cut off", extension("11 path=bc\n").left(520),
-         "Cannot extract 'ext' because archive file 'a.tar.zst' is corrupted.\n"
-         "The archive ends at byte 520, within its data."},
-        {"data cut off", a.left(514),
-         "Cannot extract 'a' because archive file 'a.tar.zst' is corrupted.\n"
-         "The archive ends at byte 514, within its data."},
         {"a directory has no data", changed(a, 156, "5").left(512) + a, "a a"},
         {"long pax data", changed(extension(""), 124, "00004000001") + a,
          "Cannot decode extended information 'ext' because archive file 'a.tar.zst' is corrupted.\n"
@@ -272,23 +199,12 @@ TEST(KusTarReaderTest, ReadsOtherTools)
     const QByteArray a = member("a", "abc");
     const QByteArray zeros(512, '\0');
     const std::vector<Stream> rows{
-        {"padding", a + END + zeros + zeros, "a"},
-        {"the end is the end", a + END + a, "a"},
         {"no header", a + changed(a, 257, "gnutar"),
          "Corrupted archive file 'a.tar.zst' (what stands at byte 1024, 'a', is no header of a tar "
          "archive)."},
-        {"no header at all", QByteArray(512, 'j'),
-         "'a.tar.zst' is not a valid archive file.\n"
-         "Decompressed, it does not begin with the header of a tar archive."},
         {"a sparse file", extension("22 GNU.sparse.major=1\n") + a,
          "Cannot extract 'a' from archive file 'a.tar.zst': it is a sparse file; sparse files are "
          "not read (at byte 1024)."},
-        {"an unknown kind", changed(a, 156, "Z"),
-         "Cannot extract 'a' from archive file 'a.tar.zst': it is of a kind that is not read, 0x5a "
-         "(at byte 0)."},
-        {"a negative size", changed(a, 124, QByteArray(12, '\xff')),
-         "Cannot extract 'a' from archive file 'a.tar.zst': its size is no number, or a negative "
-         "one (at byte 0)."},
         {"a pax size", extension("10 size=3\n") + changed(a, 124, "00000000000") + a, "a a"},
         {"a pax size that is none", extension("11 size=-3\n") + a,
          "Cannot decode extended information 'ext' because archive file 'a.tar.zst' is corrupted."},

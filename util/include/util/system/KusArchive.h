@@ -54,7 +54,7 @@ public:
         QStringList included; ///< empty: all; else the files to take, and the directories they need
         QVariantMap header;   ///< the information, over that of `setHeader`
         int level = 1;        ///< of the compression, 1 to 19
-        int threadCount = 0;  ///< of the compression; 0: as many as there are cores
+        int threadCount = 0;  ///< of the compression, at most; 0: as many as there are cores
     };
 
     /// What to do with a file that exists at the place of a member.
