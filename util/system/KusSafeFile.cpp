@@ -1,10 +1,11 @@
 #include <util/system/KusSafeFile.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -16,16 +17,23 @@
 namespace
 {
 // The file that a path stands for: links followed to the end, also when the last one points to a
-// file that does not exist yet. A circle of links gives an empty name.
+// file that does not exist yet. A circle of links gives an empty name. Directories are left to the
+// system: where "link/.." leads depends on the link.
 QByteArray resolvedTarget(const QString& path)
 {
-    QString current = QFileInfo(path).absoluteFilePath();
+    QByteArray current = QFile::encodeName(path);
+    if (!current.startsWith('/')) {
+        current.prepend(QFile::encodeName(QDir::currentPath()) + '/');
+    }
     for (int hop = 0; hop < 40; ++hop) {
-        const QFileInfo info(current);
-        if (!info.isSymLink()) {
-            return QFile::encodeName(current);
+        char text[PATH_MAX];
+        const ssize_t size = ::readlink(current.constData(), text, sizeof text);
+        if (size < 0) {
+            return current;
         }
-        current = info.symLinkTarget();
+        const QByteArray target(text, int(size));
+        current =
+            target.startsWith('/') ? target : current.left(current.lastIndexOf('/') + 1) + target;
     }
     return QByteArray();
 }

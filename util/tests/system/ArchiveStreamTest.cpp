@@ -428,5 +428,11 @@ TEST_F(ArchiveStreamTest, aReplacedFileKeepsWhatItWas)
         EXPECT_EQ(QDir(at("place")).entryList(QDir::Files | QDir::Hidden),
                   QStringList({"fresh", "kept"}));
         EXPECT_FALSE(put(at("place")));
+        ASSERT_TRUE(QDir(m_dir.path()).mkpath("place/inner"));
+        QFile::remove(at("door"));
+        ASSERT_TRUE(QFile::link(at("place/inner"), at("door")));
+        EXPECT_TRUE(put(at("door/../beyond")));
+        EXPECT_TRUE(QFile::remove(at("place/beyond")));
+        EXPECT_FALSE(put(at("missing/../lost")));
     }
 }

@@ -319,7 +319,8 @@ TEST_F(KusArchivePackerTest, SaysWhatItMayNotReadOrReplace)
 TEST_F(KusArchivePackerTest, AFailureLeavesTheOlderArchive)
 {
     make("out/a.tar.zst", "old");
-    QByteArray noise(6 << 20, Qt::Uninitialized);
+    // More than the jobs of the compression hold, so that the disk is met before the end.
+    QByteArray noise(24 << 20, Qt::Uninitialized);
     QRandomGenerator(1).fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
     make("s/noise", noise);
     make("s/z", "");
