@@ -15,6 +15,8 @@
 
 namespace
 {
+const QString CASE_SENSITIVE = QStringLiteral("case-sensitive");
+
 constexpr int PIECE = 1 << 20; // bytes of a member between two looks for Ctrl-C
 
 bool wantsJson(const QCommandLineParser& line)
@@ -99,22 +101,23 @@ QByteArray toJson(const Facts& facts)
 
 QString toText(const Facts& facts)
 {
-    QString text = Tool::tr("%1: %2, %3\n")
-                       .arg(ToolText::makeVisible(facts.path), facts.compression,
-                            ToolArchive::getSizeText(facts.compressedSize));
+    const QString head = Tool::tr("%1: %2, %3\n")
+                             .arg(ToolText::makeVisible(facts.path), facts.compression,
+                                  ToolArchive::getSizeText(facts.compressedSize));
     if (facts.information.isEmpty())
-        return text + Tool::tr("  The archive tells nothing about itself.\n");
+        return head + Tool::tr("  The archive tells nothing about itself.\n");
     ToolTable table({QString(), QString()});
     for (auto entry = facts.information.begin(); entry != facts.information.end(); ++entry) {
         const QVariant& value = entry.value();
+        QString text = ToolText::makeVisible(value.toString());
         if (value.userType() == QMetaType::QByteArray)
-            table.addRow({entry.key(), ToolArchive::getSizeText(value.toByteArray().size())});
-        else if (entry.key() == QLatin1String(KusArchive::HeaderFieldSize))
-            table.addRow({entry.key(), ToolArchive::getSizeText(facts.announcedSize)});
-        else
-            table.addRow({entry.key(), value.toString()});
+            text = ToolArchive::getSizeText(value.toByteArray().size());
+        else if (entry.key() == QLatin1String(KusArchive::HeaderFieldSize) &&
+                 facts.announcedSize >= 0)
+            text = ToolArchive::getSizeText(facts.announcedSize);
+        table.addRow({ToolText::makeVisible(entry.key()), text});
     }
-    return text + table.toText(2);
+    return head + table.toText(2);
 }
 
 int showInformation(const QCommandLineParser& line, const QString& path)
@@ -162,6 +165,7 @@ int verify(const QCommandLineParser& line, const QString& path)
 {
     KusArchive::ExtractInfo info;
     info.readOtherTools = true;
+    info.caseSensitive = line.isSet(CASE_SENSITIVE);
     KusArchive archive(path);
     archive.setVerifyOperation(info);
     ToolArchive::run(archive, path);
@@ -206,7 +210,11 @@ ToolCommand createArchiveCommand()
     command.example = QStringLiteral("kelvane archive list survey.tar.zst\n"
                                      "kelvane archive info survey.tar.zst --json\n"
                                      "kelvane archive verify survey.tar.zst");
-    command.options = {{QStringLiteral("json"), QString(), Tool::tr("One JSON document.")}};
+    command.options = {
+        {QStringLiteral("json"), QString(), Tool::tr("One JSON document.")},
+        {CASE_SENSITIVE, QString(),
+         Tool::tr("verify: names that differ only in case are no fault.")},
+    };
     command.minArguments = 2;
     command.maxArguments = 2;
     command.usesUnits = false;

@@ -64,10 +64,11 @@ int run(const QCommandLineParser& line)
     const QString source = line.positionalArguments().at(0);
     const QString path = line.positionalArguments().at(1);
     KusArchive::ArchiveInfo info = readInfo(line);
-    // The end of the name tells readers what the file is; and DIR in its place is easily typed.
-    if (!path.endsWith(QLatin1Char('.') + KusArchive::getZstdExtension()))
-        throw ToolUsageError(
-            Tool::tr("The archive's name ends with .tar.zst; '%1' does not.").arg(path));
+    // Readers go by the end of the name, and would take this one for another compression.
+    if (QFileInfo(path).suffix() == KusArchive::getGzipExtension())
+        throw ToolUsageError(Tool::tr("An archive is compressed with Zstandard: let its name end "
+                                      "with .tar.zst; '%1' would be read as gzip.")
+                                 .arg(path));
     info.header = describe(source);
 
     KusArchive archive(path);
@@ -110,8 +111,7 @@ ToolCommand createPackCommand()
         {LEVEL, QStringLiteral("N"),
          Tool::tr("How hard to compress, 1 (by default, the fastest) to 19.")},
         {THREADS, QStringLiteral("N"),
-         Tool::tr("How many threads compress: one for each core by default, four at most, two "
-                  "from level 13 on.")},
+         Tool::tr("How many threads compress: one for each core by default, three at most.")},
     };
     command.minArguments = 2;
     command.maxArguments = 2;

@@ -35,9 +35,9 @@ struct Frugality {
     int mostThreads;
 };
 constexpr Frugality FRUGALITIES[] = {
-    {2, 0, 0, 0, 2 << 20, 4},
-    {4, 20, 17, 17, 1 << 20, 4},
-    {12, 20, 18, 18, 1 << 20, 4},
+    {2, 0, 0, 0, 2 << 20, 3},
+    {4, 20, 17, 17, 1 << 20, 3},
+    {12, 20, 18, 18, 1 << 20, 3},
     {ArchiveZstdWriter::MAX_LEVEL, 20, 19, 18, 1 << 20, 2},
 };
 

@@ -75,7 +75,7 @@ TEST_F(ToolUsageTest, exitCodesAndHints)
         {{"map", "p", "good", "m.png", "--variable", "gold"}, 1, "There are: x, y, zinc"},
         {{"map", "p", "good", "none/m.png"}, 1, "none/m.png"},
         {{"pack", "p"}, 2, "Usage: kelvane pack DIR FILE.tar.zst"},
-        {{"pack", "p", "q"}, 2, "The archive's name ends with .tar.zst; 'q' does not."},
+        {{"pack", "p", "q.tar.gz"}, 2, "end with .tar.zst; 'q.tar.gz' would be read as gzip."},
         {{"pack", "p", "q.tar.zst", "--level", "20"}, 2, "--level is at most 19, not 20"},
         {{"pack", "p", "q.tar.zst", "--threads", "no"}, 2, "--threads is a number above 0"},
         {{"pack", "p", "q.tar.zst", "--exclude", ""}, 1, "''"},

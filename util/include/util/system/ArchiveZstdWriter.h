@@ -11,7 +11,7 @@
 ///
 /// The compression runs in threads of its own, so that the caller reads on meanwhile; the bytes
 /// written do not depend on their number. Whatever level and number are asked for, the memory taken
-/// stays below 32 MiB: the highest levels work with smaller tables for it, and the number of
+/// stays below 28 MiB: the highest levels work with smaller tables for it, and the number of
 /// threads is lowered where they do not fit.
 ///
 /// The file appears under its name at `close`, whole; until then an older file stays what it was,
