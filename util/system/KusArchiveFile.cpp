@@ -90,8 +90,8 @@ void KusArchiveFile::failNotArchive(const QString& reason) const
 
 void KusArchiveFile::failCorrupted(const QString& fault, qint64 offset) const
 {
-    throw HbeUserError(
-        tr("Corrupted archive file '%1' (%2, at byte %3).").arg(m_path, fault).arg(offset));
+    throw HbeUserError(tr("Corrupted archive file '%1' (%2, at byte %3).")
+                           .arg(m_path, fault, QString::number(offset)));
 }
 
 void KusArchiveFile::failCutOff() const

@@ -303,10 +303,10 @@ TEST_F(ArchiveStreamTest, damagedFiles)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const Reading reading = read("a.any", row.bytes);
+        const Reading reading = read("a%3.any", row.bytes); // a name is no place for arguments
         const QString fault =
             row.fault.contains("%1") ? row.fault.arg(row.bytes.size()) : row.fault;
-        const QString begin = "Corrupted archive file '" + at("a.any") + "' (" + fault;
+        const QString begin = "Corrupted archive file '" + at("a%3.any") + "' (" + fault;
         EXPECT_EQ(reading.error.left(begin.size()), fault.isEmpty() ? QString() : begin);
         if (row.goodBytes >= 0)
             EXPECT_EQ(reading.bytes.size(), row.goodBytes);
