@@ -380,6 +380,9 @@ QVariantMap KusTarReader::readInformation()
     QByteArray data(static_cast<int>(count), Qt::Uninitialized);
     m->readFully(data.data(), count, m->name);
     m->skipLeft = KusTarRecord::getPaddedSize(count) - count;
+    if (data.count('\n') > KusArchiveInformation::MAX_LINES)
+        m->refusal.refuseData(
+            m->name, tr("It has more than %1 lines.").arg(KusArchiveInformation::MAX_LINES));
     m->information = KusArchiveInformation::decode(data);
     bool isNumber = false;
     const qint64 size =

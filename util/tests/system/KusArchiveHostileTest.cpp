@@ -440,8 +440,11 @@ std::vector<Row> informationMembers()
             extracts("a=")),
         Row("information of 1 GiB", information("").with(TarBuilder::SIZE, "10000000000"),
             refused("Cannot extract 'qm_archive_info' because archive file 'A' is corrupted.\nIt "
-                    "has 1.00 GiB; at most 16.00 MiB are allowed."))
+                    "has 1.00 GiB; at most 4.00 MiB are allowed."))
             .zeros(1024),
+        Row("information of too many lines", information(QByteArray("a = \n").repeated(10001)),
+            refused("Cannot extract 'qm_archive_info' because archive file 'A' is corrupted.\nIt "
+                    "has more than 10000 lines.")),
         Row("information cut", information(announced("4")).truncate(520),
             cut("qm_archive_info", 520)),
         Row("information twice", information(announced("4")).file("qm_archive_info").end(),
