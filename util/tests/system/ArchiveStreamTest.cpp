@@ -315,6 +315,24 @@ TEST_F(ArchiveStreamTest, damagedFiles)
     }
 }
 
+TEST_F(ArchiveStreamTest, aCheckEndsWhatGivesNothing)
+{
+    QByteArray empty;
+    while (empty.size() < (4 << 20))
+        empty += QByteArray("\x50\x2a\x4d\x18\0\0\1\0", 8) + QByteArray(1 << 16, 'x');
+    writeBytes(at("empty.zst"), empty);
+    for (const Mode mode : {Mode::DIRECT, Mode::AHEAD}) {
+        KusArchiveReader archive(at("empty.zst"), mode);
+        int checks = 0;
+        archive.setCheck([&checks] {
+            if (++checks == 3)
+                throw HbeUserError("enough");
+        });
+        EXPECT_EQ(readAll(archive).error, "enough");
+        EXPECT_LT(archive.getReadSize(), 1 << 20);
+    }
+}
+
 // A frame of known size that the library could decode at once, one of unknown size in many blocks,
 // and gzip: a bit that is wrong anywhere is found or changes nothing, at the same place however it
 // is read.
