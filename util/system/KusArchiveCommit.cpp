@@ -177,6 +177,13 @@ KusArchiveCommit::State KusArchiveCommit::placeFile(const std::string& path, con
             withReason(tr("Cannot remove existing '%1'\nbefore extracting the archive '%2'.")
                            .arg(text, m_archivePath)));
     }
+    // Somebody may have put another entry there since it was looked at; a directory would be lost.
+    if (::fstatat(m_source, name, &facts, AT_SYMLINK_NOFOLLOW) != 0 || S_ISDIR(facts.st_mode) ||
+        S_ISLNK(facts.st_mode)) {
+        m_leavesAside = !exchange(name);
+        throw HbeDiskError(tr("Cannot create file '%1'.").arg(text) + '\n' +
+                           tr("What stands in its place has changed."));
+    }
     return EXCHANGED;
 }
 
