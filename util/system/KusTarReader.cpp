@@ -89,6 +89,7 @@ struct KusTarReader::Private {
     bool isEnded = false;
     int zeroBlocks = 0; // one after the other, up to here
     int invalidCount = 0;
+    bool hasForeignRecord = false; // an invalid one that is not of NUL
     bool hasForeignEnd = false;
 
     // What the records before a member say of it.
@@ -191,6 +192,7 @@ bool KusTarReader::Private::takeRecord()
 bool KusTarReader::Private::takeStrictly()
 {
     if (!record.isValid()) {
+        hasForeignRecord = true;
         countInvalid();
         return false;
     }
@@ -300,6 +302,9 @@ void KusTarReader::Private::beginMember()
 void KusTarReader::Private::finish()
 {
     isEnded = true;
+    const bool hasAny = memberCount > 0 || !name.isEmpty(); // the information has a name
+    if (!hasAny && hasForeignRecord)
+        refusal.refuseStream(tr("Decompressed, it holds no member of a tar archive."));
     if (readsOtherTools && extension.isPresent)
         refusal.refuseLoneExtension(extension.name, offset);
 }
