@@ -210,7 +210,7 @@ bool KusTarReader::Private::takeOfOtherTools()
                           type == KusTarRecord::DIRECTORY_TYPE;
     const bool isOld =
         !KusTarField::read(record.headerData(), KusTarField::MAGIC).startsWith("ustar");
-    if (isOld && !(isMember && record.hasRightChecksum()))
+    if (isOld && !record.hasRightChecksum())
         refuseNoHeader();
     if (!isMember) {
         readExtensionOfOtherTools();
