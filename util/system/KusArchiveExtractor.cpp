@@ -186,7 +186,7 @@ void KusArchiveExtractor::unpackDirectory()
     checkPlace(true, exists);
     const KusTarRecord& record = m_tar->getRecord();
     if (!m_staging->makeDirectory(toView(m_path)))
-        failToCreate(true);
+        failToStage(true);
     m_staging->setDirectory(toView(m_path), record.permissionBits(), record.modifSeconds());
     m_progress.countMember(0);
 }
@@ -271,14 +271,16 @@ int KusArchiveExtractor::createFile()
     const int permissionBits = m_tar->getRecord().permissionBits();
     int file = m_staging->createFile(path, permissionBits);
     if (file < 0 && errno == EEXIST) {
-        if (m_staging->makeDirectory(path)) // which it is already, then
-            refuseKind(false);
+        if (m_staging->makeDirectory(path)) { // which it is already, then
+            errno = EISDIR;
+            failToStage(false);
+        }
         if (!mayReplace())
             return -1;
         file = m_staging->removeFile(path) ? m_staging->createFile(path, permissionBits) : -1;
     }
     if (file < 0)
-        failToCreate(false);
+        failToStage(false);
     return file;
 }
 
@@ -343,6 +345,22 @@ void KusArchiveExtractor::failToCreate(bool isDirectory) const
     if (error == ENOTDIR)
         throw HbeUserError(text + '\n' + tr("There is a file in the place of a directory."));
     throw HbeDiskError(text + '\n' + reason);
+}
+
+/// The same where only earlier members can be in the way.
+void KusArchiveExtractor::failToStage(bool isDirectory) const
+{
+    if (errno != ENOTDIR && errno != EISDIR)
+        failToCreate(isDirectory);
+    const bool isFileInTheWay = errno == ENOTDIR;
+    const QString reason =
+        isFileInTheWay
+            ? tr("An earlier member of archive file '%1' is a file in the place of a directory.")
+            : tr("An earlier member of archive file '%1' is a directory of its name.");
+    throw HbeUserError(
+        (isDirectory ? tr("Cannot create directory '%1'.") : tr("Cannot create file '%1'."))
+            .arg(getText()) +
+        '\n' + reason.arg(m_archivePath));
 }
 
 QString KusArchiveExtractor::getText() const

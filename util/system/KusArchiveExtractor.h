@@ -48,6 +48,7 @@ private:
     [[noreturn]] void refuse(const QString& fault) const;
     [[noreturn]] void refuseKind(bool isDirectory) const;
     [[noreturn]] void failToCreate(bool isDirectory) const;
+    [[noreturn]] void failToStage(bool isDirectory) const;
     QString getText() const;
 
     QString m_archivePath;

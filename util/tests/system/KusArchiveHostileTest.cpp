@@ -338,12 +338,14 @@ std::vector<Row> linksAndTypes()
             refused("File 'T/a' already exists."))
             .where(Existing::ASK),
         Row("file, then a directory", tar().file("a").directory("a/").end(),
-            refused(
-                "Cannot create directory 'T/a'.\nThere is a file in the place of a directory.")),
+            refused("Cannot create directory 'T/a'.\nAn earlier member of archive file 'A' is a "
+                    "file in the place of a directory.")),
         Row("file, then a file below", tar().file("a").file("a/b").end(),
-            refused("Cannot create file 'T/a/b'.\nThere is a file in the place of a directory.")),
+            refused("Cannot create file 'T/a/b'.\nAn earlier member of archive file 'A' is a file "
+                    "in the place of a directory.")),
         Row("directory, then a file", tar().directory("a/").file("a").end(),
-            refused("Cannot create file 'T/a'.\nThere is a directory in its place.")),
+            refused("Cannot create file 'T/a'.\nAn earlier member of archive file 'A' is a "
+                    "directory of its name.")),
         Row("directory twice", tar().directory("a/").file("a/b").directory("a/").end(),
             extracts("a/ a/b=")),
     };
