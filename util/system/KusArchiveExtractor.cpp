@@ -73,9 +73,7 @@ void KusArchiveExtractor::run()
     m_tar->setReadOtherTools(m_info.readOtherTools);
     checkInformation(m_tar->readInformation());
     checkSpace(m_tar->getAnnouncedSize());
-    // Of a part of the members, what the disk must hold is counted as they come.
-    const bool isBounded = m_freeSpace >= 0 && m_patterns.isEmpty();
-    m_tar->setSizeLimit(isBounded ? std::min(m_info.sizeLimit, m_freeSpace) : m_info.sizeLimit);
+    m_tar->setSizeLimit(m_info.sizeLimit);
 
     m_progress.setPhase(tr("Extracting"));
     m_staging = std::make_unique<KusArchiveStaging>(m_targetPath);
@@ -197,11 +195,7 @@ void KusArchiveExtractor::unpackFile()
     checkPlace(false, exists);
     if (exists && !mayReplace())
         return;
-    m_writtenSize += m_tar->getSize();
-    if (m_freeSpace >= 0 && m_writtenSize > m_freeSpace) {
-        throw HbeUserError(tr("Directory '%1' does not have available space to extract archive.")
-                               .arg(m_targetPath));
-    }
+    claimSpace();
     struct File {
         int descriptor;
         ~File() { close(); }
@@ -213,6 +207,20 @@ void KusArchiveExtractor::unpackFile()
     if (!file.close()) // some disks tell only now that they are full
         failToCreate(false);
     m_progress.countMember(m_tar->getSize());
+}
+
+/// What the disk must hold is counted as it comes: of some members, and of others than announced.
+void KusArchiveExtractor::claimSpace()
+{
+    m_writtenSize += m_tar->getSize();
+    if (m_freeSpace < 0 || m_writtenSize <= m_freeSpace)
+        return;
+    throw HbeUserError(
+        tr("Directory '%1' does not have available space to extract archive.").arg(m_targetPath) +
+        '\n' +
+        tr("'%1' of archive file '%2' goes beyond the %3 that were available.")
+            .arg(KusMemberPath::getShownText(m_tar->getName()), m_archivePath,
+                 KusFileUtils::getStringSize(m_freeSpace)));
 }
 
 /// Refuses what stands in the target where the member would have to be, or in the way there.

@@ -39,6 +39,7 @@ private:
     bool takeName();
     void unpackDirectory();
     void unpackFile();
+    void claimSpace();
     int createFile();
     void writeFile(int file);
     void checkPatterns() const;
