@@ -111,7 +111,9 @@ void KusArchiveExtractor::checkInformation(const QVariantMap& information) const
         if (!information.contains(entry.key()) || !isSame(entry.value(), found)) {
             throw HbeUserError(
                 tr("The information of archive file '%1' has '%3' for '%2', not '%4'.")
-                    .arg(m_archivePath, entry.key(), found.toString(), entry.value().toString()));
+                    .arg(m_archivePath, entry.key(),
+                         KusMemberPath::getShownText(found.toString().toUtf8()),
+                         entry.value().toString()));
         }
     }
 }
