@@ -96,7 +96,12 @@ void KusArchiveCommit::merge(const std::string& path, const std::function<void()
     }
     m_merges.push_back({path, facts.st_mtim, std::string()});
     std::string& entries = m_merges.back().entries;
-    // Listed first: exchanging adds entries to the directory.
+    // Listed first: exchanging adds entries to the directory. Their room is counted before that,
+    // for a text that grows takes up to three times its size.
+    std::size_t room = 0;
+    KusArchiveDescent::list(m_source,
+                            [&](const char* name, bool) { room += 2 + std::strlen(name) + 1; });
+    entries.reserve(room);
     const bool listed = KusArchiveDescent::list(m_source, [&](const char* name, bool isDirectory) {
         entries.push_back(PENDING);
         entries.push_back(isDirectory ? 'd' : 'f');
