@@ -27,6 +27,7 @@ bool wantsJson(const QCommandLineParser& line)
 int list(const QCommandLineParser& line, const QString& path)
 {
     KusArchiveReader archive(path);
+    archive.setCheck(&ToolInterrupt::check);
     KusTarReader tar(archive, path);
     tar.setReadOtherTools(true);
     const auto listing = ToolArchiveListing::create(path, wantsJson(line));
@@ -57,6 +58,7 @@ struct Facts {
 Facts readFacts(const QString& path)
 {
     KusArchiveReader archive(path);
+    archive.setCheck(&ToolInterrupt::check);
     KusTarReader tar(archive, path);
     tar.setReadOtherTools(true);
     Facts facts;

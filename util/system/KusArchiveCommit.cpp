@@ -96,7 +96,12 @@ void KusArchiveCommit::merge(const std::string& path, const std::function<void()
     }
     m_merges.push_back({path, facts.st_mtim, std::string()});
     std::string& entries = m_merges.back().entries;
-    // Listed first: exchanging adds entries to the directory.
+    // Listed first: exchanging adds entries to the directory. Their room is counted before that,
+    // for a text that grows takes up to three times its size.
+    std::size_t room = 0;
+    KusArchiveDescent::list(m_source,
+                            [&](const char* name, bool) { room += 2 + std::strlen(name) + 1; });
+    entries.reserve(room);
     const bool listed = KusArchiveDescent::list(m_source, [&](const char* name, bool isDirectory) {
         entries.push_back(PENDING);
         entries.push_back(isDirectory ? 'd' : 'f');
@@ -176,6 +181,13 @@ KusArchiveCommit::State KusArchiveCommit::placeFile(const std::string& path, con
         throw HbeDiskError(
             withReason(tr("Cannot remove existing '%1'\nbefore extracting the archive '%2'.")
                            .arg(text, m_archivePath)));
+    }
+    // Somebody may have put another entry there since it was looked at; a directory would be lost.
+    if (::fstatat(m_source, name, &facts, AT_SYMLINK_NOFOLLOW) != 0 || S_ISDIR(facts.st_mode) ||
+        S_ISLNK(facts.st_mode)) {
+        m_leavesAside = !exchange(name);
+        throw HbeDiskError(tr("Cannot create file '%1'.").arg(text) + '\n' +
+                           tr("What stands in its place has changed."));
     }
     return EXCHANGED;
 }

@@ -131,23 +131,26 @@ bool KusArchiveDescent::list(int directory, const Visit& visit)
 void KusArchiveDescent::traverse(const Enter& enter, const Leave& leave)
 {
     struct Step {
-        std::string path;
-        bool entered;
+        std::size_t end; // of its path
+        std::string names;
+        std::size_t next; // of the names
     };
-    std::vector<Step> steps{{std::string(), false}};
-    std::vector<std::string> names;
+    std::string path;
+    std::vector<Step> steps(1);
+    enter(path, steps.back().names);
     while (!steps.empty()) {
-        if (steps.back().entered) {
-            leave(steps.back().path);
+        Step& step = steps.back();
+        path.resize(step.end);
+        if (step.next == step.names.size()) {
+            leave(path);
             steps.pop_back();
             continue;
         }
-        steps.back().entered = true;
-        names.clear();
-        const std::string path = steps.back().path;
-        enter(path, names);
-        for (const std::string& name : names)
-            steps.push_back({join(path, name), false});
+        const char* const name = step.names.c_str() + step.next;
+        step.next += std::strlen(name) + 1;
+        path = join(path, name);
+        steps.push_back({path.size(), std::string(), 0});
+        enter(path, steps.back().names);
     }
 }
 

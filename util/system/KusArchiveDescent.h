@@ -44,8 +44,8 @@ public:
     static bool list(int directory, const Visit& visit);
 
     /// Goes over all directories below the root and the root itself. `enter` is called ahead of
-    /// what is below and names the directories to go into, `leave` after it.
-    using Enter = std::function<void(const std::string& path, std::vector<std::string>& names)>;
+    /// what is below and names the directories to go into, a NUL behind each; `leave` after it.
+    using Enter = std::function<void(const std::string& path, std::string& names)>;
     using Leave = std::function<void(const std::string& path)>;
     static void traverse(const Enter& enter, const Leave& leave);
 

@@ -25,7 +25,6 @@
 namespace
 {
 constexpr int BLOCK_BYTES = 1 << 20; // between two looks for a cancel
-constexpr int MAX_PATH_BYTES = 4000; // longer ones no program could name
 
 std::string_view toView(const QByteArray& bytes)
 {
@@ -111,7 +110,9 @@ void KusArchiveExtractor::checkInformation(const QVariantMap& information) const
         if (!information.contains(entry.key()) || !isSame(entry.value(), found)) {
             throw HbeUserError(
                 tr("The information of archive file '%1' has '%3' for '%2', not '%4'.")
-                    .arg(m_archivePath, entry.key(), found.toString(), entry.value().toString()));
+                    .arg(m_archivePath, entry.key(),
+                         KusMemberPath::getShownText(found.toString().toUtf8()),
+                         entry.value().toString()));
         }
     }
 }
@@ -168,8 +169,6 @@ bool KusArchiveExtractor::takeName()
     const QString fault = KusMemberPath::findFault(m_path);
     if (!fault.isEmpty())
         refuse(fault);
-    if (m_path.size() > MAX_PATH_BYTES)
-        refuse(tr("Its name has more than %1 bytes.").arg(MAX_PATH_BYTES));
     if (!m_patterns.isEmpty() && !m_patterns.matchesAndNotes(m_path))
         return false;
     if (!isPlain(m_path))
@@ -185,7 +184,7 @@ void KusArchiveExtractor::unpackDirectory()
     checkPlace(true, exists);
     const KusTarRecord& record = m_tar->getRecord();
     if (!m_staging->makeDirectory(toView(m_path)))
-        failToCreate(true);
+        failToStage(true);
     m_staging->setDirectory(toView(m_path), record.permissionBits(), record.modifSeconds());
     m_progress.countMember(0);
 }
@@ -196,11 +195,7 @@ void KusArchiveExtractor::unpackFile()
     checkPlace(false, exists);
     if (exists && !mayReplace())
         return;
-    m_writtenSize += m_tar->getSize();
-    if (m_freeSpace >= 0 && m_writtenSize > m_freeSpace) {
-        throw HbeUserError(tr("Directory '%1' does not have available space to extract archive.")
-                               .arg(m_targetPath));
-    }
+    claimSpace();
     struct File {
         int descriptor;
         ~File() { close(); }
@@ -212,6 +207,20 @@ void KusArchiveExtractor::unpackFile()
     if (!file.close()) // some disks tell only now that they are full
         failToCreate(false);
     m_progress.countMember(m_tar->getSize());
+}
+
+/// What the disk must hold is counted as it comes: of some members, and of others than announced.
+void KusArchiveExtractor::claimSpace()
+{
+    m_writtenSize += m_tar->getSize();
+    if (m_freeSpace < 0 || m_writtenSize <= m_freeSpace)
+        return;
+    throw HbeUserError(
+        tr("Directory '%1' does not have available space to extract archive.").arg(m_targetPath) +
+        '\n' +
+        tr("'%1' of archive file '%2' goes beyond the %3 that were available.")
+            .arg(KusMemberPath::getShownText(m_tar->getName()), m_archivePath,
+                 KusFileUtils::getStringSize(m_freeSpace)));
 }
 
 /// Refuses what stands in the target where the member would have to be, or in the way there.
@@ -270,14 +279,16 @@ int KusArchiveExtractor::createFile()
     const int permissionBits = m_tar->getRecord().permissionBits();
     int file = m_staging->createFile(path, permissionBits);
     if (file < 0 && errno == EEXIST) {
-        if (m_staging->makeDirectory(path)) // which it is already, then
-            refuseKind(false);
+        if (m_staging->makeDirectory(path)) { // which it is already, then
+            errno = EISDIR;
+            failToStage(false);
+        }
         if (!mayReplace())
             return -1;
         file = m_staging->removeFile(path) ? m_staging->createFile(path, permissionBits) : -1;
     }
     if (file < 0)
-        failToCreate(false);
+        failToStage(false);
     return file;
 }
 
@@ -342,6 +353,22 @@ void KusArchiveExtractor::failToCreate(bool isDirectory) const
     if (error == ENOTDIR)
         throw HbeUserError(text + '\n' + tr("There is a file in the place of a directory."));
     throw HbeDiskError(text + '\n' + reason);
+}
+
+/// The same where only earlier members can be in the way.
+void KusArchiveExtractor::failToStage(bool isDirectory) const
+{
+    if (errno != ENOTDIR && errno != EISDIR)
+        failToCreate(isDirectory);
+    const bool isFileInTheWay = errno == ENOTDIR;
+    const QString reason =
+        isFileInTheWay
+            ? tr("An earlier member of archive file '%1' is a file in the place of a directory.")
+            : tr("An earlier member of archive file '%1' is a directory of its name.");
+    throw HbeUserError(
+        (isDirectory ? tr("Cannot create directory '%1'.") : tr("Cannot create file '%1'."))
+            .arg(getText()) +
+        '\n' + reason.arg(m_archivePath));
 }
 
 QString KusArchiveExtractor::getText() const

@@ -39,6 +39,7 @@ private:
     bool takeName();
     void unpackDirectory();
     void unpackFile();
+    void claimSpace();
     int createFile();
     void writeFile(int file);
     void checkPatterns() const;
@@ -48,6 +49,7 @@ private:
     [[noreturn]] void refuse(const QString& fault) const;
     [[noreturn]] void refuseKind(bool isDirectory) const;
     [[noreturn]] void failToCreate(bool isDirectory) const;
+    [[noreturn]] void failToStage(bool isDirectory) const;
     QString getText() const;
 
     QString m_archivePath;

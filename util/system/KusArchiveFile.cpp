@@ -19,8 +19,9 @@ constexpr int FIRST_STEP = 16 << 10;
 constexpr int LAST_STEP = 256 << 10;
 } // namespace
 
-KusArchiveFile::KusArchiveFile(const QString& path)
+KusArchiveFile::KusArchiveFile(const QString& path, std::function<void()> check)
     : m_path(path)
+    , m_check(std::move(check))
     , m_step(FIRST_STEP)
 {
     const auto fail = [&path](int error) {
@@ -59,6 +60,8 @@ HbdSpan<const char> KusArchiveFile::peek(int least)
 
 void KusArchiveFile::refill()
 {
+    if (m_check)
+        m_check();
     const int rest = m_end - m_begin;
     if (rest > 0)
         std::memmove(m_buffer.data(), m_buffer.data() + m_begin, static_cast<std::size_t>(rest));
@@ -90,8 +93,8 @@ void KusArchiveFile::failNotArchive(const QString& reason) const
 
 void KusArchiveFile::failCorrupted(const QString& fault, qint64 offset) const
 {
-    throw HbeUserError(
-        tr("Corrupted archive file '%1' (%2, at byte %3).").arg(m_path, fault).arg(offset));
+    throw HbeUserError(tr("Corrupted archive file '%1' (%2, at byte %3).")
+                           .arg(m_path, fault, QString::number(offset)));
 }
 
 void KusArchiveFile::failCutOff() const

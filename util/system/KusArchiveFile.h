@@ -6,6 +6,7 @@
 #include <QtCore/QString>
 
 #include <atomic>
+#include <functional>
 #include <vector>
 
 /// The bytes of a compressed file, for a decoder: read in steps that grow, so that whoever wants
@@ -19,7 +20,8 @@ class KusArchiveFile
 
 public:
     /// Opens the file. A link is followed; nothing that would wait, as a pipe does, is opened.
-    explicit KusArchiveFile(const QString& path);
+    /// `check` is called before each reading and may throw.
+    explicit KusArchiveFile(const QString& path, std::function<void()> check = nullptr);
     ~KusArchiveFile();
     KusArchiveFile(const KusArchiveFile&) = delete;
     KusArchiveFile& operator=(const KusArchiveFile&) = delete;
@@ -47,6 +49,7 @@ private:
     void refill();
 
     QString m_path;
+    std::function<void()> m_check;
     int m_descriptor = -1;
     qint64 m_size = 0;
     std::vector<char> m_buffer;

@@ -45,7 +45,7 @@ QByteArray KusArchiveInformation::encode(const QVariantMap& information)
                 "system/KusArchiveInformation",
                 Texts::tr("'%1' is no key of an archive's information.").arg(entry.key()));
         data += key + SEPARATOR + encodeValue(entry.value()) + '\n';
-        if (data.size() > MAX_SIZE || information.size() > MAX_ENTRIES)
+        if (data.size() > MAX_SIZE || information.size() > MAX_LINES)
             HBE_PROGRAMMING_ERROR("system/KusArchiveInformation",
                                   Texts::tr("The information of an archive is too long."));
     }
@@ -58,7 +58,7 @@ QVariantMap KusArchiveInformation::decode(const QByteArray& data)
     for (int begin = 0; begin < data.size();) {
         const int found = data.indexOf('\n', begin);
         const int end = found < 0 ? data.size() : found;
-        const QByteArray line = data.mid(begin, end - begin);
+        const QByteArray line = QByteArray::fromRawData(data.constData() + begin, end - begin);
         begin = end + 1;
         const int separator = line.indexOf(SEPARATOR);
         if (separator > 0)

@@ -29,8 +29,6 @@ namespace
 {
 using Kind = KusArchiveWalk::Kind;
 
-constexpr int LONGEST_NAME = 1 << 19; // a reader may refuse extended headers of twice the size
-
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(KusArchivePacker)
 };
@@ -230,8 +228,6 @@ QString KusArchivePacker::findNameFault(const QByteArray& name) const
     const char* const local = name.constData() + (isTop ? 0 : m_sourceName.size() + 1);
     if (std::strcmp(local, KusTarReader::INFORMATION_NAME) == 0)
         return tr("The archive's own information has this name.");
-    if (name.size() > LONGEST_NAME)
-        return tr("Its name has more than %1 bytes.").arg(LONGEST_NAME);
     return KusMemberPath::findFault(name);
 }
 

@@ -15,6 +15,7 @@ struct KusArchiveReader::Private {
     Decompressor decompressor = Decompressor::ZSTD;
     std::unique_ptr<KusArchiveDecoder> decoder;
     std::unique_ptr<KusArchiveAhead> ahead; // uses the decoder
+    std::function<void()> check;
     bool isStarted = false;
 
     KusArchiveDecoder& open(const QString& path);
@@ -34,7 +35,7 @@ KusArchiveDecoder& KusArchiveReader::Private::open(const QString& path)
 {
     if (decoder)
         return *decoder;
-    auto file = std::make_unique<KusArchiveFile>(path);
+    auto file = std::make_unique<KusArchiveFile>(path, check);
     const QString suffix = QFileInfo(path).completeSuffix();
     bool isGzip = suffix == KusArchive::getGzipExtension();
     if (!isGzip && suffix != KusArchive::getZstdExtension()) {
@@ -61,6 +62,11 @@ void KusArchiveReader::Private::start()
     } catch (const std::system_error&) {
         mode = Mode::DIRECT; // without a thread it only takes longer
     }
+}
+
+void KusArchiveReader::setCheck(std::function<void()> check)
+{
+    m->check = std::move(check);
 }
 
 KusArchiveReader::Decompressor KusArchiveReader::getDecompressor()

@@ -162,14 +162,14 @@ void KusArchiveStaging::applyDirectories(const std::function<void()>& checkCance
         }
     };
     KusArchiveDescent::traverse(
-        [&](const std::string& path, std::vector<std::string>& names) {
+        [&](const std::string& path, std::string& names) {
             checkCancelled();
             const int directory = descent.open(path);
             require(directory >= 0, path);
             const bool listed =
-                KusArchiveDescent::list(directory, [&](auto name, bool isDirectory) {
+                KusArchiveDescent::list(directory, [&](const char* name, bool isDirectory) {
                     if (isDirectory)
-                        names.push_back(name);
+                        names.append(name).push_back('\0');
                 });
             require(listed, path);
         },
@@ -207,14 +207,14 @@ bool KusArchiveStaging::remove()
     KusArchiveDescent descent(m_directory, KusArchiveDescent::Use::READ);
     // What cannot be removed shows at the end, when its directory cannot.
     KusArchiveDescent::traverse(
-        [&](const std::string& path, std::vector<std::string>& names) {
+        [&](const std::string& path, std::string& names) {
             const int directory = descent.open(path);
             KusArchiveDescent::list(directory, [&](const char* name, bool isDirectory) {
                 if (!isDirectory) {
                     ::unlinkat(directory, name, 0);
                 } else if (::unlinkat(directory, name, AT_REMOVEDIR) != 0) {
                     ::fchmodat(directory, name, S_IRWXU, 0);
-                    names.push_back(name);
+                    names.append(name).push_back('\0');
                 }
             });
         },

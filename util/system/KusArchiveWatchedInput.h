@@ -15,6 +15,7 @@ public:
         : m_archive(archive)
         , m_progress(progress)
     {
+        m_archive.setCheck([&progress] { progress.check(); });
     }
 
 protected:

@@ -8,7 +8,8 @@
 namespace
 {
 constexpr std::ptrdiff_t LONGEST_ELEMENT = 255; // bytes, on every usual file system
-constexpr int LONGEST_SHOWN = 5000;             // bytes; longer than any path of a file may be
+constexpr int LONGEST_NAME = 4000;              // bytes; longer ones no program could open
+constexpr int LONGEST_SHOWN = 5000;
 
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(KusMemberPath)
@@ -124,6 +125,8 @@ QString KusMemberPath::findFault(const QByteArray& name)
     });
     if (isLong)
         return Texts::tr("Its name has an element of more than %1 bytes.").arg(LONGEST_ELEMENT);
+    if (name.size() > LONGEST_NAME)
+        return Texts::tr("Its name has more than %1 bytes.").arg(LONGEST_NAME);
     return QString();
 }
 

@@ -89,6 +89,7 @@ struct KusTarReader::Private {
     bool isEnded = false;
     int zeroBlocks = 0; // one after the other, up to here
     int invalidCount = 0;
+    bool hasForeignRecord = false; // an invalid one that is not of NUL
     bool hasForeignEnd = false;
 
     // What the records before a member say of it.
@@ -191,6 +192,7 @@ bool KusTarReader::Private::takeRecord()
 bool KusTarReader::Private::takeStrictly()
 {
     if (!record.isValid()) {
+        hasForeignRecord = true;
         countInvalid();
         return false;
     }
@@ -208,7 +210,7 @@ bool KusTarReader::Private::takeOfOtherTools()
                           type == KusTarRecord::DIRECTORY_TYPE;
     const bool isOld =
         !KusTarField::read(record.headerData(), KusTarField::MAGIC).startsWith("ustar");
-    if (isOld && !(isMember && record.hasRightChecksum()))
+    if (isOld && !record.hasRightChecksum())
         refuseNoHeader();
     if (!isMember) {
         readExtensionOfOtherTools();
@@ -300,6 +302,9 @@ void KusTarReader::Private::beginMember()
 void KusTarReader::Private::finish()
 {
     isEnded = true;
+    const bool hasAny = memberCount > 0 || !name.isEmpty(); // the information has a name
+    if (!hasAny && hasForeignRecord)
+        refusal.refuseStream(tr("Decompressed, it holds no member of a tar archive."));
     if (readsOtherTools && extension.isPresent)
         refusal.refuseLoneExtension(extension.name, offset);
 }
@@ -380,9 +385,9 @@ QVariantMap KusTarReader::readInformation()
     QByteArray data(static_cast<int>(count), Qt::Uninitialized);
     m->readFully(data.data(), count, m->name);
     m->skipLeft = KusTarRecord::getPaddedSize(count) - count;
-    if (data.count('\n') > KusArchiveInformation::MAX_ENTRIES)
+    if (data.count('\n') > KusArchiveInformation::MAX_LINES)
         m->refusal.refuseData(
-            m->name, tr("It has more than %1 lines.").arg(KusArchiveInformation::MAX_ENTRIES));
+            m->name, tr("It has more than %1 lines.").arg(KusArchiveInformation::MAX_LINES));
     m->information = KusArchiveInformation::decode(data);
     bool isNumber = false;
     const qint64 size =

@@ -216,9 +216,11 @@ qint64 KusTarRecord::size() const
 
 QDateTime KusTarRecord::modifTime() const
 {
+    constexpr qint64 MOST = std::numeric_limits<qint64>::max() / 1000; // QDateTime counts in 1/1000
     qint64 seconds = 0;
-    return readNumber(m_header.data(), TIME, seconds) ? QDateTime::fromSecsSinceEpoch(seconds)
-                                                      : QDateTime();
+    const bool isTime =
+        readNumber(m_header.data(), TIME, seconds) && seconds <= MOST && seconds >= -MOST;
+    return isTime ? QDateTime::fromSecsSinceEpoch(seconds) : QDateTime();
 }
 
 qint64 KusTarRecord::modifSeconds() const

@@ -303,15 +303,33 @@ TEST_F(ArchiveStreamTest, damagedFiles)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const Reading reading = read("a.any", row.bytes);
+        const Reading reading = read("a%3.any", row.bytes); // a name is no place for arguments
         const QString fault =
             row.fault.contains("%1") ? row.fault.arg(row.bytes.size()) : row.fault;
-        const QString begin = "Corrupted archive file '" + at("a.any") + "' (" + fault;
+        const QString begin = "Corrupted archive file '" + at("a%3.any") + "' (" + fault;
         EXPECT_EQ(reading.error.left(begin.size()), fault.isEmpty() ? QString() : begin);
         if (row.goodBytes >= 0)
             EXPECT_EQ(reading.bytes.size(), row.goodBytes);
         else
             EXPECT_TRUE(content.startsWith(reading.bytes) && reading.bytes.size() < size);
+    }
+}
+
+TEST_F(ArchiveStreamTest, aCheckEndsWhatGivesNothing)
+{
+    QByteArray empty;
+    while (empty.size() < (4 << 20))
+        empty += QByteArray("\x50\x2a\x4d\x18\0\0\1\0", 8) + QByteArray(1 << 16, 'x');
+    writeBytes(at("empty.zst"), empty);
+    for (const Mode mode : {Mode::DIRECT, Mode::AHEAD}) {
+        KusArchiveReader archive(at("empty.zst"), mode);
+        int checks = 0;
+        archive.setCheck([&checks] {
+            if (++checks == 3)
+                throw HbeUserError("enough");
+        });
+        EXPECT_EQ(readAll(archive).error, "enough");
+        EXPECT_LT(archive.getReadSize(), 1 << 20);
     }
 }
 

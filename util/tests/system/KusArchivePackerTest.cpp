@@ -389,7 +389,7 @@ TEST_F(KusArchivePackerTest, AnyDepthTakesFewDescriptors)
 {
     QByteArray deep("s");
     for (int i = 0; i < 500; ++i)
-        deep += "/directory";
+        deep += "/deeper";
     make(deep + "/f", "1");
     make("s/e/f", "2");
     rlimit former = {};

@@ -11,13 +11,12 @@
 /// Stateless.
 namespace KusArchiveInformation
 {
-/// The most bytes that it may have.
+/// The most bytes and lines that it may have: an archive shall not fill the memory with them.
 inline constexpr qint64 MAX_SIZE = 4 << 20;
-/// The most entries; a map of many small ones would take far more memory than their lines.
-inline constexpr int MAX_ENTRIES = 1000;
+inline constexpr int MAX_LINES = 10000;
 
 /// A key that holds " = " or a line feed, is empty, or begins or ends with a blank is a programming
-/// error, and so are more than MAX_SIZE bytes or MAX_ENTRIES entries.
+/// error, and so are more than MAX_SIZE bytes or MAX_LINES entries.
 KELVANE_UTIL_EXPORT QByteArray encode(const QVariantMap& information);
 
 /// Byte arrays and texts come back; a line without " = " is passed over.

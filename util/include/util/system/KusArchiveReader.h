@@ -5,6 +5,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QString>
 
+#include <functional>
 #include <memory>
 
 /// The tar stream of an archive file, decompressed. The file is opened on first use and stays open
@@ -31,6 +32,11 @@ public:
     KusArchiveReader& operator=(const KusArchiveReader&) = delete;
 
     const QString& getPath() const { return m_path; }
+
+    /// Called for each piece of the file before it is read, in whatever thread that is; what it
+    /// throws ends the stream. So a cancel is seen in a file of which nothing comes, too. To be set
+    /// before the first use.
+    void setCheck(std::function<void()> check);
 
     /// Opens the file if that is still to be done.
     Decompressor getDecompressor();

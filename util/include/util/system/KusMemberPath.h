@@ -15,7 +15,7 @@ KELVANE_UTIL_EXPORT QList<QByteArray> split(const QByteArray& name);
 
 /// Why no file of this name may be written, a sentence to be shown; empty when it may. Refused are
 /// absolute names, those that begin with a drive ("C:") or a share, ".." in any place (also between
-/// backslashes), NUL, and elements of more than 255 bytes.
+/// backslashes), NUL, elements of more than 255 bytes, and more than 4,000 bytes.
 KELVANE_UTIL_EXPORT QString findFault(const QByteArray& name);
 
 /// The name as a text for messages, in which a hostile one can neither steer the terminal nor fill

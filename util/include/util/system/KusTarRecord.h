@@ -60,7 +60,8 @@ public:
     char typeFlag() const;
     /// Bytes of data; -1 when the field holds no number, a negative one, or one beyond 2^63 - 1.
     qint64 size() const;
-    /// When the file was last modified, in local time; invalid when the field holds no number.
+    /// When the file was last modified, in local time; invalid when the field holds no number, or
+    /// one that no calendar reaches.
     QDateTime modifTime() const;
     /// The same in seconds since 1970; 0 when the field holds no number.
     qint64 modifSeconds() const;
