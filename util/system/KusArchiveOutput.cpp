@@ -1,5 +1,6 @@
 #include "KusArchiveOutput.h"
 
+#include "KusArchiveHoles.h"
 #include "KusArchiveProgress.h"
 
 #include <util/system/ArchiveZstdWriter.h>
@@ -57,21 +58,29 @@ int KusArchiveOutput::addData(int descriptor, qint64 size)
 #endif
     if (BUFFER_SIZE - m_used < std::min(size, SMALL_SIZE))
         flush();
-    for (qint64 remaining = size; remaining > 0;) {
+    KusArchiveHoles holes(descriptor);
+    for (qint64 position = 0; position < size;) {
         m_progress.check();
         if (m_used == BUFFER_SIZE)
             flush();
-        const qint64 most = std::min(remaining, BUFFER_SIZE - m_used);
+        char* const place = m_buffer.get() + m_used;
+        const qint64 most = std::min(size - position, BUFFER_SIZE - m_used);
+        const qint64 hole = size > BUFFER_SIZE ? std::min(holes.getSize(position), most) : 0;
+        if (hole > 0)
+            std::memset(place, 0, static_cast<std::size_t>(hole));
         const ssize_t got =
-            ::read(descriptor, m_buffer.get() + m_used, static_cast<std::size_t>(most));
+            hole > 0 ? hole : ::pread(descriptor, place, static_cast<std::size_t>(most), position);
         if (got < 0 && errno == EINTR)
             continue;
         if (got <= 0)
             return got < 0 ? errno : -1;
         m_used += got;
-        remaining -= got;
+        position += got;
         m_progress.advance(got);
     }
+    // Of a file that is cut meanwhile, a hole tells nothing.
+    if (holes.wereFound() && ::lseek(descriptor, 0, SEEK_END) < size)
+        return -1;
     pad(size);
     return 0;
 }

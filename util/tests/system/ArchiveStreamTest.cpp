@@ -252,7 +252,7 @@ TEST_F(ArchiveStreamTest, whatIsNoFileIsRefused)
     EXPECT_EQ(errorOf<HbeDiskError>(opening(at("missing"))),
               "Cannot open for reading '" + at("missing") + "'\nNo such file or directory");
     EXPECT_EQ(errorOf<HbeDiskError>(opening(m_dir.path())),
-              "Cannot open for reading '" + m_dir.path() + "'\nIs a directory");
+              "Cannot open for reading '" + m_dir.path() + "'\n" + qt_error_string(EISDIR));
     ASSERT_EQ(::mkfifo(at("pipe").toLocal8Bit().constData(), 0600), 0);
     EXPECT_EQ(errorOf<HbeUserError>(opening(at("pipe"))),
               "'" + at("pipe") + "' is not a valid archive file.\nIt is no regular file.");

@@ -120,7 +120,10 @@ protected:
         for (const int mode : {0400, 0444, 0600, 0640, 0751, 0777})
             make("tree/modes/" + QByteArray::number(mode, 8), "m", mode_t(mode));
         make("tree/modes/tight/", "", 0700);
-        make("tree/empty/", "", 0755);
+        QFile holes(path("tree/holes")); // in front, between and behind
+        ASSERT_TRUE(holes.open(QIODevice::WriteOnly) && holes.seek(1 << 20) &&
+                    holes.write("data") == 4 && holes.seek(2 << 20) && holes.write("more") == 4 &&
+                    holes.resize(3 << 20));
         const QByteArray long250(250, 'l');
         for (const QByteArray& name :
              {QByteArray("x"), QByteArray(100, 'n'), QByteArray(255, 'n'),
@@ -275,9 +278,10 @@ TEST_F(KusArchivePackerTest, RefusesWhatAnArchiveCannotHold)
     EXPECT_EQ(readBytes(path("info/qm_archive_info")), "mine");
     pack("inner.tar.zst", "inner");
 
-    EXPECT_EQ(errorOfPacking<HbeDiskError>("dir.tar.zst", "missing"),
-              QStringLiteral("Cannot remove existing '%1'\nbefore archiving '%2'.\nIs a directory")
-                  .arg(path("dir.tar.zst"), path("missing")));
+    EXPECT_EQ(
+        errorOfPacking<HbeDiskError>("dir.tar.zst", "missing"),
+        QString("Cannot remove existing '%1'\nbefore archiving '%2'.\n" + qt_error_string(EISDIR))
+            .arg(path("dir.tar.zst"), path("missing")));
 }
 
 TEST_F(KusArchivePackerTest, SaysWhatItMayNotReadOrReplace)
@@ -333,7 +337,7 @@ TEST_F(KusArchivePackerTest, AFailureLeavesTheOlderArchive)
     const rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &none), 0);
     EXPECT_EQ(error,
-              QStringLiteral("Cannot write into '%1'.\nFile too large").arg(path("out/a.tar.zst")));
+              "Cannot write into '" + path("out/a.tar.zst") + "'.\n" + qt_error_string(EFBIG));
 
     // The large file is long enough for something to happen while it is read.
     const struct {
@@ -351,7 +355,7 @@ TEST_F(KusArchivePackerTest, AFailureLeavesTheOlderArchive)
     };
     for (const auto& row : rows) {
         writeBytes(path("s/large"));
-        ASSERT_TRUE(QFile::resize(path("s/large"), 500 << 20));
+        ASSERT_TRUE(QFile::resize(path("s/large"), qint64(2) << 30));
         KusArchive task(path("out/a.tar.zst"));
         task.setArchiveOperation(path("s"), {});
         task.start();
