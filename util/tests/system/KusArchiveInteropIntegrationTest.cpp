@@ -2,54 +2,17 @@
 #include <util/system/KusArchive.h>
 
 #include "FileBytes.h"
+#include "FileTree.h"
 #include "PythonRun.h"
+#include "ShellRun.h"
 
 #include <QtCore/QRegularExpression>
-#include <QtCore/QTemporaryDir>
-
-#include <filesystem>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 namespace
 {
 namespace fs = std::filesystem;
-
-/// Every entry below a directory with its kind, mode, time in seconds, size and content. Without
-/// the times of directories where nobody says them.
-QStringList describe(const fs::path& root, bool directoryTimes = true)
-{
-    QStringList lines;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
-        struct stat facts {
-        };
-        EXPECT_EQ(lstat(entry.path().c_str(), &facts), 0) << entry.path();
-        const bool isFile = S_ISREG(facts.st_mode);
-        const QByteArray bytes =
-            isFile ? readBytes(QString::fromStdString(entry.path().string())) : QByteArray();
-        lines.append(QString("%1 %2 @%3 %4 %5")
-                         .arg(QString::fromStdString(fs::relative(entry.path(), root).string()))
-                         .arg(facts.st_mode, 0, 8)
-                         .arg(isFile || directoryTimes ? facts.st_mtime : 0)
-                         .arg(bytes.size())
-                         .arg(qHash(bytes)));
-    }
-    lines.sort();
-    return lines;
-}
-
-/// Runs a command line of the shell; what it prints.
-QByteArray runShell(const QString& line, bool mayFail = false)
-{
-    QProcess shell;
-    shell.setProcessChannelMode(QProcess::MergedChannels);
-    shell.start("/bin/sh", {"-c", line});
-    EXPECT_TRUE(shell.waitForFinished(60000));
-    const QByteArray printed = shell.readAll();
-    EXPECT_TRUE(mayFail || shell.exitCode() == 0) << line.toStdString() << printed.constData();
-    return printed;
-}
 
 #define REQUIRE_TOOLS()                                                                            \
     for (const char* tool : {"tar", "bsdtar", "zstd"}) {                                           \
@@ -165,7 +128,7 @@ TEST_F(KusArchiveInteropIntegrationTest, UnpacksWhatOtherToolsPack)
     for (const Names names : {Names::SHORT, Names::SPLIT, Names::LONG}) {
         makeTree(names);
         setDirectoryTimes();
-        const QStringList packed = describe(at("tree").toStdString());
+        const QByteArrayList packed = listTree(at("tree"));
         for (const auto& writer : writers) {
             if (writer.names != names)
                 continue;
@@ -179,7 +142,7 @@ TEST_F(KusArchiveInteropIntegrationTest, UnpacksWhatOtherToolsPack)
                     runShell(QString("%1 %2 -C %3 -cf %4 tree")
                                  .arg(writer.command, compression, m_dir.path(), path));
                 EXPECT_EQ(unpack(path, "out", writer.readOtherTools), "done");
-                EXPECT_EQ(describe(at("out/tree").toStdString()), packed);
+                EXPECT_EQ(listTree(at("out/tree")), packed);
                 fs::remove_all(at("out").toStdString());
             }
         }
@@ -256,10 +219,10 @@ TEST_F(KusArchiveInteropIntegrationTest, RealArchivesUnpackAsTheirToolsUnpackThe
         const QString fate = unpack(path, "ours", true).replace(manyLetters, "abcdefghij..");
         EXPECT_EQ(fate, row.fate);
         ASSERT_TRUE(QDir(m_dir.path()).mkpath("theirs"));
-        runShell(QString("%1 -C %2 --no-same-owner -xf %3").arg(row.judge, at("theirs"), path),
+        runShell(QString("%1 -C %2 --no-same-owner -xf %3").arg(row.judge, at("theirs"), path), {},
                  true);
-        EXPECT_EQ(describe(at("ours").toStdString(), false),
-                  fate == "done" ? describe(at("theirs").toStdString(), false) : QStringList());
+        EXPECT_EQ(listTree(at("ours"), false),
+                  fate == "done" ? listTree(at("theirs"), false) : QByteArrayList());
         fs::remove_all(at("ours").toStdString());
         fs::remove_all(at("theirs").toStdString());
     }
