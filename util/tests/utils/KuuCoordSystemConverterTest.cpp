@@ -1,7 +1,6 @@
 #include <util/utils/KuuCoordSystemConverter.h>
 
 #include <basic/base/HbbGlobal.h>
-#include <basic/calc/HbcAProgress.h>
 #include <basic/data/HbdVariableReal.h>
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
@@ -9,9 +8,9 @@
 #include <basic/unit/HbuUnitService.h>
 
 #include "ErrorText.h"
+#include "Job.h"
 
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <proj.h>
 #include <thread>
@@ -80,21 +79,6 @@ private:
 
     PJ_CONTEXT* m_context = proj_context_create();
     PJ* m_pj = nullptr;
-};
-
-class Job : public HbcAProgress
-{
-public:
-    explicit Job(std::function<void(Job&)> work)
-        : m_work(std::move(work))
-    {
-    }
-
-protected:
-    void _run() override { m_work(*this); }
-
-private:
-    std::function<void(Job&)> m_work;
 };
 } // namespace
 
