@@ -221,6 +221,8 @@ TEST(KudADataset, KeepsItsStateWhenAMementoIsDamaged)
         {"a mask of more samples",
          [](auto& t, auto&) { t["mask"] = KuuMementoBytes::pack("12", 2); },
          "Cannot read the mask: Its values take 2 bytes instead of 1."},
+        {"an empty mask", [](auto& t, auto&) { t["mask"] = ""; },
+         "Cannot read the mask: Its values take 0 bytes instead of 1."},
         {"a cut mask", [](auto& t, auto&) { t["mask"] = t["mask"].toByteArray().left(12); },
          "Cannot read the mask: Its compressed values are damaged."},
     };
@@ -416,6 +418,14 @@ TEST(KudGenericDatasetFactory, NamesTheTypeItCannotMake)
         errorOf<HbeProgrammingError>([&] { KudGenericDatasetFactory().create(memento, true); });
     EXPECT_TRUE(error.endsWith("Unable to create a dataset of type Nonsense"));
     EXPECT_TRUE(error.contains("'dataset/KudGenericDatasetFactory'"));
+}
+
+TEST(KudEDatasetType, KnowsItsItems)
+{
+    EXPECT_EQ(KudEDatasetType::fromKey("GRID").getValue(), 4);
+    EXPECT_EQ(KudEDatasetType::GRID.getLabel(), "Project grid");
+    EXPECT_EQ(KudEDatasetType::count(), 12);
+    EXPECT_EQ(KudEDatasetType(), KudEDatasetType::NONE);
 }
 
 /// The documented form, read by a program that knows nothing of ours: the one in the documentation.

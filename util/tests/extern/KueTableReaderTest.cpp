@@ -214,6 +214,8 @@ TEST_F(KueTableReaderTest, LayoutsAreRecognised)
         const KueTableResult result = read(each.bytes);
         EXPECT_EQ(getNames(result).join('|'), each.names);
         EXPECT_EQ(getRows(result), each.rows);
+        EXPECT_EQ(result.form == KueTableResult::Form::GEO_EAS,
+                  QString(each.name).startsWith("GeoEAS"));
     }
 }
 

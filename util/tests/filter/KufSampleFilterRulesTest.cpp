@@ -5,6 +5,18 @@
 
 namespace
 {
+/// Every item as "KEY value label", the default one marked.
+template <class Enum>
+QStringList rowsOf()
+{
+    QStringList rows;
+    for (const Enum& item : Enum::createIterator())
+        rows << QString("%1%2 %3 %4")
+                    .arg(item.getKey(), item == Enum() ? "*" : "", QString::number(item.getValue()),
+                         item.getLabel());
+    return rows;
+}
+
 HbdVariableDetails named(const QString& name)
 {
     return HbdVariableDetails(name);
@@ -13,6 +25,19 @@ HbdVariableDetails named(const QString& name)
 
 TEST(KufSampleFilterRules, enumerations)
 {
+    EXPECT_EQ(rowsOf<KufFilterRuleType>(),
+              QStringList({"SELECTION* 0 Selection", "NUMERIC 1 Numeric", "ALPHA 2 Alpha",
+                           "ENUM 3 Categorical"}));
+    EXPECT_EQ(rowsOf<Numeric::Mode>(),
+              QStringList({"IS_DEFINED* 0 V is Defined", "COMPARE 1 V compares to",
+                           "RANGE 2 V is in range"}));
+    EXPECT_EQ(rowsOf<Operator>(),
+              QStringList({"LESS_THAN 0 <", "LESS_OR_EQUAL_TO 1 \u2264", "GREATER_THAN 2 >",
+                           "GREATER_OR_EQUAL_TO 3 \u2265", "EQUAL* 4 =", "NOT_EQUAL 5 \u2260"}));
+    EXPECT_EQ(rowsOf<Bound>(),
+              QStringList({"ITV_LESS_THAN 0 <", "ITV_LESS_OR_EQUAL_TO* 1 \u2264"}));
+    EXPECT_EQ(rowsOf<Alpha::Mode>(), QStringList({"CONTAINS* 0 V Contains", "EQUAL_TO 1 V is Equal",
+                                                  "NOT_EQUAL_TO 2 V is not Equal"}));
     for (const KufFilterRuleType& type : KufFilterRuleType::createIterator())
         EXPECT_EQ(Kuf::createFromType(type)->getType(), type);
 
