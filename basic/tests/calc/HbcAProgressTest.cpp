@@ -3,31 +3,16 @@
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
 
+#include "Job.h"
+
 #include <QtCore/QElapsedTimer>
 
-#include <functional>
 #include <new>
 #include <thread>
 
 namespace
 {
 using Outcome = HbcAProgress::Outcome;
-
-class Job : public HbcAProgress
-{
-public:
-    explicit Job(std::function<void(Job&)> work)
-        : m_work(std::move(work))
-    {
-    }
-    ~Job() override { cancelAndWait(); }
-
-protected:
-    void _run() override { m_work(*this); }
-
-private:
-    std::function<void(Job&)> m_work;
-};
 
 // Works until a cancel ends it.
 void endless(Job& job)

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <map>
-#include <random>
 #include <set>
 
 namespace

@@ -169,6 +169,10 @@ TEST_F(KueTableReaderTest, LayoutsAreRecognised)
         {"tab", "a\tb\n1\t\n\t2\n", "a|b", {"1|NULL", "NULL|2"}},
         {"blanks", "  a   b\n 1  2\n3\t4 \n", "a|b", {"1|2", "3|4"}},
         {"decimal comma", "a;b\n1,5;x\n-0,25;y\n", "a|b", {"1.50|x", "-0.25|y"}},
+        {"decimal comma with exponents",
+         "a;b\n1,5e-07;x\nNA;y\n-2,5e+10;z\n",
+         "a|b",
+         {"1.5e-07|x", "NULL|y", "-2.5e+10|z"}},
         {"decimal comma in quotes", "a,b\n\"1,5\",2\n\"0,25\",3\n", "a|b", {"1.50|2", "0.25|3"}},
         {"groups in quotes", "a,b\n\"1,234\",2\n\"5,678\",3\n", "a|b", {"1,234|2", "5,678|3"}},
         {"one column", "a\n1\n2\n", "a", {"1", "2"}},
@@ -210,6 +214,8 @@ TEST_F(KueTableReaderTest, LayoutsAreRecognised)
         const KueTableResult result = read(each.bytes);
         EXPECT_EQ(getNames(result).join('|'), each.names);
         EXPECT_EQ(getRows(result), each.rows);
+        EXPECT_EQ(result.form == KueTableResult::Form::GEO_EAS,
+                  QString(each.name).startsWith("GeoEAS"));
     }
 }
 

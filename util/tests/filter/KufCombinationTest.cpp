@@ -31,6 +31,7 @@ QString repeated(const QString& text, int count)
 
 TEST(KufCombination, theDefaultIsAllRules)
 {
+    EXPECT_EQ(treeOf(filterOf(0, "")), "");
     EXPECT_EQ(KufSampleFilterDefaultCombination(nullptr)._checkCombination(), "");
     for (const auto& [count, text] :
          {std::pair{0, ""}, std::pair{1, "R1"}, std::pair{3, "R1 and R2 and R3"}}) {

@@ -53,18 +53,6 @@ TEST(KufSampleFilterPythonVisitor, eachRuleHasItsTemplate)
     }
 }
 
-TEST(KufSampleFilterPythonVisitor, combinationsNest)
-{
-    KufSampleFilter filter;
-    EXPECT_EQ(Python(filter).visitor.getPythonString(), "");
-    for (int i = 1; i <= 10; ++i)
-        filter.addRule(KudDatasetVariable::createRealization("Points", "v", QString::number(i)),
-                       Selection());
-    filter.setCombination("not(R1 or R10) and R2");
-    EXPECT_EQ(Python(filter, "").visitor.getPythonString(),
-              "(~ ((data['v[1]'] == 1) | (data['v[10]'] == 1))) & (data['v[2]'] == 1)");
-}
-
 TEST(KufSampleFilterPythonVisitor, textsThatBreakOutAreNamedAndEscaped)
 {
     KufSampleFilter filter;

@@ -77,12 +77,8 @@ TEST(KufSampleFilter, aDamagedFilterIsRefusedAndChangesNothing)
         {changed("variable", QVariant()), "R1: the value of 'variable' is missing or not valid."},
         {changed("rule", 1), "R1: the value of 'rule' is missing or not valid."},
         {changed("version", QVariant()), "R1: the value of 'version' is missing or not valid."},
-        {changed("version", 0), "R1: rules of the version 0 cannot be read."},
-        {changed("version", 3), "R1: rules of the version 3 cannot be read."},
         {changed("mode", "ALL", true),
          "R1: the value of 'mode' is missing or not valid, in the rule on the variable 'Pb[1].x'."},
-        {changed("compareValue", "1,5", true), "R1: the value of 'compareValue' is missing or not "
-                                               "valid, in the rule on the variable 'Pb[1].x'."},
     };
     KufSampleFilter filter = sampleFilter("f");
     const KufSampleFilter before = filter;

@@ -1,23 +1,16 @@
 #include <util/system/ArchiveZstdWriter.h>
 #include <util/system/KusArchive.h>
 #include <util/system/KusArchiveInformation.h>
-#include <util/system/KusTarFile.h>
 #include <util/system/KusTarReader.h>
 
 #include "FileBytes.h"
-
-#include <QtCore/QTemporaryDir>
+#include "TarBuilder.h"
 
 namespace
 {
-QByteArray member(const QByteArray& name, const QByteArray& data, bool isDirectory = false)
+QByteArray member(const QByteArray& name, const QByteArray& data)
 {
-    KusTarFile file;
-    file.name = name;
-    file.size = data.size();
-    file.isDirectory = isDirectory;
-    const int padding = int(KusTarRecord::getPaddedSize(data.size())) - data.size();
-    return KusTarRecord(file, QByteArray()).header() + data + QByteArray(padding, '\0');
+    return TarBuilder().file(name, data).bytes();
 }
 
 struct Archive {
@@ -32,14 +25,15 @@ TEST(KusArchiveVerifierTest, NotesWhatIsWrong)
     const QTemporaryDir folder;
     const QString path = folder.filePath("a.tar.zst");
     const QByteArray end(1024, '\0');
+    const QByteArray directory = TarBuilder().directory("d").bytes();
     const QByteArray a = member("a", "abc");
     const QByteArray announcing = member(KusTarReader::INFORMATION_NAME,
                                          KusArchiveInformation::encode({{"uncompressed-size", 3}}));
     QByteArray wrong = a;
     wrong.replace(148, 6, "000000");
     const std::vector<Archive> rows{
-        {"nothing", announcing + member("d", "", true) + member("d/a", "abc") + end, {}},
-        {"a directory twice", member("d", "", true) + member("./d", "", true) + end, {}},
+        {"nothing", announcing + directory + member("d/a", "abc") + end, {}},
+        {"a directory twice", directory + TarBuilder().directory("./d").bytes() + end, {}},
         {"checksums", wrong + end, {"'a' at byte 0: The checksum of its header is wrong."}},
         {"a name",
          a + member("../b", "") + end,

@@ -3,10 +3,9 @@
 #include <util/system/KusFileUtils.h>
 
 #include "FileBytes.h"
+#include "FileTree.h"
 
 #include <QtCore/QDateTime>
-
-#include <filesystem>
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -16,31 +15,10 @@ namespace
 {
 using Outcome = HbcAProgress::Outcome;
 
-/// Every entry with its kind, permissions, time, content or link text.
-QStringList describe(const QString& directory)
+/// Times of files only, in milliseconds.
+QByteArrayList describe(const QString& directory)
 {
-    namespace fs = std::filesystem;
-    const fs::path root(directory.toStdString());
-    QStringList lines;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
-        const QString path = QString::fromStdString(entry.path().string());
-        QString line =
-            QString::fromStdString(fs::relative(entry.path().parent_path(), root).string()) + '/' +
-            QString::fromStdString(entry.path().filename().string());
-        if (entry.is_symlink()) {
-            line += " -> " + QString::fromStdString(fs::read_symlink(entry.path()).string());
-        } else {
-            line += QString(" %1").arg(QFile::permissions(path), 0, 16);
-            QFile file(path);
-            if (entry.is_regular_file() && file.open(QIODevice::ReadOnly)) {
-                line += QFileInfo(path).lastModified().toString(" yyyy-MM-dd hh:mm:ss.zzz ") +
-                        QString::number(qHash(file.readAll()));
-            }
-        }
-        lines.append(line);
-    }
-    lines.sort();
-    return lines;
+    return listTree<std::chrono::milliseconds>(directory, false);
 }
 
 class KusDirUtilsTest : public testing::Test
@@ -109,7 +87,7 @@ TEST_F(KusDirUtilsTest, RefusesWhatItCannotCopyAndChangesNothing)
         {at("source"), at("source"), intoItself.arg(at("source"), at("source"))},
         {at("source"), at("held"), QString("Cannot create '%1'").arg(at("held/source"))},
     };
-    const QStringList before = describe(m_dir.path());
+    const QByteArrayList before = describe(m_dir.path());
     for (const auto& row : rows) {
         KusDirUtils task(row.source);
         task.setOperation(KusDirUtils::Operation::COPY, row.target);
@@ -124,7 +102,7 @@ TEST_F(KusDirUtilsTest, RefusesWhatItCannotCopyAndChangesNothing)
 TEST_F(KusDirUtilsTest, ACancelRemovesThePartialCopyAndNothingElse)
 {
     writeBytes(at("target/other.txt"), "other");
-    const QStringList before = describe(m_dir.path());
+    const QByteArrayList before = describe(m_dir.path());
     KusDirUtils task(at("source"));
     task.setOperation(KusDirUtils::Operation::COPY, at("target"));
     QStringList messages;

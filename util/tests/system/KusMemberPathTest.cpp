@@ -1,7 +1,5 @@
 #include <util/system/KusMemberPath.h>
 
-#include <gtest/gtest.h>
-
 namespace
 {
 struct Fault {

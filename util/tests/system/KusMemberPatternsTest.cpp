@@ -4,8 +4,6 @@
 
 #include <basic/error/HbeUserError.h>
 
-#include <gtest/gtest.h>
-
 namespace
 {
 struct Case {

@@ -3,14 +3,11 @@
 #include "CapturedLog.h"
 #include "ErrorText.h"
 #include "FileBytes.h"
-#include "PythonRun.h"
 
 #include <util/system/KusTarFile.h>
 
 #include <basic/error/HbeDiskError.h>
 #include <basic/error/HbeProgrammingError.h>
-
-#include <QtCore/QTemporaryDir>
 
 #include <unistd.h>
 
@@ -85,6 +82,7 @@ TEST(KusTarRecordTest, WritesEachFieldByteForByte)
          "13727410000" + nul(1)},
         {"short time", with<qint64>(&KusTarFile::modifSeconds, 8), "", 136, "10" + nul(10)},
         {"time before 1970", with<qint64>(&KusTarFile::modifSeconds, -1), "", 136, "0" + nul(11)},
+        {"end of the checksum", plainFile("a"), "", 154, nul(1) + ' '},
         {"type, link, magic", plainFile("a"), "", 156, "0" + nul(100) + "ustar" + nul(1) + "00"},
         {"type of a directory", directory("a"), "", 156, "5"},
         {"names of owners", with<QByteArray>(&KusTarFile::ownerName, "ann"), "", 265,
@@ -99,30 +97,16 @@ TEST(KusTarRecordTest, WritesEachFieldByteForByte)
     }
 }
 
-TEST(KusTarRecordTest, WritesChecksumsThatPythonAccepts)
-{
-    REQUIRE_PYTHON();
-    const KusTarRecord record(plainFile("\xc3\xa9t\xc3\xa9"), "d");
-    EXPECT_EQ(field(record, 154, 2), nul(1) + ' ');
-    const QByteArray name = runPython("import sys, tarfile\nprint(tarfile.TarInfo.frombuf("
-                                      "sys.stdin.buffer.read(), 'utf-8', 'strict').name)",
-                                      {}, record.header());
-    EXPECT_EQ(name, "d/\xc3\xa9t\xc3\xa9\n");
-}
-
 TEST(KusTarRecordTest, TakesTheFactsOfAFileOnDisk)
 {
     const QTemporaryDir folder;
     const QString path = writeBytes(folder.filePath("sparse"));
-    for (const qint64 size : {GIB_8 - 1, GIB_8}) {
-        ASSERT_TRUE(QFile::resize(path, size));
-        const KusTarRecord record(path, "d");
-        EXPECT_EQ(record.nameBytes(), "d/sparse");
-        EXPECT_EQ(record.size(), size);
-        EXPECT_EQ(record.header().at(124), size == GIB_8 ? '\x80' : '7');
-        EXPECT_EQ(record.modifTime().toSecsSinceEpoch(),
-                  QFileInfo(path).lastModified().toSecsSinceEpoch());
-    }
+    ASSERT_TRUE(QFile::resize(path, GIB_8));
+    const KusTarRecord record(path, "d");
+    EXPECT_EQ(record.nameBytes(), "d/sparse");
+    EXPECT_EQ(record.size(), GIB_8);
+    EXPECT_EQ(record.modifTime().toSecsSinceEpoch(),
+              QFileInfo(path).lastModified().toSecsSinceEpoch());
     EXPECT_EQ(KusTarRecord(folder.path(), "", "other").nameBytes(), "other/");
     EXPECT_FALSE(KusTarRecord(folder.filePath("missing"), "d").isValid());
 }

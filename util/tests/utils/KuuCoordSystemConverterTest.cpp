@@ -1,7 +1,6 @@
 #include <util/utils/KuuCoordSystemConverter.h>
 
 #include <basic/base/HbbGlobal.h>
-#include <basic/calc/HbcAProgress.h>
 #include <basic/data/HbdVariableReal.h>
 #include <basic/error/HbeProgrammingError.h>
 #include <basic/error/HbeUserError.h>
@@ -9,9 +8,9 @@
 #include <basic/unit/HbuUnitService.h>
 
 #include "ErrorText.h"
+#include "Job.h"
 
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <proj.h>
 #include <thread>
@@ -54,10 +53,10 @@ std::vector<double> randomValues(double low, double high, std::size_t count, uns
 class Judge
 {
 public:
-    Judge(const char* from, const char* to)
+    Judge(const QByteArray& from, const QByteArray& to)
     {
         proj_log_level(m_context, PJ_LOG_NONE);
-        PJ* plain = proj_create_crs_to_crs(m_context, from, to, nullptr);
+        PJ* plain = proj_create_crs_to_crs(m_context, textOf(from), textOf(to), nullptr);
         m_pj = proj_normalize_for_visualization(m_context, plain);
         proj_destroy(plain);
     }
@@ -73,23 +72,13 @@ public:
     }
 
 private:
-    PJ_CONTEXT* m_context = proj_context_create();
-    PJ* m_pj = nullptr;
-};
-
-class Job : public HbcAProgress
-{
-public:
-    explicit Job(std::function<void(Job&)> work)
-        : m_work(std::move(work))
+    static QByteArray textOf(const QByteArray& system)
     {
+        return system.startsWith("PROJ4:") ? system.mid(6) + " +type=crs" : system;
     }
 
-protected:
-    void _run() override { m_work(*this); }
-
-private:
-    std::function<void(Job&)> m_work;
+    PJ_CONTEXT* m_context = proj_context_create();
+    PJ* m_pj = nullptr;
 };
 } // namespace
 
@@ -113,6 +102,23 @@ TEST(KuuCoordSystemConverter, choosesOperationsAsProjDoes)
         {"EPSG:4269", "EPSG:4326", 160, 10, 180, 80}, // across the antimeridian
         {"EPSG:2263", "EPSG:4326", 900000, 100000, 1100000, 300000},
         {"EPSG:4326", "EPSG:32661", -180, 50, 180, 90},
+        {"EPSG:4123", "EPSG:2393", 18, 58, 32, 71}, // its first axis runs to the north
+        {"IGNF:LAMBE", "IGNF:LAMB93", 0, 1700000, 1200000, 2700000},
+        {"EPSG:4326",
+         "PROJ4:+proj=somerc +lat_0=46.9524 +lon_0=7.4396 +k_0=1 +x_0=2600000 +y_0=1200000 "
+         "+ellps=bessel +towgs84=674.374,15.056,405.346",
+         5, 45, 11, 48},
+        {"PROJ4:+proj=utm +zone=11 +ellps=clrk66 +towgs84=0,0,0",
+         "PROJ4:+proj=utm +zone=11 "
+         "+datum=WGS84 +units=us-ft",
+         300000, 3e6, 700000, 6e6},
+        {"PROJ4:+proj=longlat +datum=GGRS87", "EPSG:4326", 19, 34, 30, 42},
+        {"PROJ4:+proj=longlat +R=6400000", "PROJ4:+proj=merc +R=6400000 +lon_0=10", -170, -80, 170,
+         80},
+        {"PROJ4:+proj=longlat +a=6400000 +rf=300",
+         "PROJ4:+proj=lcc +lat_1=40 +lat_2=50 +a=6400000 "
+         "+rf=300 +pm=paris",
+         -10, 30, 20, 60},
     };
     constexpr std::size_t COUNT = 5000;
     for (const auto& row : rows) {
