@@ -26,7 +26,7 @@ bool wantsJson(const QCommandLineParser& line)
 
 int list(const QCommandLineParser& line, const QString& path)
 {
-    KusArchiveReader archive(path);
+    KusArchiveReader archive(path, KusArchiveReader::Mode::AHEAD);
     archive.setCheck(&ToolInterrupt::check);
     KusTarReader tar(archive, path);
     tar.setReadOtherTools(true);

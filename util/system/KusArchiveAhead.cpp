@@ -6,10 +6,10 @@ namespace
 {
 // Multiples of a tar block, so that none of them stands across an end.
 constexpr qint64 TAR_BLOCK = 512;
-constexpr qint64 RING_SIZE = 6 << 20;
+constexpr qint64 RING_SIZE = 8 << 20;
 // What the two threads hand over at once: with smaller parts, waking each other is what they do
 // most.
-constexpr qint64 PART = 512 << 10;
+constexpr qint64 PART = 1 << 20;
 
 qint64 endOfPart(qint64 place)
 {

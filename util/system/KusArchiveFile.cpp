@@ -1,13 +1,16 @@
 #include "KusArchiveFile.h"
 
+#include "KusArchiveFeeder.h"
+
 #include <basic/error/HbeDiskError.h>
 #include <basic/error/HbeUserError.h>
 
 #include <QtCore/QFile>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -48,6 +51,7 @@ KusArchiveFile::KusArchiveFile(const QString& path, std::function<void()> check)
 
 KusArchiveFile::~KusArchiveFile()
 {
+    m_feeder.reset();
     ::close(m_descriptor);
 }
 
@@ -55,35 +59,75 @@ HbdSpan<const char> KusArchiveFile::peek(int least)
 {
     if (m_end - m_begin < least)
         refill();
-    return {m_buffer.data() + m_begin, m_end - m_begin};
+    return {m_data + m_begin, m_end - m_begin};
 }
 
 void KusArchiveFile::refill()
 {
     if (m_check)
         m_check();
+    if (m_cancelled)
+        return;
+    // Who reads that far reads on.
+    if (m_mayReadAhead && m_step == LAST_STEP) {
+        m_mayReadAhead = false;
+        try {
+            m_feeder = std::make_unique<KusArchiveFeeder>(m_descriptor);
+        } catch (const std::system_error&) {
+            // Without a thread it only takes longer.
+        }
+    }
+    if (m_feeder)
+        takeAhead();
+    else
+        read(m_step);
+    m_step = std::min(2 * m_step, LAST_STEP);
+}
+
+/// Reads so many bytes behind those that are left.
+void KusArchiveFile::read(int count)
+{
     const int rest = m_end - m_begin;
-    if (rest > 0)
-        std::memmove(m_buffer.data(), m_buffer.data() + m_begin, static_cast<std::size_t>(rest));
+    if (m_buffer.size() < static_cast<std::size_t>(rest + count))
+        m_buffer.resize(static_cast<std::size_t>(rest + count));
+    std::copy_n(m_buffer.data() + m_begin, rest, m_buffer.data());
+    m_data = m_buffer.data();
     m_begin = 0;
     m_end = rest;
-    const int wanted = rest + m_step;
-    if (m_buffer.size() < static_cast<std::size_t>(wanted))
-        m_buffer.resize(static_cast<std::size_t>(wanted));
-    m_step = std::min(2 * m_step, LAST_STEP);
-
-    while (m_end < wanted && !m_cancelled) {
-        const ssize_t count =
-            ::read(m_descriptor, m_buffer.data() + m_end, static_cast<std::size_t>(wanted - m_end));
-        if (count < 0 && errno == EINTR)
+    while (m_end < rest + count && !m_cancelled) {
+        const ssize_t got =
+            ::read(m_descriptor, m_data + m_end, static_cast<std::size_t>(rest + count - m_end));
+        if (got < 0 && errno == EINTR)
             continue;
-        if (count < 0)
-            throw HbeDiskError(tr("Cannot read '%1'\n%2").arg(m_path, qt_error_string(errno)));
-        if (count == 0)
+        if (got < 0)
+            failToRead(errno);
+        if (got == 0)
             break;
-        m_end += static_cast<int>(count);
-        m_readSize += count;
+        m_end += static_cast<int>(got);
+        m_readSize += got;
     }
+}
+
+/// Goes on to the next piece, with what is left of this one in front.
+void KusArchiveFile::takeAhead()
+{
+    std::array<char, KusArchiveFeeder::HEADROOM> left;
+    const int rest = m_end - m_begin;
+    std::copy_n(m_data + m_begin, rest, left.data());
+    int error = 0;
+    const HbdSpan<char> piece = m_feeder->take(error);
+    if (error != 0)
+        failToRead(error);
+    m_data = piece.data() - rest;
+    std::copy_n(left.data(), rest, m_data);
+    m_begin = 0;
+    m_end = rest + piece.size();
+    m_readSize += piece.size();
+}
+
+void KusArchiveFile::failToRead(int error) const
+{
+    throw HbeDiskError(tr("Cannot read '%1'\n%2").arg(m_path, qt_error_string(error)));
 }
 
 void KusArchiveFile::failNotArchive(const QString& reason) const

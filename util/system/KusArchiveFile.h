@@ -7,7 +7,10 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <vector>
+
+class KusArchiveFeeder;
 
 /// The bytes of a compressed file, for a decoder: read in steps that grow, so that whoever wants
 /// the head of an archive only does not read much more than that.
@@ -36,6 +39,8 @@ public:
     qint64 getReadSize() const { return m_readSize; }
     qint64 getSize() const { return m_size; }
 
+    /// From now on a thread reads ahead, once it is known to be worth it.
+    void allowReadAhead() { m_mayReadAhead = true; }
     /// From now on the file is at its end, for a thread that reads and shall stop.
     void cancel() { m_cancelled = true; }
 
@@ -47,15 +52,21 @@ public:
 
 private:
     void refill();
+    void read(int count);
+    void takeAhead();
+    [[noreturn]] void failToRead(int error) const;
 
     QString m_path;
     std::function<void()> m_check;
     int m_descriptor = -1;
     qint64 m_size = 0;
     std::vector<char> m_buffer;
+    char* m_data = nullptr; // of the buffer, or of a piece that was read ahead
     int m_begin = 0;
     int m_end = 0;
     int m_step;
     std::atomic<qint64> m_readSize{0};
     std::atomic<bool> m_cancelled{false};
+    bool m_mayReadAhead = false;
+    std::unique_ptr<KusArchiveFeeder> m_feeder; // uses the descriptor
 };

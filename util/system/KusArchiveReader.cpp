@@ -58,6 +58,7 @@ void KusArchiveReader::Private::start()
     if (mode == Mode::DIRECT)
         return;
     try {
+        decoder->getFile().allowReadAhead();
         ahead = std::make_unique<KusArchiveAhead>(*decoder);
     } catch (const std::system_error&) {
         mode = Mode::DIRECT; // without a thread it only takes longer
