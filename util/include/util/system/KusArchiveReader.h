@@ -22,8 +22,8 @@ class KELVANE_UTIL_EXPORT KusArchiveReader : public KusArchiveInput
 
 public:
     enum class Decompressor { ZSTD, GZIP };
-    /// AHEAD: a thread of its own decompresses while the caller works on what came before. Worth it
-    /// for whoever writes files from it.
+    /// AHEAD: threads of its own read and decompress while the caller works on what came before.
+    /// Worth it for whoever reads all of it.
     enum class Mode { DIRECT, AHEAD };
 
     explicit KusArchiveReader(const QString& archivePath, Mode mode = Mode::DIRECT);
