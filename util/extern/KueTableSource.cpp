@@ -11,6 +11,7 @@
 namespace
 {
 constexpr std::size_t FIRST_BLOCK = 1024 * 1024; // shows the layout
+constexpr char END_OF_TEXT = '\x1A';             // closes files of old systems
 
 /// The length of the UTF-8 character at `at`: 0 when the bytes are none, -1 when the text ends
 /// within it.
@@ -82,7 +83,7 @@ void KueTableSource::start(std::size_t blockSize)
         throw HbeUserError(tr("Cannot read the file '%1' : %2").arg(m_path, m_file.errorString()));
     m_end = m_validated = 0;
     m_bytesRead = 0;
-    m_isAtEnd = false;
+    m_isAtEnd = m_isEndHeld = false;
     detectMark();
     readBlock(blockSize, 1);
 }
@@ -140,6 +141,8 @@ void KueTableSource::readBlock(std::size_t blockSize, qint64 line)
     // A row longer than the window doubles it.
     const std::size_t block = std::max(blockSize, m_end);
     const std::size_t from = m_end;
+    if (m_isEndHeld)
+        m_bytes[m_end++] = END_OF_TEXT; // a window has room for one byte more
     if (m_decoder) {
         QByteArray raw(static_cast<int>(block), Qt::Uninitialized);
         raw.truncate(static_cast<int>(readBytes(raw.data(), raw.size())));
@@ -152,12 +155,12 @@ void KueTableSource::readBlock(std::size_t blockSize, qint64 line)
         m_end +=
             static_cast<std::size_t>(readBytes(m_bytes.data() + m_end, static_cast<qint64>(block)));
     }
-    constexpr char END_OF_TEXT = '\x1A'; // closes files of old systems
-    if (m_isAtEnd && m_end != 0 && m_bytes[m_end - 1] == END_OF_TEXT) {
+    // It begins no row, so it is not shown before it is known to be followed by something.
+    const bool isEnd = m_end != 0 && m_bytes[m_end - 1] == END_OF_TEXT;
+    m_isEndHeld = isEnd && !m_isAtEnd;
+    if (isEnd)
         --m_end;
-        m_validated = std::min(m_validated, m_end); // it may have come with the block before
-    }
-    refuseZeroBytes(std::min(from, m_end), line);
+    refuseZeroBytes(from, line);
     if (m_encoding == Encoding::UTF_8)
         validate();
     m_bytes[m_end] = '\n';

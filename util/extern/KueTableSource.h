@@ -66,5 +66,6 @@ private:
     qint64 m_bytesRead = 0;
     qint64 m_bytesTotal = 0;
     bool m_isAtEnd = false;
+    bool m_isEndHeld = false; ///< a mark of the end of text ended the block, and may be the file's
     Encoding m_encoding = Encoding::UTF_8;
 };

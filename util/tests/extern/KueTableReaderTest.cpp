@@ -252,7 +252,7 @@ TEST_F(KueTableReaderTest, BytesAreReadInTheirEncoding)
 
 TEST_F(KueTableReaderTest, BlocksMayEndAnywhere)
 {
-    const QByteArray texts[] = {"a,b\r\n1,2\r\n\x1A", "a,b\n1,\"2\n3\"\n",
+    const QByteArray texts[] = {"a,b\r\n1,2\r\n\x1A", "word\n\n\x1A", "a,b\n1,\"2\n3\"\n",
                                 "n\xC3\xA4;v\n\xC3\xBC;1"};
     for (const QByteArray& text : texts) {
         const KueTableResult whole = read(text);
