@@ -9,7 +9,8 @@
 set -euo pipefail
 
 run=(g++ cmake ninja-build pkg-config ccache
-    qtbase5-dev qtbase5-dev-tools libboost-dev libproj-dev proj-data libzstd-dev zlib1g-dev)
+    qtbase5-dev qtbase5-dev-tools libboost-dev libproj-dev proj-data libzstd-dev libxxhash-dev
+    zlib1g-dev)
 test=(git libgtest-dev libgmock-dev python3 python3-numpy python3-zstandard python3-dask
     python3-distributed zstd libarchive-tools locales units
     fonts-dejavu-core)

@@ -125,6 +125,15 @@ void KusArchiveFile::takeAhead()
     m_readSize += piece.size();
 }
 
+bool KusArchiveFile::readAt(qint64 offset, char* data, int size) const
+{
+    ssize_t count = -1;
+    do {
+        count = ::pread(m_descriptor, data, static_cast<std::size_t>(size), offset);
+    } while (count < 0 && errno == EINTR);
+    return count == size;
+}
+
 void KusArchiveFile::failToRead(int error) const
 {
     throw HbeDiskError(tr("Cannot read '%1'\n%2").arg(m_path, qt_error_string(error)));

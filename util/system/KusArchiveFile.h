@@ -34,6 +34,9 @@ public:
     HbdSpan<const char> peek(int least);
     void consume(int count) { m_begin += count; }
 
+    /// Reads bytes from anywhere in the file; false where it has less.
+    bool readAt(qint64 offset, char* data, int size) const;
+
     /// Of the next byte in the file.
     qint64 getOffset() const { return m_readSize - (m_end - m_begin); }
     qint64 getReadSize() const { return m_readSize; }

@@ -1,6 +1,7 @@
 #include <util/system/KusArchiveReader.h>
 
 #include "ArchiveGzipDecoder.h"
+#include "ArchiveZstdCrew.h"
 #include "ArchiveZstdDecoder.h"
 #include "KusArchiveAhead.h"
 
@@ -14,12 +15,15 @@ struct KusArchiveReader::Private {
     Mode mode;
     Decompressor decompressor = Decompressor::ZSTD;
     std::unique_ptr<KusArchiveDecoder> decoder;
-    std::unique_ptr<KusArchiveAhead> ahead; // uses the decoder
+    std::unique_ptr<KusArchiveAhead> ahead;    // uses the decoder
+    std::unique_ptr<ArchiveZstdCrew> crew;     // uses the decoder's file
+    std::unique_ptr<KusArchiveDecoder> relief; // goes on where the crew cannot
     std::function<void()> check;
     bool isStarted = false;
 
     KusArchiveDecoder& open(const QString& path);
     void start();
+    void relieveCrew(const QString& path);
 };
 
 KusArchiveReader::KusArchiveReader(const QString& archivePath, Mode mode)
@@ -58,11 +62,27 @@ void KusArchiveReader::Private::start()
     if (mode == Mode::DIRECT)
         return;
     try {
+        if (decompressor == Decompressor::ZSTD)
+            crew = ArchiveZstdCrew::create(decoder->getFile());
+        if (crew)
+            return;
         decoder->getFile().allowReadAhead();
         ahead = std::make_unique<KusArchiveAhead>(*decoder);
     } catch (const std::system_error&) {
         mode = Mode::DIRECT; // without a thread it only takes longer
     }
+}
+
+/// From here on one thread decodes, which knows what is wrong with the file.
+void KusArchiveReader::Private::relieveCrew(const QString& path)
+{
+    auto other =
+        std::make_unique<ArchiveZstdDecoder>(std::make_unique<KusArchiveFile>(path, check));
+    if (!crew->moveHere(*other))
+        other->getFile().failCorrupted(tr("its segments are not the content of its frame"),
+                                       other->getFile().getOffset());
+    relief = std::move(other);
+    crew.reset();
 }
 
 void KusArchiveReader::setCheck(std::function<void()> check)
@@ -88,7 +108,10 @@ qint64 KusArchiveReader::getReadSize() const
 
 bool KusArchiveReader::hasChecksum() const
 {
-    return m->decoder && m->decoder->hasChecksum();
+    if (m->crew)
+        return true;
+    const KusArchiveDecoder* decoder = m->relief ? m->relief.get() : m->decoder.get();
+    return decoder && decoder->hasChecksum();
 }
 
 HbdSpan<const char> KusArchiveReader::_next(int most)
@@ -96,5 +119,12 @@ HbdSpan<const char> KusArchiveReader::_next(int most)
     KusArchiveDecoder& decoder = m->open(m_path);
     if (!m->isStarted)
         m->start();
+    if (m->crew) {
+        if (const auto bytes = m->crew->next(most))
+            return *bytes;
+        m->relieveCrew(m_path);
+    }
+    if (m->relief)
+        return m->relief->next(most);
     return m->ahead ? m->ahead->next(most) : decoder.next(most);
 }
