@@ -127,7 +127,7 @@ ArchiveZstdCrew::~ArchiveZstdCrew()
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_isStopped = true;
     }
-    m_changed.notify_all();
+    m_released.notify_all();
     m_file.cancel();
     for (std::thread& thread : m_threads)
         thread.join();
@@ -243,8 +243,8 @@ bool ArchiveZstdCrew::read(char* data, int count)
 bool ArchiveZstdCrew::waitForSlot(qint64 index)
 {
     std::unique_lock<std::mutex> lock(m_mutex);
-    m_changed.wait(lock,
-                   [&] { return m_isStopped || index < m_releasedCount + qint64(m_slots.size()); });
+    m_released.wait(
+        lock, [&] { return m_isStopped || index < m_releasedCount + qint64(m_slots.size()); });
     return !m_isStopped;
 }
 
@@ -259,7 +259,7 @@ void ArchiveZstdCrew::publish(const Segment& segment, int size)
         slot.isLast = segment.isLast;
         slot.isReady = true;
     }
-    m_changed.notify_all();
+    m_published.notify_one();
 }
 
 void ArchiveZstdCrew::takeSegment()
@@ -268,24 +268,24 @@ void ArchiveZstdCrew::takeSegment()
     if (m_takenCount > 0) {
         slotOf(m_takenCount - 1).isReady = false;
         m_releasedCount = m_takenCount;
-        m_changed.notify_all();
+        m_released.notify_all();
     }
-    m_changed.wait(lock, [this] { return slotOf(m_takenCount).isReady; });
+    m_published.wait(lock, [this] { return slotOf(m_takenCount).isReady; });
     ++m_takenCount;
     m_given = 0;
 }
 
 std::optional<HbdSpan<const char>> ArchiveZstdCrew::next(int most)
 {
-    if (m_takenCount == 0)
-        takeSegment();
-    while (m_given == slotOf(m_takenCount - 1).size && !slotOf(m_takenCount - 1).isFailed &&
-           !slotOf(m_takenCount - 1).isLast)
+    const auto isAtEnd = [this] {
+        const Slot& slot = slotOf(m_takenCount - 1);
+        return m_given == slot.size && !slot.isFailed && !slot.isLast;
+    };
+    while (m_takenCount == 0 || isAtEnd())
         takeSegment();
     const Slot& slot = slotOf(m_takenCount - 1);
-    if (slot.isFailed)
-        return std::nullopt;
-    if (m_given == slot.size && static_cast<quint32>(m_hash->get()) != m_checksum)
+    const bool isWrong = m_given == slot.size && static_cast<quint32>(m_hash->get()) != m_checksum;
+    if (slot.isFailed || isWrong)
         return std::nullopt;
     const int count = std::min(most, slot.size - m_given);
     const HbdSpan<const char> bytes(slot.content.get() + m_given, count);

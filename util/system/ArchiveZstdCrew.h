@@ -79,8 +79,9 @@ private:
     qint64 m_takenCount = 0; // segments, the last of which is at work
     int m_given = 0;         // of that one
 
-    std::mutex m_mutex; // for the slots and these
-    std::condition_variable m_changed;
+    std::mutex m_mutex;                  // for the slots and these
+    std::condition_variable m_released;  // for the threads
+    std::condition_variable m_published; // for the caller
     std::vector<Slot> m_slots;
     qint64 m_releasedCount = 0;
     bool m_isStopped = false;

@@ -14,6 +14,7 @@
 #include <QtCore/QProcess>
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QStandardPaths>
+#include <QtCore/QtEndian>
 
 #include <csignal>
 
@@ -59,6 +60,11 @@ QByteArray noise(int size)
     for (char& byte : bytes)
         byte = static_cast<char>(random.generate());
     return bytes;
+}
+
+bool hasSegments(const QByteArray& bytes)
+{
+    return bytes.right(28).mid(8, 8) == "segments";
 }
 
 QByteArray flipped(QByteArray bytes, int place, int mask = 1)
@@ -151,12 +157,88 @@ TEST_F(ArchiveStreamTest, whatIsWrittenOthersRead)
             EXPECT_TRUE(read("a.zst", one).bytes == content);
             // One frame, which holds the checksum that the flag promises.
             EXPECT_NE(one[4] & 4, 0);
+            const int end = hasSegments(one) ? -28 : 0;
             EXPECT_NE(readAll(*std::make_unique<KusArchiveReader>(
-                                  writeBytes(at("b.zst"), flipped(one, -1))))
+                                  writeBytes(at("b.zst"), flipped(one, end - 1))))
                           .error,
                       QString());
         }
     }
+}
+
+// Contents that end around the ends of segments; the highest levels have none.
+TEST_F(ArchiveStreamTest, segmentsAreReadSideBySide)
+{
+    REQUIRE_TOOLS();
+    constexpr int SEGMENT = 2 << 20;
+    const QByteArray all = text(3 * SEGMENT) + noise(SEGMENT) + QByteArray(SEGMENT, 'x');
+    const struct {
+        int size;
+        int level;
+        bool hasSegments;
+    } rows[] = {
+        {SEGMENT, 1, false},    {SEGMENT + 1, 1, true}, {2 * SEGMENT, 2, true},
+        {4 * SEGMENT, 1, true}, {all.size(), 1, true},  {all.size() - 3, 4, true},
+        {SEGMENT, 9, true},     {SEGMENT, 19, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << "level " << row.level << ", size " << row.size);
+        const QByteArray content = all.right(row.size);
+        const QByteArray bytes = written(content, row.level, 2, 100000);
+        EXPECT_EQ(hasSegments(bytes), row.hasSegments);
+        EXPECT_TRUE(pipe({"zstd", "-dc"}, bytes) == content);
+        const Reading reading = read("a.zst", bytes);
+        EXPECT_TRUE(reading.bytes == content && reading.error.isEmpty());
+        KusArchiveReader ahead(at("a.zst"), Mode::AHEAD);
+        readAll(ahead);
+        EXPECT_TRUE(ahead.hasChecksum());
+        EXPECT_EQ(ahead.getReadSize(), bytes.size());
+    }
+}
+
+// Whatever is wrong is found at the same place as by one thread.
+TEST_F(ArchiveStreamTest, damagedSegments)
+{
+    const QByteArray content = text(5 << 20) + noise(300000);
+    const QByteArray bytes = written(content, 1, 2, 1 << 20);
+    ASSERT_TRUE(hasSegments(bytes));
+    for (int place = 0; place < bytes.size();
+         place += place < 10 || place > bytes.size() - 36 ? 1 : (bytes.size() - 40) / 12) {
+        SCOPED_TRACE(place);
+        const Reading reading = read("a.zst", flipped(bytes, place, 1 << place % 8));
+        EXPECT_TRUE(reading.bytes == content || !reading.error.isEmpty());
+        read("a.zst", bytes.left(place));
+    }
+    EXPECT_TRUE(read("a.zst", bytes + bytes).bytes == content + content);
+    EXPECT_NE(read("a.zst", bytes + "junk").error, QString());
+}
+
+TEST_F(ArchiveStreamTest, falseSegments)
+{
+    REQUIRE_TOOLS();
+    const QByteArray mark = written(text(3 << 20), 1, 1, 1 << 20).right(28);
+    const auto marked = [&mark](const QByteArray& frame) {
+        const qint64 size = qToLittleEndian<qint64>(frame.size());
+        return frame + mark.left(20) + QByteArray(reinterpret_cast<const char*>(&size), 8);
+    };
+    // Looks back over the ends of segments.
+    const QByteArray content = text(5 << 20);
+    const Reading reading = read("a.zst", marked(pipe({"zstd", "-c"}, content)));
+    EXPECT_TRUE(reading.bytes == content && reading.error.isEmpty());
+
+    // Each block repeats its own begin, as far back as the block before it did: without that one it
+    // is something else, and no fault.
+    const QByteArray begins = noise(40 * 64);
+    QByteArray repeats;
+    for (int i = 0; i < 40; ++i)
+        repeats += begins.mid(i * 64, 64).repeated(2048);
+    const QByteArray frame = pipe({"zstd", "-c", "--single-thread"}, repeats);
+    KusArchiveReader direct(writeBytes(at("b.zst"), marked(frame)));
+    EXPECT_TRUE(readAll(direct).bytes == repeats);
+    KusArchiveReader ahead(at("b.zst"), Mode::AHEAD);
+    EXPECT_EQ(readAll(ahead).error.section(',', 0, 0),
+              "Corrupted archive file '" + at("b.zst") +
+                  "' (its segments are not the content of its frame");
 }
 
 TEST_F(ArchiveStreamTest, whatOthersWriteIsRead)
