@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # Builds the fuzzers with clang and the sanitizers, and runs each one on its corpus.
 #
-#   scripts/fuzz.sh [--seconds N] [NAME...]     15 seconds each; all of them without names
+#   scripts/fuzz.sh [--seconds N] [--seed N] [NAME...]     15 seconds each; all of them without names
+#
+# With a seed, a run tries what the last one with it tried: whoever only wants to know whether a change
+# broke something gets no finding by luck. Without one, each run looks elsewhere.
 #
 # NAME is that of fuzz/NAMEFuzzer.cpp and of its seeds, fuzz/corpus/NAME. What a fuzzer finds is left in
 # build/fuzz/findings: mend the fault, then add the input to the seeds, so that it stays mended. New
@@ -10,11 +13,16 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 seconds=15
+seed=0 # 0: another one each time
 names=()
 while [ $# -gt 0 ]; do
     case $1 in
     --seconds)
         seconds=${2:?--seconds needs a number}
+        shift
+        ;;
+    --seed)
+        seed=${2:?--seed needs a number}
         shift
         ;;
     -*)
@@ -46,7 +54,7 @@ run_one() {
     mkdir -p "$corpus"
     local seeds=()
     if [ -d "fuzz/corpus/$name" ]; then seeds=("fuzz/corpus/$name"); fi
-    if "build/fuzz/fuzz/${name}Fuzzer" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+    if "build/fuzz/fuzz/${name}Fuzzer" -max_total_time="$seconds" -seed="$seed" -timeout=10 -rss_limit_mb=2048 \
         -malloc_limit_mb=1024 -print_final_stats=1 -artifact_prefix="$findings/$name-" \
         "$corpus" "${seeds[@]}" >"$findings/$name.log" 2>&1; then
         echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' "$findings/$name.log") inputs"
@@ -57,7 +65,7 @@ run_one() {
     fi
 }
 export -f run_one
-export seconds findings
+export seconds seed findings
 export ASAN_OPTIONS=${ASAN_OPTIONS:-strict_string_checks=1}
 export LSAN_OPTIONS=${LSAN_OPTIONS:-suppressions=testing/lsan.supp:print_suppressions=0}
 export QT_QPA_PLATFORM=offscreen

@@ -7,7 +7,8 @@
 #include <memory>
 
 /// Writes a file as one Zstandard frame with the checksum of its content, in the format of RFC
-/// 8878.
+/// 8878. Where the frame consists of segments that several threads can decompress, a skippable frame
+/// behind it says so (docs/formats/archive.md).
 ///
 /// The compression runs in threads of its own, so that the caller reads on meanwhile; the bytes
 /// written do not depend on their number. Whatever level and number are asked for, the memory taken
@@ -41,7 +42,7 @@ public:
     /// the compression library is a HbeDiskError "Zstd error: %1".
     bool write(const char* data, qint64 size);
 
-    /// Ends the frame, flushes the file to the disk and puts it in place; false as for `write`.
+    /// Ends the file, flushes the file to the disk and puts it in place; false as for `write`.
     bool close();
     /// Ends without the file.
     void discard();
