@@ -31,6 +31,14 @@ constexpr char LAST_BLOCK = 1;
 constexpr int CHECKSUM_SIZE = 4;
 constexpr qint64 PIECE = 1 << 20;
 
+/// A smaller window makes blocks smaller, and one decoder minds that, the other does not; nor does
+/// either take just any large one.
+bool isUsualWindow(char byte)
+{
+    const int log = 10 + (static_cast<unsigned char>(byte) >> 3);
+    return log >= 17 && log <= 26;
+}
+
 int segmentSizeInFile(int contentSize)
 {
     const int blockSize = ArchiveZstdBlock::HEADER_SIZE + ArchiveZstdBlock::MAX_SIZE;
@@ -106,7 +114,7 @@ std::unique_ptr<ArchiveZstdCrew> ArchiveZstdCrew::create(KusArchiveFile& file)
         return nullptr;
     const HbdSpan<const char> head = file.peek(HEAD_SIZE);
     if (head.size() < HEAD_SIZE || qFromLittleEndian<quint32>(head.data()) != ZSTD_MAGICNUMBER ||
-        head[FLAGS_PLACE] != CHECKSUM_ALONE)
+        head[FLAGS_PLACE] != CHECKSUM_ALONE || !isUsualWindow(head[WINDOW_PLACE]))
         return nullptr;
     std::unique_ptr<ArchiveZstdCrew> crew(new ArchiveZstdCrew(file, *segments, head[WINDOW_PLACE]));
     return crew->start() ? std::move(crew) : nullptr;

@@ -7,8 +7,8 @@
 #include <memory>
 
 /// Writes a file as one Zstandard frame with the checksum of its content, in the format of RFC
-/// 8878. Where the frame consists of segments that several threads can decompress, a skippable frame
-/// behind it says so (docs/formats/archive.md).
+/// 8878. Where the frame consists of segments that several threads can decompress, a skippable
+/// frame behind it says so (docs/formats/archive.md).
 ///
 /// The compression runs in threads of its own, so that the caller reads on meanwhile; the bytes
 /// written do not depend on their number. Whatever level and number are asked for, the memory taken
