@@ -19,6 +19,12 @@ bool isNameByte(uchar c, bool first)
     return c < 0x80 && KuxXmlText::isPlainNameCharacter(c, first);
 }
 
+// QString takes U+FEFF for a byte order mark there, and away.
+bool beginsWithMark(const char* begin, const char* end)
+{
+    return end - begin >= 3 && std::memcmp(begin, "\xEF\xBB\xBF", 3) == 0;
+}
+
 struct Run {
     const char* end;   // at '<', or at the end of the bytes
     bool hasNonAscii;  // bytes above 0x7F
@@ -133,9 +139,12 @@ bool KuxMementoXmlReader::readName(Name& name)
         ++m_at;
     }
     if (m_at < m_end && uchar(*m_at) >= 0x80) {
-        // Letters beyond ASCII: checked in UTF-16, and the bytes must be what they decode to.
+        // Letters beyond ASCII: checked in UTF-16.
         while (m_at < m_end && (uchar(*m_at) >= 0x80 || isNameByte(uchar(*m_at), false))) {
             ++m_at;
+        }
+        if (beginsWithMark(name.begin, m_at)) {
+            return giveUp();
         }
         const QString text = QString::fromUtf8(name.begin, int(m_at - name.begin));
         for (int i = 0; i < text.size(); ++i) {
@@ -278,6 +287,9 @@ bool KuxMementoXmlReader::readCData(QString& text, qint64& length)
 
 bool KuxMementoXmlReader::append(const char* begin, const char* end, QString& text)
 {
+    if (beginsWithMark(begin, end)) {
+        return giveUp();
+    }
     const QString part = QString::fromUtf8(begin, int(end - begin));
     // What cannot be decoded shows as U+FFFD; whether it is that or a fault, the other road tells.
     for (const QChar c : part) {

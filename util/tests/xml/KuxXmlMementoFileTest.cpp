@@ -83,9 +83,10 @@ private:
     QString text()
     {
         static const QStringList PARTS =
-            QString::fromUtf8("abc|<|>|&|]]>|]]|\r|\n|\t| |\"|'|é|€|\xF0\x9F\x98\x80|\u00A0|\x01|"
-                              "\xEF\xBF\xBF|&amp;|<![CDATA[|&#13;|"
-                              "a long stretch of plain text, longer than a block")
+            QString::fromUtf8(
+                "abc|<|>|&|]]>|]]|\r|\n|\t| |\"|'|é|€|\xF0\x9F\x98\x80|\u00A0|\x01|\uFEFF|"
+                "\xEF\xBF\xBF|&amp;|<![CDATA[|&#13;|"
+                "a long stretch of plain text, longer than a block")
                 .split('|');
         QString result;
         for (int i = below(5); i > 0; --i)
