@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <new>
-#include <system_error>
 
 #include <xxhash.h>
 #include <zstd.h>
@@ -116,8 +116,13 @@ std::unique_ptr<ArchiveZstdCrew> ArchiveZstdCrew::create(KusArchiveFile& file)
     if (head.size() < HEAD_SIZE || qFromLittleEndian<quint32>(head.data()) != ZSTD_MAGICNUMBER ||
         head[FLAGS_PLACE] != CHECKSUM_ALONE || !isUsualWindow(head[WINDOW_PLACE]))
         return nullptr;
-    std::unique_ptr<ArchiveZstdCrew> crew(new ArchiveZstdCrew(file, *segments, head[WINDOW_PLACE]));
-    return crew->start() ? std::move(crew) : nullptr;
+    try {
+        std::unique_ptr<ArchiveZstdCrew> crew(
+            new ArchiveZstdCrew(file, *segments, head[WINDOW_PLACE]));
+        return crew->start() ? std::move(crew) : nullptr;
+    } catch (const std::bad_alloc&) {
+        return nullptr; // one thread takes less
+    }
 }
 
 ArchiveZstdCrew::ArchiveZstdCrew(KusArchiveFile& file, const ArchiveZstdSegments& segments,
@@ -131,6 +136,13 @@ ArchiveZstdCrew::ArchiveZstdCrew(KusArchiveFile& file, const ArchiveZstdSegments
 
 ArchiveZstdCrew::~ArchiveZstdCrew()
 {
+    stop();
+}
+
+void ArchiveZstdCrew::stop()
+{
+    if (m_threads.empty())
+        return;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_isStopped = true;
@@ -139,6 +151,7 @@ ArchiveZstdCrew::~ArchiveZstdCrew()
     m_file.cancel();
     for (std::thread& thread : m_threads)
         thread.join();
+    m_threads.clear();
 }
 
 /// False where there is no thread to be had; the file is then as it was.
@@ -148,11 +161,16 @@ bool ArchiveZstdCrew::start()
     m_slots.resize(std::size_t(count + MORE_SLOTS));
     for (Slot& slot : m_slots)
         slot.content.reset(new char[std::size_t(m_segments.contentSize)]);
+    m_segmentsAtWork.resize(std::size_t(count));
+    const int size = HEAD_SIZE + segmentSizeInFile(m_segments.contentSize);
+    for (Segment& segment : m_segmentsAtWork)
+        segment.bytes.reset(new char[std::size_t(size)]);
+    m_threads.reserve(std::size_t(count));
     const std::lock_guard<std::mutex> lock(m_turn); // none reads yet
     try {
-        for (int i = 0; i < count; ++i)
-            m_threads.emplace_back([this] { work(); });
-    } catch (const std::system_error&) {
+        for (Segment& segment : m_segmentsAtWork)
+            m_threads.emplace_back([this, &segment] { work(segment); });
+    } catch (const std::exception&) { // no thread, or no memory for one
         if (m_threads.empty())
             return false;
     }
@@ -161,12 +179,9 @@ bool ArchiveZstdCrew::start()
     return true;
 }
 
-void ArchiveZstdCrew::work()
+void ArchiveZstdCrew::work(Segment& segment)
 {
     Decompressor decompressor;
-    Segment segment;
-    segment.bytes.reset(
-        new char[std::size_t(HEAD_SIZE + segmentSizeInFile(m_segments.contentSize))]);
     while (readNext(segment) && waitForSlot(segment.index)) {
         char* const content = slotOf(segment.index).content.get();
         publish(segment, decompressor.run(segment, content, m_segments.contentSize));
@@ -292,8 +307,9 @@ std::optional<HbdSpan<const char>> ArchiveZstdCrew::next(int most)
     while (m_takenCount == 0 || isAtEnd())
         takeSegment();
     const Slot& slot = slotOf(m_takenCount - 1);
-    const bool isWrong = m_given == slot.size && static_cast<quint32>(m_hash->get()) != m_checksum;
-    if (slot.isFailed || isWrong)
+    // The checksum is known with the last segment.
+    if (slot.isFailed ||
+        (m_given == slot.size && static_cast<quint32>(m_hash->get()) != m_checksum))
         return std::nullopt;
     const int count = std::min(most, slot.size - m_given);
     const HbdSpan<const char> bytes(slot.content.get() + m_given, count);
@@ -303,10 +319,12 @@ std::optional<HbdSpan<const char>> ArchiveZstdCrew::next(int most)
     return bytes;
 }
 
-bool ArchiveZstdCrew::moveHere(KusArchiveDecoder& decoder) const
+bool ArchiveZstdCrew::moveHere(KusArchiveDecoder& decoder, const std::function<void()>& check) const
 {
     Hash hash;
     for (qint64 left = m_position; left > 0;) {
+        if (check)
+            check();
         const HbdSpan<const char> bytes = decoder.next(int(std::min(left, PIECE)));
         if (bytes.isEmpty())
             return false;

@@ -5,6 +5,7 @@
 #include <basic/data/HbdSpan.h>
 
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -26,7 +27,6 @@ public:
     /// where the file has no segments, or where there are no threads to be had. The file is
     /// borrowed.
     static std::unique_ptr<ArchiveZstdCrew> create(KusArchiveFile& file);
-    /// Ends the threads, each at its next block of the file.
     ~ArchiveZstdCrew();
     ArchiveZstdCrew(const ArchiveZstdCrew&) = delete;
     ArchiveZstdCrew& operator=(const ArchiveZstdCrew&) = delete;
@@ -35,9 +35,14 @@ public:
     /// the end, where the checksum of all that was handed out is right. None when it cannot go on.
     std::optional<HbdSpan<const char>> next(int most);
 
+    /// Ends the threads, each at its next block of the file, and leaves that at its end: it is to
+    /// be rewound. Nothing comes next any more.
+    void stop();
+
     /// Moves a decoder of the same file from the begin to where the crew is; false when what stands
-    /// before is not what was handed out.
-    bool moveHere(KusArchiveDecoder& decoder) const;
+    /// before is not what was handed out. `check` may be null; it is called on the way and may
+    /// throw.
+    bool moveHere(KusArchiveDecoder& decoder, const std::function<void()>& check) const;
 
 private:
     struct Segment;
@@ -53,7 +58,7 @@ private:
 
     ArchiveZstdCrew(KusArchiveFile& file, const ArchiveZstdSegments& segments, char windowByte);
     bool start();
-    void work();
+    void work(Segment& segment);
     bool readNext(Segment& segment);
     bool readBlocks(Segment& segment);
     bool readEnd();
@@ -86,5 +91,6 @@ private:
     qint64 m_releasedCount = 0;
     bool m_isStopped = false;
 
+    std::vector<Segment> m_segmentsAtWork; // of a thread each
     std::vector<std::thread> m_threads;
 };

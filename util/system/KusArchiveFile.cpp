@@ -125,6 +125,17 @@ void KusArchiveFile::takeAhead()
     m_readSize += piece.size();
 }
 
+void KusArchiveFile::rewind()
+{
+    if (::lseek(m_descriptor, 0, SEEK_SET) != 0)
+        failToRead(errno);
+    m_readBefore = getReadSize();
+    m_readSize = 0;
+    m_begin = m_end = 0;
+    m_step = FIRST_STEP;
+    m_cancelled = false;
+}
+
 bool KusArchiveFile::readAt(qint64 offset, char* data, int size) const
 {
     ssize_t count = -1;

@@ -5,6 +5,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QString>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -39,11 +40,16 @@ public:
 
     /// Of the next byte in the file.
     qint64 getOffset() const { return m_readSize - (m_end - m_begin); }
-    qint64 getReadSize() const { return m_readSize; }
+    /// The most that was read so far; reading again does not lower it.
+    qint64 getReadSize() const { return std::max<qint64>(m_readSize, m_readBefore); }
     qint64 getSize() const { return m_size; }
 
     /// From now on a thread reads ahead, once it is known to be worth it.
     void allowReadAhead() { m_mayReadAhead = true; }
+    /// Goes back to the first byte, also after a cancel. Not while anybody reads, nor once a thread
+    /// reads ahead.
+    void rewind();
+
     /// From now on the file is at its end, for a thread that reads and shall stop.
     void cancel() { m_cancelled = true; }
 
@@ -69,6 +75,7 @@ private:
     int m_end = 0;
     int m_step;
     std::atomic<qint64> m_readSize{0};
+    std::atomic<qint64> m_readBefore{0}; // ahead of rewinding
     std::atomic<bool> m_cancelled{false};
     bool m_mayReadAhead = false;
     std::unique_ptr<KusArchiveFeeder> m_feeder; // uses the descriptor

@@ -15,15 +15,15 @@ struct KusArchiveReader::Private {
     Mode mode;
     Decompressor decompressor = Decompressor::ZSTD;
     std::unique_ptr<KusArchiveDecoder> decoder;
-    std::unique_ptr<KusArchiveAhead> ahead;    // uses the decoder
-    std::unique_ptr<ArchiveZstdCrew> crew;     // uses the decoder's file
-    std::unique_ptr<KusArchiveDecoder> relief; // goes on where the crew cannot
+    std::unique_ptr<KusArchiveAhead> ahead; // uses the decoder
+    std::unique_ptr<ArchiveZstdCrew> crew;  // uses the decoder's file, until it is relieved
+    std::exception_ptr failure;             // of that
     std::function<void()> check;
     bool isStarted = false;
 
     KusArchiveDecoder& open(const QString& path);
     void start();
-    void relieveCrew(const QString& path);
+    void relieveCrew();
 };
 
 KusArchiveReader::KusArchiveReader(const QString& archivePath, Mode mode)
@@ -74,14 +74,17 @@ void KusArchiveReader::Private::start()
 }
 
 /// From here on one thread decodes, which knows what is wrong with the file.
-void KusArchiveReader::Private::relieveCrew(const QString& path)
+void KusArchiveReader::Private::relieveCrew()
 {
-    auto other =
-        std::make_unique<ArchiveZstdDecoder>(std::make_unique<KusArchiveFile>(path, check));
-    if (!crew->moveHere(*other))
-        other->getFile().failCorrupted(tr("its segments are not the content of its frame"),
-                                       other->getFile().getOffset());
-    relief = std::move(other);
+    try {
+        crew->stop();
+        decoder->getFile().rewind();
+        if (!crew->moveHere(*decoder, check))
+            decoder->getFile().failCorrupted(tr("its segments are not the content of its frame"),
+                                             decoder->getFile().getOffset());
+    } catch (...) {
+        failure = std::current_exception();
+    }
     crew.reset();
 }
 
@@ -108,10 +111,7 @@ qint64 KusArchiveReader::getReadSize() const
 
 bool KusArchiveReader::hasChecksum() const
 {
-    if (m->crew)
-        return true;
-    const KusArchiveDecoder* decoder = m->relief ? m->relief.get() : m->decoder.get();
-    return decoder && decoder->hasChecksum();
+    return m->crew || (m->decoder && m->decoder->hasChecksum());
 }
 
 HbdSpan<const char> KusArchiveReader::_next(int most)
@@ -122,9 +122,9 @@ HbdSpan<const char> KusArchiveReader::_next(int most)
     if (m->crew) {
         if (const auto bytes = m->crew->next(most))
             return *bytes;
-        m->relieveCrew(m_path);
+        m->relieveCrew();
     }
-    if (m->relief)
-        return m->relief->next(most);
+    if (m->failure)
+        std::rethrow_exception(m->failure);
     return m->ahead ? m->ahead->next(most) : decoder.next(most);
 }

@@ -209,8 +209,20 @@ TEST_F(ArchiveStreamTest, damagedSegments)
         EXPECT_TRUE(reading.bytes == content || !reading.error.isEmpty());
         read("a.zst", bytes.left(place));
     }
+    for (int bit = 0; bit < 16; ++bit) // flags and window
+        read("a.zst", flipped(bytes, 4 + bit / 8, 1 << bit % 8));
     EXPECT_TRUE(read("a.zst", bytes + bytes).bytes == content + content);
     EXPECT_NE(read("a.zst", bytes + "junk").error, QString());
+
+    // Nor does it matter that the file went meanwhile.
+    const Reading expected = read("a.zst", flipped(bytes, bytes.size() / 2));
+    KusArchiveReader reader(at("a.zst"), Mode::AHEAD);
+    const int first = reader.next(1000).size();
+    QFile::remove(at("a.zst"));
+    const Reading rest = readAll(reader);
+    EXPECT_EQ(rest.error, expected.error);
+    EXPECT_EQ(first + rest.bytes.size(), expected.bytes.size());
+    EXPECT_EQ(readAll(reader).error, expected.error);
 }
 
 TEST_F(ArchiveStreamTest, falseSegments)
