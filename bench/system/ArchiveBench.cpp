@@ -29,7 +29,7 @@ namespace
 constexpr int DEFAULT_SIZE = 500; // MB
 constexpr int SMOKE_SIZE = 8;
 constexpr double MEMORY_LIMIT = 64; // MiB
-constexpr int REPETITIONS = 5; // the disk has slow moments
+constexpr int REPETITIONS = 5;      // the disk has slow moments
 
 struct Outcome {
     double seconds = 0;
