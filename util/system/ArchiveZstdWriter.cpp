@@ -1,6 +1,6 @@
 #include <util/system/ArchiveZstdWriter.h>
 
-#include "ArchiveZstdBlock.h"
+#include "ArchiveZstdBlockCounter.h"
 #include "ArchiveZstdSegments.h"
 
 #include <util/system/KusSafeFile.h>
